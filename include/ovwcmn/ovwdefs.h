@@ -15,4 +15,11 @@
 #define OVWCMN_API
 #endif
 
+#if defined(__GNUC__)
+/// Marks a type whose objects may overlay fields of another type (the corners of a rectangle as points).
+#define OVWCMN_MAY_ALIAS __attribute__((may_alias))
+#else
+#define OVWCMN_MAY_ALIAS
+#endif
+
 #endif // OVWCMN_OVWDEFS_H

@@ -4,9 +4,11 @@
 /// @file
 /// The structs and constants of the Windows interface that the library's own interface uses, and their floating-point kin.
 
+#include "ovwcmn/ovwdefs.h"
+
 #include <cstdint>
 
-struct tagPOINT {
+struct OVWCMN_MAY_ALIAS tagPOINT {
     std::int32_t x;
     std::int32_t y;
 };
@@ -27,7 +29,7 @@ struct tagRECT {
 };
 using RECT = tagRECT;
 
-struct tagPOINTF {
+struct OVWCMN_MAY_ALIAS tagPOINTF {
     float x;
     float y;
 };
@@ -47,7 +49,7 @@ struct tagRECTF {
 };
 using RECTF = tagRECTF;
 
-struct tagPOINTD {
+struct OVWCMN_MAY_ALIAS tagPOINTD {
     double x;
     double y;
 };
