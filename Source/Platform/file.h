@@ -2,8 +2,8 @@
 #define OVW_PLATFORM_FILE_H
 
 /// @file
-/// Files, folders and volumes. Paths are in the library's form (path.h). Every function that returns `int` gives 0 or the
-/// Windows system code of the failure (systemerror.h), and then leaves its results alone; nothing throws but
+/// Files, folders and volumes. Paths are in the library's form (path.h). Every function that returns `int` gives 0 or
+/// the Windows system code of the failure (systemerror.h), and then leaves its results alone; nothing throws but
 /// std::bad_alloc. Any function may block on the disk, and may be called from any thread.
 
 #include <cstddef>
