@@ -11,24 +11,9 @@
 
 #include "ovwcmn/detail/geometrypair.h"
 #include "ovwcmn/detail/geometryrect.h"
+#include "ovwcmn/detail/toint.h"
 #include "ovwcmn/ovwdefs.h"
 #include "ovwcmn/wintypes.h"
-
-#include <limits>
-
-namespace ovw {
-
-/// Truncates toward zero; a value out of range becomes the nearest int, NaN becomes 0.
-constexpr std::int32_t truncateToInt(double value) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    if (value >= Limits::max())
-        return Limits::max();
-    if (value <= Limits::min())
-        return Limits::min();
-    return value == value ? static_cast<std::int32_t>(value) : 0;
-}
-
-} // namespace ovw
 
 /// A position in whole units.
 class OVWCMN_API OVWCMN_MAY_ALIAS XCPoint : public ovw::geometry::PointBase<ovw::geometry::IntegerFamily> {
