@@ -107,11 +107,8 @@ public:
     }
 
 protected:
-    constexpr ColorBase(const Plain& plain) : Plain(plain) {}
-    ColorBase& operator=(const Plain& plain) {
-        static_cast<Plain&>(*this) = plain;
-        return *this;
-    }
+    ColorBase(const Plain& plain) : Plain(plain) {}
+    ColorBase(std::uint16_t a, std::uint16_t c0, std::uint16_t c1, std::uint16_t c2) : Plain{a, c0, c1, c2} {}
 
 private:
     static constexpr std::uint16_t Plain::*s_fields[] = {Channels..., &Plain::alpha};
@@ -128,13 +125,13 @@ using HlsBase =
 /// A colour in red, green and blue, the model through which the others meet. Has the layout of its plain struct.
 class OVWCMN_API XCRgbColor : public ovw::foundation::RgbBase {
 public:
-    XCRgbColor() : RgbBase({0, 0, 0, 0}) {}
+    XCRgbColor() : ColorBase(0, 0, 0, 0) {}
     XCRgbColor(std::uint32_t packed);
     XCRgbColor(const XCColor& color) : XCRgbColor(color.GetColor()) {}
-    XCRgbColor(const tagVXRGBCOLOR16& color) : RgbBase(color) {}
+    XCRgbColor(const tagVXRGBCOLOR16& color) : ColorBase(color) {}
     XCRgbColor(const tagVXHSVCOLOR16& color);
     XCRgbColor(const tagVXHLSCOLOR16& color);
-    XCRgbColor(std::uint16_t a, std::uint16_t r, std::uint16_t g, std::uint16_t b) : RgbBase({a, r, g, b}) {}
+    XCRgbColor(std::uint16_t a, std::uint16_t r, std::uint16_t g, std::uint16_t b) : ColorBase(a, r, g, b) {}
 
     void SetColor(std::uint16_t a, std::uint16_t r, std::uint16_t g, std::uint16_t b) { *this = {a, r, g, b}; }
     std::uint16_t GetChannelR() const { return red; }
@@ -151,12 +148,12 @@ public:
 /// A colour in hue, saturation and value; all four channels are 65535 at first. Has the layout of its plain struct.
 class OVWCMN_API XCHsvColor : public ovw::foundation::HsvBase {
 public:
-    XCHsvColor() : HsvBase({65535, 65535, 65535, 65535}) {}
+    XCHsvColor() : ColorBase(65535, 65535, 65535, 65535) {}
     XCHsvColor(std::uint32_t packed) : XCHsvColor(XCRgbColor(packed)) {}
     XCHsvColor(const tagVXRGBCOLOR16& color);
     XCHsvColor(const XCRgbColor& color) : XCHsvColor(static_cast<const tagVXRGBCOLOR16&>(color)) {}
-    XCHsvColor(const tagVXHSVCOLOR16& color) : HsvBase(color) {}
-    XCHsvColor(std::uint16_t a, std::uint16_t h, std::uint16_t s, std::uint16_t v) : HsvBase({a, h, s, v}) {}
+    XCHsvColor(const tagVXHSVCOLOR16& color) : ColorBase(color) {}
+    XCHsvColor(std::uint16_t a, std::uint16_t h, std::uint16_t s, std::uint16_t v) : ColorBase(a, h, s, v) {}
 
     void SetColor(std::uint16_t a, std::uint16_t h, std::uint16_t s, std::uint16_t v) { *this = {a, h, s, v}; }
     std::uint16_t GetChannelH() const { return hue; }
@@ -174,12 +171,12 @@ public:
 /// A colour in hue, lightness and saturation; all four channels are 65535 at first.
 class OVWCMN_API XCHlsColor : public ovw::foundation::HlsBase {
 public:
-    XCHlsColor() : HlsBase({65535, 65535, 65535, 65535}) {}
+    XCHlsColor() : ColorBase(65535, 65535, 65535, 65535) {}
     XCHlsColor(std::uint32_t packed) : XCHlsColor(XCRgbColor(packed)) {}
     XCHlsColor(const tagVXRGBCOLOR16& color);
     XCHlsColor(const XCRgbColor& color) : XCHlsColor(static_cast<const tagVXRGBCOLOR16&>(color)) {}
-    XCHlsColor(const tagVXHLSCOLOR16& color) : HlsBase(color) {}
-    XCHlsColor(std::uint16_t a, std::uint16_t h, std::uint16_t l, std::uint16_t s) : HlsBase({a, h, l, s}) {}
+    XCHlsColor(const tagVXHLSCOLOR16& color) : ColorBase(color) {}
+    XCHlsColor(std::uint16_t a, std::uint16_t h, std::uint16_t l, std::uint16_t s) : ColorBase(a, h, l, s) {}
     XCHlsColor(const XCHlsColor&) = default;
     XCHlsColor& operator=(const XCHlsColor&) = default;
     virtual ~XCHlsColor() = default;
