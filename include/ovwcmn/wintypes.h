@@ -81,6 +81,26 @@ struct SYSTEMTIME {
     std::uint16_t wMilliseconds;
 };
 
+/// 100-nanosecond steps since 1601-01-01 UTC, in two halves.
+struct FILETIME {
+    std::uint32_t dwLowDateTime;
+    std::uint32_t dwHighDateTime;
+};
+
+/// An entry of a folder, as a search finds it.
+struct WIN32_FIND_DATAA {
+    std::uint32_t dwFileAttributes;
+    FILETIME ftCreationTime;
+    FILETIME ftLastAccessTime;
+    FILETIME ftLastWriteTime;
+    std::uint32_t nFileSizeHigh;
+    std::uint32_t nFileSizeLow;
+    std::uint32_t dwReserved0;
+    std::uint32_t dwReserved1;
+    char cFileName[260];
+    char cAlternateFileName[14];
+};
+
 struct _GUID {
     std::uint32_t Data1;
     std::uint16_t Data2;
