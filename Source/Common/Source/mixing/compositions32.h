@@ -1,0 +1,281 @@
+#ifndef OVW_MIXING_COMPOSITIONS32_H
+#define OVW_MIXING_COMPOSITIONS32_H
+
+/// @file
+/// How paint meets a 32-bit pixel: a struct a composition. o is a channel of the pixel below and oA its alpha, c the
+/// paint's channel, a the opacity in 1.15 and f the same as a float, b the opacity as a byte.
+///
+/// Facts that a compositor needs: whether a composition acts on pixels of alpha 0, changes the alpha, changes colour.
+
+#include "mixing/fixedpoint.h"
+
+#include <cstdint>
+
+namespace ovw::mixing {
+namespace {
+
+constexpr std::uint32_t cnAlphaMask = 0xFF000000;
+
+constexpr std::int32_t blueOf(std::uint32_t p) { return static_cast<std::int32_t>(p & 0xFF); }
+constexpr std::int32_t greenOf(std::uint32_t p) { return static_cast<std::int32_t>(p >> 8 & 0xFF); }
+constexpr std::int32_t redOf(std::uint32_t p) { return static_cast<std::int32_t>(p >> 16 & 0xFF); }
+constexpr std::int32_t alphaOf(std::uint32_t p) { return static_cast<std::int32_t>(p >> 24); }
+
+constexpr std::uint32_t packed(std::int32_t b, std::int32_t g, std::int32_t r, std::int32_t a) {
+    return static_cast<std::uint32_t>(b) | static_cast<std::uint32_t>(g) << 8 | static_cast<std::uint32_t>(r) << 16 |
+           static_cast<std::uint32_t>(a) << 24;
+}
+
+/// channel(o, c) of the three colour channels, with this alpha.
+template <class Channel>
+constexpr std::uint32_t eachChannel(std::uint32_t o, std::uint32_t c, std::int32_t alpha, Channel channel) {
+    return packed(channel(blueOf(o), blueOf(c)), channel(greenOf(o), greenOf(c)), channel(redOf(o), redOf(c)), alpha);
+}
+
+// ---- Compositions of whole pixels: pixel(below, paint, opacity, bits to keep)
+
+struct ActsEverywhere {
+    static constexpr bool cnActsOnEmpty = true;
+    static constexpr bool cnChangesAlpha = true;
+    static constexpr bool cnChangesColor = true;
+};
+
+// c, alpha from a
+struct Replace15 : ActsEverywhere {
+    static std::uint32_t pixel(std::uint32_t, std::uint32_t c, std::int32_t a, std::uint32_t) {
+        return c | static_cast<std::uint32_t>(Scale15::toByte(a)) << 24;
+    }
+};
+
+// N = (1 - a) * oA + a * 255; lerp(o, c, a * 255 / N), alpha N; over nothing c, alpha from a.
+// An alpha that is kept counts as full. The quotient is exact: its terms and its distance from the next integer fit a
+// float's 24 bits. For oA = 255 it is a.
+struct Normal15 : ActsEverywhere {
+    static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
+        const std::int32_t oA = alphaOf(o);
+        const std::int32_t below = oA | alphaOf(keep);
+        const std::int32_t alpha = (below * Scale15::cnOne + a * (255 - below)) >> Scale15::cnBits;
+        const float share = static_cast<float>(a * 255) / static_cast<float>(most(alpha, 1));
+        const std::int32_t w = oA == 0 ? Scale15::cnOne : least(static_cast<std::int32_t>(share), Scale15::cnOne);
+        return eachChannel(o, c, oA == 0 ? Scale15::toByte(a) : alpha,
+                           [w](std::int32_t p, std::int32_t q) { return Scale15::lerp(p, q, w); });
+    }
+};
+
+// alpha (1 - a) * oA
+struct Erase15 {
+    static constexpr bool cnActsOnEmpty = false;
+    static constexpr bool cnChangesAlpha = true;
+    static constexpr bool cnChangesColor = false;
+    static std::uint32_t pixel(std::uint32_t o, std::uint32_t, std::int32_t a, std::uint32_t) {
+        return packed(0, 0, 0, Scale15::scaledRound(alphaOf(o), Scale15::cnOne - a));
+    }
+};
+
+// Over nothing c; over an opaque pixel (1 - (1 - c) * a) * o; else, with S = f * 255 + (1 - f) * oA and k = oA / S,
+// c * (1 - k) + (f / 255 * k * c + (1 - f) * k) * o, alpha S.
+struct Multiply15 : ActsEverywhere {
+    static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
+        const std::int32_t oA = alphaOf(o);
+        const float f = Scale15::toFloat(a);
+        const float below = static_cast<float>(most(oA, 1));
+        const float sum = f * 255.0f + (1.0f - f) * below;
+        const float k = below / sum;
+        const std::uint32_t partly =
+            eachChannel(o, c, least(rounded(sum), 255), [f, k](std::int32_t p, std::int32_t q) {
+                const float paint = static_cast<float>(q);
+                const float share = f / 255.0f * k * paint + (1.0f - f) * k;
+                return least(rounded(paint * (1.0f - k) + share * static_cast<float>(p)), 255);
+            });
+        const std::uint32_t opaque = eachChannel(o, c, 255, [a](std::int32_t p, std::int32_t q) {
+            return Scale15::overByteOneRound((Scale15::cnByteOne - (255 - q) * a) * p);
+        });
+        const std::uint32_t over = (oA | alphaOf(keep)) == 255 ? opaque : partly;
+        return oA == 0 ? Replace15::pixel(o, c, a, keep) : over;
+    }
+};
+
+// With an alpha that may change, o is first flattened: o' = (oA * o + 255 * (255 - oA) * f) / ((255 - oA) * f + oA),
+// alpha oA + 255 * f. c > 127: o' + (2c - 255) * (255 - o') / 255 * f; else (1 - (1 - 2c / 255) * f) * o'.
+struct HardLight15 : ActsEverywhere {
+    static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
+        const float f = Scale15::toFloat(a);
+        const float oA = static_cast<float>(alphaOf(o) | alphaOf(keep));
+        const float white = (255.0f - oA) * f;
+        const float weight = white + oA > 0.0f ? white + oA : 1.0f;
+        const std::int32_t alpha = least(rounded(oA + 255.0f * f), 255);
+        return eachChannel(o, c, alpha, [f, oA, white, weight](std::int32_t p, std::int32_t q) {
+            const float flat = (oA * static_cast<float>(p) + 255.0f * white) / weight;
+            const float twice = static_cast<float>(2 * q);
+            const float light = flat + (twice - 255.0f) * (255.0f - flat) / 255.0f * f;
+            const float dark = (1.0f - (1.0f - twice / 255.0f) * f) * flat;
+            return least(rounded(q > 127 ? light : dark), 255);
+        });
+    }
+};
+
+// ---- The same on bytes, with truncating divisions
+
+struct Replace8 : ActsEverywhere {
+    static std::uint32_t pixel(std::uint32_t, std::uint32_t c, std::int32_t b, std::uint32_t) {
+        return c | static_cast<std::uint32_t>(b) << 24;
+    }
+};
+
+// Q = (255 - b) * oA, D = Q + 255 * b: (o * Q + c * b * 255) / D rounded, alpha D / 255 rounded. Over an opaque pixel,
+// or with the alpha kept, the quotient is truncated. Over nothing it is c, alpha b. All terms are integers below 2^24,
+// so that only the reciprocal rounds; 1/512 lifts it over an integer that it must not miss and reaches no other.
+struct Normal8 : ActsEverywhere {
+    static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t b, std::uint32_t keep) {
+        const std::int32_t oA = alphaOf(o);
+        const std::int32_t below = oA == 0 ? 0 : oA | alphaOf(keep);
+        const float weight = static_cast<float>((255 - b) * below);
+        const float sum = weight + static_cast<float>(255 * b);
+        const float reciprocal = 1.0f / (sum > 1.0f ? sum : 1.0f);
+        const float lift = below == 255 ? 1.0f / 512.0f : 0.5f;
+        const std::int32_t paint = 255 * b;
+        return eachChannel(o, c, rounded(sum * (1.0f / 255.0f)), [=](std::int32_t p, std::int32_t q) {
+            const float mixed = static_cast<float>(p) * weight + static_cast<float>(q * paint);
+            return static_cast<std::int32_t>(mixed * reciprocal + lift);
+        });
+    }
+};
+
+struct Erase8 : Erase15 {
+    static std::uint32_t pixel(std::uint32_t o, std::uint32_t, std::int32_t b, std::uint32_t) {
+        return packed(0, 0, 0, Scale8::scaled(alphaOf(o), Scale8::cnOne - b));
+    }
+};
+
+// ---- Compositions of channels: channel(o, c, a). They leave the alpha alone, and pixels without alpha.
+
+template <class Mode>
+struct Channelwise {
+    static constexpr bool cnActsOnEmpty = false;
+    static constexpr bool cnChangesAlpha = false;
+    static constexpr bool cnChangesColor = true;
+    Mode mode{};
+    std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t) const {
+        return eachChannel(o, c, 0, [this, a](std::int32_t p, std::int32_t q) { return mode.channel(p, q, a); });
+    }
+};
+
+// o - a / 5
+struct DarkenStep15 {
+    static std::int32_t channel(std::int32_t o, std::int32_t, std::int32_t a) {
+        return most(o - Scale15::scaled(Scale15::cnStep, a), 0);
+    }
+};
+
+// o + a / 5
+struct LightenStep15 {
+    static std::int32_t channel(std::int32_t o, std::int32_t, std::int32_t a) {
+        return least(o + Scale15::scaled(Scale15::cnStep, a), 255);
+    }
+};
+
+struct DarkenStep8 {
+    static std::int32_t channel(std::int32_t o, std::int32_t, std::int32_t b) {
+        return most(o - b / Scale8::cnStepShare, 0);
+    }
+};
+
+struct LightenStep8 {
+    static std::int32_t channel(std::int32_t o, std::int32_t, std::int32_t b) {
+        return least(o + b / Scale8::cnStepShare, 255);
+    }
+};
+
+// o + a * c
+struct Add15 {
+    static std::int32_t channel(std::int32_t o, std::int32_t c, std::int32_t a) {
+        return least(o + Scale15::scaledRound(c, a), 255);
+    }
+};
+
+// max(o, a * c)
+struct Lighten15 {
+    static std::int32_t channel(std::int32_t o, std::int32_t c, std::int32_t a) {
+        return most(o, Scale15::scaledRound(c, a));
+    }
+};
+
+// min(o, lerp(o, c, a))
+struct Darken15 {
+    static std::int32_t channel(std::int32_t o, std::int32_t c, std::int32_t a) {
+        return least(o, Scale15::lerp(o, c, a));
+    }
+};
+
+// c' = c * f + 255 * (1 - f): 255 - (255 - o) * 255 / c', 0 where c' + o < 255
+struct ColorBurn15 {
+    static std::int32_t channel(std::int32_t o, std::int32_t c, std::int32_t a) {
+        const float f = Scale15::toFloat(a);
+        const float paint = static_cast<float>(c) * f + 255.0f * (1.0f - f);
+        const float quotient = static_cast<float>((255 - o) * 255) / (paint > 0.0f ? paint : 1.0f);
+        const std::int32_t burnt = 255 - rounded(quotient < 255.0f ? quotient : 255.0f);
+        return paint + static_cast<float>(o) < 255.0f ? 0 : burnt;
+    }
+};
+
+// o + c < 256: (255 * f / (255 - c) + 1 - f) * o; else o + (255 - o) * f
+struct ColorDodge15 {
+    static std::int32_t channel(std::int32_t o, std::int32_t c, std::int32_t a) {
+        const float f = Scale15::toFloat(a);
+        const float gain = 255.0f * f / static_cast<float>(most(255 - c, 1)) + 1.0f - f;
+        const std::int32_t dodged = rounded(gain * static_cast<float>(o));
+        const std::int32_t faded = o + rounded(static_cast<float>(255 - o) * f);
+        return least(o + c < 256 ? dodged : faded, 255);
+    }
+};
+
+// o + (255 - o) * c * f / 255
+struct Screen15 {
+    static std::int32_t channel(std::int32_t o, std::int32_t c, std::int32_t a) {
+        return o + Scale15::overByteOneRound((255 - o) * c * a);
+    }
+};
+
+// o > 127: (1 - f) * o + f * (255 - 2 * (255 - o) * (255 - c) / 255); else ((2 * c / 255 - 1) * f + 1) * o
+struct Overlay15 {
+    static std::int32_t channel(std::int32_t o, std::int32_t c, std::int32_t a) {
+        const float f = Scale15::toFloat(a);
+        const float below = static_cast<float>(o);
+        const float light = (1.0f - f) * below + f * (255.0f - static_cast<float>(2 * (255 - o) * (255 - c)) / 255.0f);
+        const float dark = ((static_cast<float>(2 * c) / 255.0f - 1.0f) * f + 1.0f) * below;
+        return rounded(o > 127 ? light : dark);
+    }
+};
+
+// |a * c - o|
+struct Difference15 {
+    static std::int32_t channel(std::int32_t o, std::int32_t c, std::int32_t a) {
+        const std::int32_t difference = Scale15::scaledRound(c, a) - o;
+        return most(difference, -difference);
+    }
+};
+
+// s = 255 * pow(o / 255, c > 127 ? 128 / c : (255 - c) / 128): o + (s - o) * f
+struct SoftLight15 {
+    const float* curves = nullptr;
+    std::int32_t channel(std::int32_t o, std::int32_t c, std::int32_t a) const {
+        const float f = Scale15::toFloat(a);
+        const float below = static_cast<float>(o);
+        const float curved = curves[c * 256 + o];
+        const std::int32_t lighter = rounded((curved - below) * f + below);
+        const std::int32_t darker = o - rounded((below - curved) * f);
+        return c > 127 ? lighter : darker;
+    }
+};
+
+// lerp(o, min(255, o + c), a)
+struct AddFade15 {
+    static std::int32_t channel(std::int32_t o, std::int32_t c, std::int32_t a) {
+        return Scale15::lerp(o, least(o + c, 255), a);
+    }
+};
+
+} // namespace
+} // namespace ovw::mixing
+
+#endif // OVW_MIXING_COMPOSITIONS32_H

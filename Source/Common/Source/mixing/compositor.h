@@ -1,0 +1,123 @@
+#ifndef OVW_MIXING_COMPOSITOR_H
+#define OVW_MIXING_COMPOSITOR_H
+
+/// @file
+/// The loops that apply a composition to a row of pixels.
+
+#include "mixing/compositions24.h"
+#include "mixing/compositions32.h"
+#include "mixing/compositions8.h"
+#include "mixing/kerneltable.h"
+
+namespace ovw::mixing {
+namespace {
+
+/// A 32-bit pixel of block memory, which others know as bytes.
+using Pixel32 [[gnu::may_alias]] = std::uint32_t;
+
+/// What a composition is applied to.
+enum class Below { Destination, Reference };
+
+/// One opacity for every pixel.
+struct OneOpacity {
+    std::int32_t opacity;
+    explicit OneOpacity(const CompositeSpan& span) : opacity(span.opacity) {}
+    std::int32_t operator[](int) const { return opacity; }
+};
+
+/// An opacity a pixel.
+struct RowOpacity {
+    const std::int32_t* __restrict a;
+    explicit RowOpacity(const CompositeSpan& span) : a(span.a) {}
+    std::int32_t operator[](int i) const { return a[i]; }
+};
+
+/// What composition Mode makes of pixel d of the destination with pixel o below; d where it does not act.
+template <class Mode>
+std::uint32_t composed32(const Mode& mode, std::uint32_t d, std::uint32_t o, std::uint32_t color, std::int32_t a,
+                         std::uint32_t keep) {
+    std::uint32_t kept = Mode::cnChangesAlpha ? keep : cnAlphaMask;
+    if constexpr (!Mode::cnChangesColor)
+        kept |= ~cnAlphaMask;
+    const std::uint32_t result = (mode.pixel(o, color, a, keep) & ~kept) | (d & kept);
+    const bool acts = (a != 0) & (Mode::cnActsOnEmpty || o > ~cnAlphaMask);
+    return acts ? result : d;
+}
+
+template <class Mode, Below below, class Opacity>
+void compositeRow32(const CompositeSpan& span) {
+    auto* __restrict dst = reinterpret_cast<Pixel32*>(span.dst);
+    const auto* __restrict ref = reinterpret_cast<const Pixel32*>(span.ref);
+    const Opacity opacity(span);
+    Mode mode{};
+    if constexpr (requires { mode.mode.curves; })
+        mode.mode.curves = span.softLight;
+    const std::uint32_t color = span.color;
+    const std::uint32_t keep = span.keep;
+    for (int i = 0, n = span.n; i < n; ++i) {
+        const std::uint32_t d = dst[i];
+        dst[i] = composed32(mode, d, below == Below::Destination ? d : ref[i], color, opacity[i], keep);
+    }
+}
+
+template <class Mode, Below below, class Opacity>
+void compositeRow8(const CompositeSpan& span) {
+    std::uint8_t* __restrict dst = span.dst;
+    const std::uint8_t* __restrict ref = span.ref;
+    const Opacity opacity(span);
+    for (int i = 0, n = span.n; i < n; ++i) {
+        const std::int32_t a = opacity[i];
+        const std::uint8_t d = dst[i];
+        const std::int32_t result = Mode::density(below == Below::Destination ? d : ref[i], a);
+        dst[i] = a != 0 ? static_cast<std::uint8_t>(result) : d;
+    }
+}
+
+template <class Mode, Below below, class Opacity>
+void compositeRow24(const CompositeSpan& span) {
+    std::uint8_t* __restrict dst = span.dst;
+    const std::uint8_t* __restrict ref = span.ref;
+    const Opacity opacity(span);
+    const std::int32_t color[3] = {blueOf(span.color), greenOf(span.color), redOf(span.color)};
+    for (int i = 0, n = span.n; i < n; ++i) {
+        const std::int32_t a = opacity[i];
+        for (int channel = 0; channel < 3; ++channel) {
+            const std::uint8_t d = dst[3 * i + channel];
+            const std::int32_t o = below == Below::Destination ? d : ref[3 * i + channel];
+            dst[3 * i + channel] = a != 0 ? static_cast<std::uint8_t>(Mode::channel(o, color[channel], a)) : d;
+        }
+    }
+}
+
+/// 1 and 2 bits: writes the value where there is opacity, or where the ordered dither lets the opacity pass.
+void compositeRowBits(const CompositeSpan& span) {
+    const int perByte = 8 / span.bits;
+    const std::uint32_t pixelMask = (1u << span.bits) - 1;
+    for (int i = 0; i < span.n; ++i) {
+        const std::int32_t a = span.a[i];
+        const int column = span.column + i;
+        const std::int32_t level = Scale15::toByte(a);
+        const bool passes = span.dither == nullptr || (level != 0 && span.dither[column & 15] <= level);
+        if (a == 0 || !passes)
+            continue;
+        const int shift = 8 - span.bits * (1 + column % perByte);
+        std::uint8_t& byte = span.dst[column / perByte];
+        byte = static_cast<std::uint8_t>((byte & ~(pixelMask << shift)) | span.value << shift);
+    }
+}
+
+// ---- Rows of one value
+
+void fillRow32(const CompositeSpan& span) {
+    auto* dst = reinterpret_cast<Pixel32*>(span.dst);
+    const std::uint32_t pixel = span.color | static_cast<std::uint32_t>(span.opacity) << 24;
+    if (span.keep != 0)
+        return compositeRow32<Replace8, Below::Destination, OneOpacity>(span);
+    for (int i = 0, n = span.n; i < n; ++i)
+        dst[i] = pixel;
+}
+
+} // namespace
+} // namespace ovw::mixing
+
+#endif // OVW_MIXING_COMPOSITOR_H

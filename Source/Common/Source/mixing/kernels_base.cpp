@@ -1,0 +1,4 @@
+// The kernels for every x86-64, and for other processors.
+
+#define OVW_KERNEL_TABLE baseKernels
+#include "mixing/kernels.inl"

@@ -1,0 +1,93 @@
+#ifndef OVW_MIXING_KERNELTABLE_H
+#define OVW_MIXING_KERNELTABLE_H
+
+#include "mixing/coveragerow.h"
+
+#include <cstdint>
+
+namespace ovw::mixing {
+
+/// The destination depths that have compositors; 1 and 2 bits share theirs.
+enum DepthColumn { DepthBits, Depth8, Depth24, Depth32, cnDepthColumns };
+
+constexpr int cnCompositions = 19;
+
+/// What a compositor works on: a row of pixels in block memory and what is painted there.
+struct CompositeSpan {
+    std::uint8_t* dst;       ///< The first pixel; for 1 and 2 bits the first byte of the block's row.
+    const std::uint8_t* ref; ///< The first pixel of the image that dst is rebuilt from; unused by in-place compositors.
+    const std::int32_t* a;   ///< Opacity of each pixel; 0 leaves it.
+    int n;                   ///< Pixels.
+    std::int32_t opacity;    ///< Of every pixel, above 0, in compositors of one opacity.
+    std::uint32_t color;     ///< As stored in 32 bits, alpha 0.
+    std::uint32_t keep;      ///< The bits of a 32-bit pixel that must not be written.
+    const float* softLight;  ///< softLightCurves(), for that composition.
+    int column;              ///< 1 and 2 bits: of the first pixel in the block.
+    int bits;                ///< 1 and 2 bits: the depth.
+    std::uint32_t value;     ///< 1 and 2 bits: what is written.
+    const std::uint8_t* dither; ///< 1 and 2 bits: the 16 thresholds of the row, or null.
+};
+
+using Compositor = void (*)(const CompositeSpan&);
+/// Null draws nothing.
+using CompositorTable = Compositor[cnCompositions][cnDepthColumns];
+
+/// Texture modes as the stages know them; the stage order of KernelTable::texture.
+enum TextureStage { TextureScale, TextureSubtract, TextureLimit, TextureCap, cnTextureStages };
+
+/// In the order of KernelTable::accumulate.
+enum Accumulation { AccumulateNone, AccumulateOver, AccumulateMax, AccumulateAdd, cnAccumulations };
+
+/// The kernels' loops as compiled for one instruction set. All sets give the same results.
+struct KernelTable {
+    void (*startRow)(CoverageRow& row, std::int32_t a, std::int32_t cap);
+    /// a = the alpha that ScaleAntiAlpha makes of each coverage and base; 0 for a coverage that is not above 0.
+    void (*startCoverage)(CoverageRow& row, const float* coverage, float base);
+    /// Scales a by factor, and sets the cap.
+    void (*scaleStart)(CoverageRow& row, std::int32_t factor, std::int32_t cap);
+    void (*skipFull)(CoverageRow& row, const std::uint16_t* cache, std::int32_t limit);
+
+    void (*gateByMask)(CoverageRow& row, const std::uint8_t* mask);
+    void (*scaleByMask)(CoverageRow& row, const std::uint8_t* mask);
+    void (*scaleByMaskAndCap)(CoverageRow& row, const std::uint8_t* mask);
+    void (*scaleByMaskOfBlur)(CoverageRow& row, const std::uint8_t* mask);
+    /// live = whether the mask lets the pixel through.
+    void (*visitByMask)(CoverageRow& row, const std::uint8_t* mask);
+
+    /// weights[i] = table[(position + i * step) >> 14] * strength >> 10, at most limit.
+    void (*gaussOfTable)(std::int32_t* weights, int n, const int* table, int position, int step, int strength,
+                         std::int32_t limit);
+    /// weights[i] = (line[(position + i * step) >> 14] * rowFactor - end) * scale in 1.15, 0 to limit.
+    void (*gaussOfLine)(std::int32_t* weights, int n, int position, int step, float rowFactor, float scale,
+                        std::int32_t limit);
+    void (*scaleByGauss)(CoverageRow& row, const std::int32_t* weights);
+    /// For weights above 1.0.
+    void (*scaleByGaussWide)(CoverageRow& row, const std::int32_t* weights);
+
+    /// parameter: the bias in TextureScale, the alpha that texels scale in TextureSubtract and TextureLimit.
+    void (*texture[cnTextureStages])(CoverageRow& row, const std::uint8_t* texels, std::int32_t parameter);
+    /// Adds a to the cache and takes over the sum; null: nothing to do.
+    void (*accumulate[cnAccumulations])(CoverageRow& row, std::uint16_t* cache);
+    void (*scaleByOpacity)(CoverageRow& row, std::int32_t opacity);
+    /// For coverages above 1.0.
+    void (*scaleByOpacityWide)(CoverageRow& row, std::int32_t opacity);
+
+    CompositorTable fastest;    ///< One opacity byte.
+    CompositorTable fastestRow; ///< An opacity byte a pixel.
+    CompositorTable direct;
+    CompositorTable cache;
+    CompositorTable cacheOverNothing; ///< Where the reference has no memory: ref is then blankReference().
+};
+
+const KernelTable& baseKernels();
+const KernelTable& avx2Kernels();
+
+/// The table of the instruction set in force.
+const KernelTable& kernels();
+
+/// 256 rows of 256 values: 255 * pow(below / 255, exponent(paint)) at [paint * 256 + below].
+const float* softLightCurves();
+
+} // namespace ovw::mixing
+
+#endif // OVW_MIXING_KERNELTABLE_H

@@ -1,0 +1,174 @@
+#ifndef OVW_MIXING_STAGES_H
+#define OVW_MIXING_STAGES_H
+
+/// @file
+/// The coverage stages: loops over the arrays of a row, without branches on settings, so that they vectorise.
+
+#include "mixing/coveragerow.h"
+#include "mixing/fixedpoint.h"
+#include "mixing/gaussline.h"
+
+namespace ovw::mixing {
+namespace {
+
+// ---- Start
+
+void startRow(CoverageRow& row, std::int32_t a, std::int32_t cap) {
+    for (int i = 0, n = row.n; i < n; ++i) {
+        row.a[i] = a;
+        row.cap[i] = cap;
+    }
+}
+
+void startCoverage(CoverageRow& row, const float* __restrict coverage, float base) {
+    for (int i = 0, n = row.n; i < n; ++i) {
+        // A coverage that is not a number fails the first test.
+        float alpha = coverage[i] > 0.0f ? coverage[i] * base : 0.0f;
+        row.a[i] = static_cast<std::int32_t>(alpha < Scale15::cnOne ? alpha : Scale15::cnOne);
+    }
+}
+
+void scaleStart(CoverageRow& row, std::int32_t factor, std::int32_t cap) {
+    for (int i = 0, n = row.n; i < n; ++i) {
+        row.a[i] = Scale15::scaled(row.a[i], factor);
+        row.cap[i] = cap;
+    }
+}
+
+void skipFull(CoverageRow& row, const std::uint16_t* __restrict cache, std::int32_t limit) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = cache[i] < limit ? row.a[i] : 0;
+}
+
+// ---- Mask
+
+void gateByMask(CoverageRow& row, const std::uint8_t* __restrict mask) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = mask[i] != 0 ? row.a[i] : 0;
+}
+
+void scaleByMask(CoverageRow& row, const std::uint8_t* __restrict mask) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = Scale8::over255Wide(mask[i] * row.a[i]);
+}
+
+void scaleByMaskAndCap(CoverageRow& row, const std::uint8_t* __restrict mask) {
+    for (int i = 0, n = row.n; i < n; ++i) {
+        row.a[i] = Scale8::over255Wide(mask[i] * row.a[i]);
+        row.cap[i] = Scale8::over255Wide(mask[i] * row.cap[i]);
+    }
+}
+
+void scaleByMaskOfBlur(CoverageRow& row, const std::uint8_t* __restrict mask) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = Scale15::scaledByByte(row.a[i], mask[i]);
+}
+
+void visitByMask(CoverageRow& row, const std::uint8_t* __restrict mask) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.live[i] = mask[i] != 0 ? -1 : 0;
+}
+
+// ---- Gaussian
+
+void gaussOfTable(std::int32_t* __restrict weights, int n, const int* __restrict table, int position, int step,
+                  int strength, std::int32_t limit) {
+    for (int i = 0; i < n; ++i)
+        weights[i] = least((table[(position + i * step) >> cnGaussBit] * strength) >> cnGaussStrengthBit, limit);
+}
+
+void gaussOfLine(std::int32_t* __restrict weights, int n, int position, int step, float rowFactor, float scale,
+                 std::int32_t limit) {
+    const float* __restrict line = gaussLine();
+    const float end = gaussEnd();
+    for (int i = 0; i < n; ++i) {
+        float value = (line[(position + i * step) >> cnGaussBit] * rowFactor - end) * scale;
+        std::int32_t weight = static_cast<std::int32_t>(value * static_cast<float>(Scale15::cnOne));
+        weights[i] = value > 0.0f ? least(weight, limit) : 0;
+    }
+}
+
+void scaleByGauss(CoverageRow& row, const std::int32_t* __restrict weights) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = Scale15::scaled(row.a[i], weights[i]);
+}
+
+void scaleByGaussWide(CoverageRow& row, const std::int32_t* __restrict weights) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = Scale15::scaledWide(row.a[i], weights[i]);
+}
+
+// ---- Texture. Every stage ends at the cap.
+
+void scaleByTexture(CoverageRow& row, const std::uint8_t* __restrict texels, std::int32_t bias) {
+    for (int i = 0, n = row.n; i < n; ++i) {
+        // 64 bits: a coverage of an unclipped Gaussian may meet a large bias.
+        std::uint64_t factor = static_cast<std::uint32_t>(most(bias - texels[i], 0));
+        std::uint64_t a = factor * static_cast<std::uint32_t>(row.a[i]) >> 8;
+        std::uint64_t cap = static_cast<std::uint32_t>(row.cap[i]);
+        row.a[i] = static_cast<std::int32_t>(a < cap ? a : cap);
+    }
+}
+
+void subtractTexture(CoverageRow& row, const std::uint8_t* __restrict texels, std::int32_t alpha) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = least(most(row.a[i] - (texels[i] * alpha >> 8), 0), row.cap[i]);
+}
+
+void limitByTexture(CoverageRow& row, const std::uint8_t* __restrict texels, std::int32_t alpha) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = least(least(row.a[i], (255 - texels[i]) * alpha >> 8), row.cap[i]);
+}
+
+void capOnly(CoverageRow& row, const std::uint8_t*, std::int32_t) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = least(row.a[i], row.cap[i]);
+}
+
+// ---- Cache. What a dab does not touch (coverage 0) keeps its cache and is not painted again.
+
+void accumulateOver(CoverageRow& row, std::uint16_t* __restrict cache) {
+    for (int i = 0, n = row.n; i < n; ++i) {
+        std::int32_t old = cache[i];
+        std::int32_t a = least(row.a[i], Scale15::cnOne);
+        std::int32_t sum = least(old + Scale15::scaled(Scale15::cnOne - old, a), row.cap[i]);
+        cache[i] = static_cast<std::uint16_t>(a != 0 ? sum : old);
+        row.a[i] = a != 0 ? sum : 0;
+    }
+}
+
+void accumulateMax(CoverageRow& row, std::uint16_t* __restrict cache) {
+    for (int i = 0, n = row.n; i < n; ++i) {
+        std::int32_t old = cache[i];
+        std::int32_t a = row.a[i];
+        bool grows = a != 0 && old <= a;
+        std::int32_t larger = least(a, row.cap[i]);
+        cache[i] = static_cast<std::uint16_t>(grows ? larger : old);
+        row.a[i] = grows ? larger : 0;
+    }
+}
+
+void accumulateAdd(CoverageRow& row, std::uint16_t* __restrict cache) {
+    for (int i = 0, n = row.n; i < n; ++i) {
+        std::int32_t old = cache[i];
+        std::int32_t a = row.a[i];
+        std::int32_t sum = least(old + a, row.cap[i]);
+        cache[i] = static_cast<std::uint16_t>(a != 0 ? sum : old);
+        row.a[i] = a != 0 ? sum : 0;
+    }
+}
+
+void scaleByOpacity(CoverageRow& row, std::int32_t opacity) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = Scale15::scaled(row.a[i], opacity);
+}
+
+void scaleByOpacityWide(CoverageRow& row, std::int32_t opacity) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = Scale15::scaledWide(row.a[i], opacity);
+}
+
+} // namespace
+} // namespace ovw::mixing
+
+#endif // OVW_MIXING_STAGES_H
