@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <memory>
 #include <source_location>
 
 class XCFilePath;
@@ -37,7 +38,7 @@ inline constexpr int cnAlertMessageSize = 768;   ///< bytes of a message with it
 } // namespace ovw::foundation
 
 /// A message box to come: either an error code or a packed message description (string id, source, buttons, icon).
-/// Showing it spends it. Copies are independent; building and showing throw nothing but lack of memory (8).
+/// Showing it spends it. Copies are independent. Nothing throws but lack of memory (8).
 /// Bits of a description: 0-15 string id, 16-19 table selector, 21 check box (XCAlert2), 22-23 source (0, 3 executable;
 /// 1 library; 2 XCStringResource), 25-26 number of parameters, 27-29 buttons (0 OK; 1 OK, Cancel; 2 Yes, No; 3, 4 Yes,
 /// No, Cancel), 30-31 icon (stop, exclamation, information, question). Id 0: no alert.
@@ -98,7 +99,6 @@ public:
     int GetReturnCode() const { return m_returnCode; }
 
 private:
-    std::uint32_t m_givenID = 0;
     int m_hasCheckBox = 0;
     int m_returnCode = 1;
 };
@@ -218,7 +218,7 @@ public:
                 const char* p3 = "", const char* p4 = "", const char* p5 = "");
 
 private:
-    ovw::foundation::StringTables* m_tables;
+    std::unique_ptr<ovw::foundation::StringTables> m_tables;
 };
 
 /// The process-wide instance; lives as long as the library.

@@ -118,6 +118,7 @@ public:
 
     /// Frees what is held, then takes and locks `handle`; returns the block's address, null for null.
     void* operator=(VXHANDLE handle);
+    void* GetPointer() const { return m_address; }
     operator void*() const { return m_address; }
     operator unsigned char*() const { return static_cast<unsigned char*>(m_address); }
 
@@ -185,6 +186,7 @@ public:
 
     /// Frees what is held, then manages `pointer`; returns it.
     void* operator=(void* pointer);
+    void* GetPointer() const { return m_pointer; }
     void* GetSecond() const { return m_second; }
     operator void*() const { return m_pointer; }
     operator unsigned char*() const { return static_cast<unsigned char*>(m_pointer); }

@@ -7,6 +7,7 @@
 #include "ovwcmn/ovwdefs.h"
 #include "ovwcmn/wintypes.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -75,7 +76,7 @@ public:
     int Sleep(std::uint32_t ms);
     /// Ends one Sleep, now or the next.
     void WakeUp();
-    /// Waits for the body to return; WAIT_OBJECT_0, or 128 when there is no thread.
+    /// Waits for the body to return; WAIT_OBJECT_0, 128 when there is no thread, 0xFFFFFFFF in the worker itself.
     std::uint32_t WaitForSignal();
     void SetAbortProc(AbortProc proc);
     /// The answer of the procedure, 0 when none is set.
@@ -87,11 +88,12 @@ protected:
 
 private:
     std::shared_ptr<ovw::foundation::ThreadState> state() const;
+    void run(void* param);
 
     mutable std::mutex m_guard;
     std::shared_ptr<ovw::foundation::ThreadState> m_state;
     void* m_param = nullptr;
-    AbortProc m_abortProc = nullptr;
+    std::atomic<AbortProc> m_abortProc = nullptr;
 };
 
 #endif // OVWCMN_XCTHREAD_H
