@@ -1,0 +1,82 @@
+#include "Platform/memory.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/asan_interface.h>
+#endif
+
+namespace ovw::platform {
+
+namespace {
+
+// Above the size of an image block, so that blocks which come and go with the swap file are recycled by the heap.
+constexpr std::size_t cnPageBlockBytes = std::size_t{1} << 20;
+
+#if defined(__SANITIZE_ADDRESS__)
+// The leak checker does not look for pointers in mapped pages.
+constexpr bool cnUsePages = false;
+#else
+constexpr bool cnUsePages = true;
+#endif
+
+std::size_t wholePages(std::size_t bytes) { return (bytes + pageSize() - 1) & ~(pageSize() - 1); }
+
+std::uint64_t physicalPages(int name) {
+    const long pages = ::sysconf(name);
+    return pages > 0 ? static_cast<std::uint64_t>(pages) * pageSize() : 0;
+}
+
+} // namespace
+
+std::uint64_t totalPhysicalMemory() { return physicalPages(_SC_PHYS_PAGES); }
+
+std::uint64_t availablePhysicalMemory() { return physicalPages(_SC_AVPHYS_PAGES); }
+
+std::size_t pageSize() {
+    static const std::size_t s_bytes = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    return s_bytes;
+}
+
+bool isPageBlock(std::size_t bytes) { return cnUsePages && bytes >= cnPageBlockBytes; }
+
+void* allocateMemory(std::size_t bytes) {
+    if (!isPageBlock(bytes))
+        return std::calloc(bytes, 1);
+    void* const memory = ::mmap(nullptr, wholePages(bytes), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return memory == MAP_FAILED ? nullptr : memory;
+}
+
+void freeMemory(void* memory, std::size_t bytes) {
+    if (!isPageBlock(bytes))
+        std::free(memory);
+    else if (memory)
+        ::munmap(memory, wholePages(bytes));
+}
+
+void* resizePageBlock(void* memory, std::size_t oldBytes, std::size_t newBytes) {
+    // The pages that are added come zeroed; the rest of a page that is kept must be cleared by hand.
+    if (newBytes < oldBytes)
+        std::memset(static_cast<char*>(memory) + newBytes, 0, std::min(oldBytes, wholePages(newBytes)) - newBytes);
+    void* const moved = ::mremap(memory, wholePages(oldBytes), wholePages(newBytes), MREMAP_MAYMOVE);
+    return moved == MAP_FAILED ? nullptr : moved;
+}
+
+void forbidAccess([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t bytes) {
+#if defined(__SANITIZE_ADDRESS__)
+    ASAN_POISON_MEMORY_REGION(memory, bytes);
+#endif
+}
+
+void allowAccess([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t bytes) {
+#if defined(__SANITIZE_ADDRESS__)
+    ASAN_UNPOISON_MEMORY_REGION(memory, bytes);
+#endif
+}
+
+} // namespace ovw::platform
