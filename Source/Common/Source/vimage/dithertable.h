@@ -1,0 +1,42 @@
+#ifndef OVW_VIMAGE_DITHERTABLE_H
+#define OVW_VIMAGE_DITHERTABLE_H
+
+/// @file
+/// The ordered-dither matrix that images and mixers share.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace ovw::vimage {
+
+inline constexpr int cnDitherSize = 16;
+
+/// Bayer's matrix by its recursion: four copies of the matrix of half the size times 4, plus 0, 2 / 3, 1.
+template <std::size_t Size>
+constexpr std::array<std::uint8_t, Size * Size> bayerMatrix() {
+    std::array<std::uint8_t, Size * Size> matrix{};
+    if constexpr (Size > 1) {
+        constexpr std::size_t cnHalf = Size / 2;
+        constexpr auto cnQuarter = bayerMatrix<cnHalf>();
+        constexpr std::uint8_t cnStep[2][2] = {{0, 2}, {3, 1}};
+        for (std::size_t y = 0; y < Size; ++y)
+            for (std::size_t x = 0; x < Size; ++x)
+                matrix[y * Size + x] = static_cast<std::uint8_t>(4 * cnQuarter[y % cnHalf * cnHalf + x % cnHalf] +
+                                                                 cnStep[y / cnHalf][x / cnHalf]);
+    }
+    return matrix;
+}
+
+/// Row by row, entries 0 to 255.
+inline constexpr auto cnDitherMatrix = bayerMatrix<cnDitherSize>();
+
+/// The entry for a pixel; negative coordinates continue the pattern.
+constexpr std::uint8_t ditherThreshold(int x, int y) {
+    constexpr int cnMask = cnDitherSize - 1;
+    return cnDitherMatrix[static_cast<std::size_t>((y & cnMask) * cnDitherSize + (x & cnMask))];
+}
+
+} // namespace ovw::vimage
+
+#endif // OVW_VIMAGE_DITHERTABLE_H

@@ -1,0 +1,22 @@
+#ifndef OVW_VIMAGE_NUMBERS_H
+#define OVW_VIMAGE_NUMBERS_H
+
+#include <cstdint>
+#include <limits>
+
+namespace ovw::vimage {
+
+/// Truncated toward zero, clamped to the range of an int; 0 for what is not a number.
+constexpr int clampedInt(double value) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    if (!(value > Limits::min()))
+        return value <= Limits::min() ? Limits::min() : 0;
+    return value < Limits::max() ? static_cast<int>(value) : Limits::max();
+}
+
+/// Division by a positive number, rounded up; value is not negative.
+constexpr std::int64_t ceilDiv(std::int64_t value, std::int64_t divisor) { return (value + divisor - 1) / divisor; }
+
+} // namespace ovw::vimage
+
+#endif // OVW_VIMAGE_NUMBERS_H

@@ -1,0 +1,159 @@
+#ifndef OVW_VIMAGE_PIXELLAYOUT_H
+#define OVW_VIMAGE_PIXELLAYOUT_H
+
+/// @file
+/// How pixels lie in a row of block memory: several in a byte, or one in some bytes. Rows are addressed by their first
+/// byte; x counts pixels from there.
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace ovw::vimage {
+
+/// The bytes that a run of sub-byte pixels covers, and the bits of its first and last byte.
+struct ByteRun {
+    std::size_t first;
+    std::size_t last;
+    std::uint8_t firstMask;
+    std::uint8_t lastMask;
+
+    /// count is above 0.
+    static constexpr ByteRun ofPixels(int bits, int x, int count) {
+        const auto begin = static_cast<std::size_t>(x) * bits;
+        const auto end = begin + static_cast<std::size_t>(count) * bits - 1;
+        ByteRun run{begin >> 3, end >> 3, static_cast<std::uint8_t>(0xFF >> (begin & 7)),
+                    static_cast<std::uint8_t>(0xFF << (7 - (end & 7)))};
+        if (run.first == run.last)
+            run.firstMask = run.lastMask = run.firstMask & run.lastMask;
+        return run;
+    }
+};
+
+/// Pixels of 1 or 2 bits, the first in the highest bits. A pixel is a byte's address and its mask in that byte.
+template <int Bits>
+struct PackedLayout {
+    using Value = std::uint8_t;
+    static constexpr int cnBits = Bits;
+    static constexpr std::uint8_t cnLastMask = (1 << Bits) - 1;
+    static constexpr std::uint8_t cnFirstMask = cnLastMask << (8 - Bits);
+    static constexpr std::uint8_t cnUnit = 0xFF / cnLastMask; // value x unit = four or eight equal pixels
+
+    static Value load(const std::uint8_t* address, std::uint8_t mask) {
+        return static_cast<Value>((*address & mask) >> std::countr_zero(mask));
+    }
+    static void store(std::uint8_t* address, std::uint8_t mask, Value value) {
+        *address = static_cast<std::uint8_t>((*address & ~mask) | (value * cnUnit & mask));
+    }
+    static void stepForward(std::uint8_t*& address, std::uint8_t& mask) {
+        mask = static_cast<std::uint8_t>(mask >> Bits);
+        if (!mask)
+            mask = cnFirstMask, ++address;
+    }
+    static void stepBack(std::uint8_t*& address, std::uint8_t& mask) {
+        mask = static_cast<std::uint8_t>(mask << Bits);
+        if (!mask)
+            mask = cnLastMask, --address;
+    }
+    static void fillRow(std::uint8_t* row, int x, int count, Value value) {
+        fillPattern(row, x, count, static_cast<std::uint8_t>(value * cnUnit));
+    }
+    static void fillPattern(std::uint8_t* row, int x, int count, std::uint8_t pattern) {
+        if (count <= 0)
+            return;
+        const ByteRun run = ByteRun::ofPixels(Bits, x, count);
+        putBits(row[run.first], run.firstMask, pattern);
+        if (run.last > run.first + 1)
+            std::memset(row + run.first + 1, pattern, run.last - run.first - 1);
+        putBits(row[run.last], run.lastMask, pattern);
+    }
+    /// Replaces each pixel of the run by change(pixel).
+    template <class Change>
+    static void changeRow(std::uint8_t* row, int x, int count, Change change) {
+        std::uint8_t* address = row + (x * Bits >> 3);
+        auto mask = static_cast<std::uint8_t>(cnFirstMask >> (x * Bits & 7));
+        for (int i = 0; i < count; ++i, stepForward(address, mask))
+            store(address, mask, change(load(address, mask)));
+    }
+    /// Whether no pixel of the run has a bit of `bits`, a pattern for whole bytes.
+    static bool isRowClear(const std::uint8_t* row, int x, int count, std::uint8_t bits) {
+        if (count <= 0)
+            return true;
+        const ByteRun run = ByteRun::ofPixels(Bits, x, count);
+        unsigned found = (row[run.first] & run.firstMask) | (row[run.last] & run.lastMask);
+        for (std::size_t i = run.first + 1; i < run.last; ++i)
+            found |= row[i];
+        return (found & bits) == 0;
+    }
+
+private:
+    static void putBits(std::uint8_t& byte, std::uint8_t mask, std::uint8_t pattern) {
+        byte = static_cast<std::uint8_t>((byte & ~mask) | (pattern & mask));
+    }
+};
+
+/// Pixels of whole bytes; Pixel is a plain struct of bytes (or a byte). Masks play no part.
+template <class Pixel>
+struct ByteLayout {
+    using Value = Pixel;
+    static constexpr int cnBytes = sizeof(Pixel);
+    static constexpr int cnBits = 8 * cnBytes;
+    static constexpr std::uint8_t cnFirstMask = 0;
+
+    static Value load(const std::uint8_t* address, std::uint8_t = 0) {
+        Value value;
+        std::memcpy(&value, address, sizeof value);
+        return value;
+    }
+    static void store(std::uint8_t* address, std::uint8_t, Value value) { std::memcpy(address, &value, sizeof value); }
+    static void stepForward(std::uint8_t*& address, std::uint8_t&) { address += cnBytes; }
+    static void stepBack(std::uint8_t*& address, std::uint8_t&) { address -= cnBytes; }
+
+    static void fillRow(std::uint8_t* row, int x, int count, Value value) {
+        if (count <= 0)
+            return;
+        std::uint8_t* const begin = row + static_cast<std::size_t>(x) * cnBytes;
+        const std::size_t bytes = static_cast<std::size_t>(count) * cnBytes;
+        if (const int byte = repeatedByte(value); byte >= 0) {
+            std::memset(begin, byte, bytes);
+            return;
+        }
+        store(begin, 0, value);
+        for (std::size_t done = cnBytes; done < bytes; done *= 2) // what is filled is copied behind itself
+            std::memcpy(begin + done, begin, done < bytes - done ? done : bytes - done);
+    }
+    template <class Change>
+    static void changeRow(std::uint8_t* row, int x, int count, Change change) {
+        std::uint8_t* address = row + static_cast<std::ptrdiff_t>(x) * cnBytes;
+        for (int i = 0; i < count; ++i, address += cnBytes)
+            store(address, 0, change(load(address)));
+    }
+    /// Whether no pixel of the run has a bit of `bits`, a pixel's bytes as a pattern repeated over eight bytes.
+    static bool isRowClear(const std::uint8_t* row, int x, int count, std::uint64_t bits) {
+        const std::uint8_t* address = row + static_cast<std::ptrdiff_t>(x) * cnBytes;
+        std::ptrdiff_t bytes = static_cast<std::ptrdiff_t>(count) * cnBytes;
+        std::uint64_t found = 0;
+        for (; bytes > 0; bytes -= 8, address += 8) {
+            std::uint64_t word = 0;
+            std::memcpy(&word, address, bytes < 8 ? static_cast<std::size_t>(bytes) : 8);
+            found |= word;
+        }
+        return (found & bits) == 0;
+    }
+
+private:
+    /// The one byte that the value consists of, or -1.
+    static int repeatedByte(const Value& value) {
+        std::uint8_t bytes[cnBytes];
+        std::memcpy(bytes, &value, cnBytes);
+        for (const std::uint8_t byte : bytes)
+            if (byte != bytes[0])
+                return -1;
+        return bytes[0];
+    }
+};
+
+} // namespace ovw::vimage
+
+#endif // OVW_VIMAGE_PIXELLAYOUT_H
