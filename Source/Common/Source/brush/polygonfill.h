@@ -1,0 +1,44 @@
+#ifndef OVW_BRUSH_POLYGONFILL_H
+#define OVW_BRUSH_POLYGONFILL_H
+
+#include "ovwcmn/wintypes.h"
+
+#include <span>
+
+class XCFastPixelMixer;
+class XCVOffscreen;
+
+namespace ovw::brush {
+
+/// How the crossings of a sample line become spans.
+enum class FillRule {
+    EvenOdd,
+    NonZero,
+    Triangle, ///< between the two distinct crossings; lines with another number stay empty
+    EvenOddAA ///< even-odd on four sub-lines a row
+};
+
+struct PolygonTarget {
+    XCVOffscreen* image;
+    XCFastPixelMixer* mixer;
+    const tagRECT* clip; ///< may be null
+};
+
+/// Fills a closed polygon given in pixels; results are those of XCPolygon.
+int fillPolygon(tagRECT* changed, const PolygonTarget& target, std::span<const tagPOINTD> vertices, FillRule rule);
+
+/// The same for a rectangle turned by `angle` radians about its centre, even-odd.
+int fillRotatedRect(tagRECT* changed, const PolygonTarget& target, tagPOINTD center, double width, double height,
+                    double angle, bool antialias);
+
+/// The smallest rectangle that holds the vertices, each truncated toward zero; all zero without vertices.
+tagRECT boundsOfVertices(std::span<const tagPOINTD> vertices);
+
+/// (x, y) turned by an angle given by its sine and cosine, then moved.
+constexpr tagPOINTD turnedAndMoved(double x, double y, double sine, double cosine, const tagPOINTD& by) {
+    return {x * cosine - y * sine + by.x, y * cosine + x * sine + by.y};
+}
+
+} // namespace ovw::brush
+
+#endif // OVW_BRUSH_POLYGONFILL_H

@@ -1,0 +1,70 @@
+#ifndef OVWCMN_XCPOLYGON_H
+#define OVWCMN_XCPOLYGON_H
+
+/// @file
+/// The polygon rasteriser of the brush tips.
+
+#include <span>
+
+#include "ovwcmn/ovwdefs.h"
+#include "ovwcmn/wintypes.h"
+#include "ovwcmn/xcarray.h"
+
+class XCFastPixelMixer;
+class XCVOffscreen;
+
+/// The corners of a triangle.
+struct TTrianglePos {
+    tagPOINTD points[3];
+};
+
+/// A list of polygon vertices, in pixels. Adding may throw XCException (out of memory).
+class OVWCMN_API XCPolyVertex {
+public:
+    /// @return 1
+    int Add(double x, double y);
+    int Num() const;
+    /// Points `out` at a vertex, valid until the list changes.
+    /// @return 0, with a null pointer, for an index outside the list
+    int Get(tagPOINTD** out, int index);
+    void Clear();
+    /// The smallest rectangle that holds every vertex, truncated toward zero; all zero for an empty list.
+    void PolygonBox(tagRECT* box) const;
+    /// The whole list, valid until it changes.
+    std::span<const tagPOINTD> Vertices() const;
+
+private:
+    XCTArray<tagPOINTD> m_vertices;
+};
+
+/// Fills polygons, triangles, rotated rectangles and ellipses, given in pixels, into an image that is locked for
+/// editing. Hard edges sample a row once, anti-aliased ones four times with exact horizontal coverage. The mixer is not
+/// owned; it holds colour and opacity, and an anti-aliased fill leaves its last coverage in it. Every operation answers
+/// 1 when figure, image and `clip` (may be null) meet, and then stores the figure's bounds, right and bottom exclusive,
+/// in `changed` (may be null). It answers 0 and leaves `changed` alone when they do not, when a coordinate is no finite
+/// number, and when 256 edges meet one sample line: rows above that line are painted by then.
+class OVWCMN_API XCPolygon {
+public:
+    explicit XCPolygon(XCFastPixelMixer* mixer) : m_fastMixer(mixer) {}
+
+    int DrawTriangle(tagRECT* changed, XCVOffscreen* image, const TTrianglePos* triangle);
+    /// Even-odd rule, hard edges.
+    int DrawPolygon(tagRECT* changed, XCVOffscreen* image, const XCPolyVertex* polygon, const tagRECT* clip);
+    /// Non-zero winding rule, hard edges.
+    int DrawPolygonNonZero(tagRECT* changed, XCVOffscreen* image, const XCPolyVertex* polygon, const tagRECT* clip);
+    /// Even-odd rule, anti-aliased; needs at least three vertices.
+    int DrawPolygonAA(tagRECT* changed, XCVOffscreen* image, const XCPolyVertex* polygon, const tagRECT* clip);
+    /// A rectangle turned by `angle` radians about its centre.
+    int DrawRect(tagRECT* changed, XCVOffscreen* image, double cx, double cy, double width, double height, double angle,
+                 int antialias, const tagRECT* clip);
+    /// An ellipse turned by `angle` radians about its centre, as a polygon of 32 to 512 corners.
+    int DrawEllipse(tagRECT* changed, XCVOffscreen* image, double cx, double cy, double width, double height,
+                    double angle, int antialias, const tagRECT* clip);
+    int DrawEllipse(tagRECT* changed, XCVOffscreen* image, double cx, double cy, double width, double height,
+                    int antialias, const tagRECT* clip);
+
+private:
+    XCFastPixelMixer* m_fastMixer;
+};
+
+#endif // OVWCMN_XCPOLYGON_H
