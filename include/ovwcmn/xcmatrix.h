@@ -93,7 +93,7 @@ private:
         return XCPointD(point.x, point.y);
     }
     template <class Operation>
-    void forEachElement(const XCMatrix2D& other, Operation operation);
+    static void forEachElement(Operation operation);
     void actAbout(const XCPointD& center, const XCMatrix2D& transform);
 };
 

@@ -123,6 +123,8 @@ public:
     constexpr Rect operator-(const PlainPoint& distance) const { return copy() -= distance; }
     constexpr Rect operator-(const PlainSize& distance) const { return copy() -= distance; }
     constexpr Rect operator-(const PlainRect* by) const { return copy() -= by; }
+    // An exact match: the built-in difference of two pointers would compete through the conversion to a pointer.
+    constexpr Rect operator-(PlainRect* by) const { return copy() -= by; }
     constexpr Rect operator*(int factor) const;
     constexpr Rect operator/(int divisor) const;
     constexpr Rect operator&(const PlainRect& rect) const;
