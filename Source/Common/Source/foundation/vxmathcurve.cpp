@@ -81,8 +81,10 @@ public:
         const double toPosition = position(to.x);
         const double low = std::ceil(std::min(fromPosition, toPosition));
         const double high = std::floor(std::max(fromPosition, toPosition));
-        const auto first = static_cast<std::int64_t>(std::max(low, 0.0));
-        const auto last = static_cast<std::int64_t>(std::min(high, static_cast<double>(m_length) - 1));
+        // The curve may swing out of the table on either side.
+        const double length = m_length;
+        const auto first = static_cast<std::int64_t>(std::clamp(low, 0.0, length));
+        const auto last = static_cast<std::int64_t>(std::clamp(high, -1.0, length - 1));
         for (std::int64_t k = first; k <= last; ++k) {
             m_table[k] = valueAt(static_cast<double>(k), fromPosition, from.y, toPosition, to.y);
         }
