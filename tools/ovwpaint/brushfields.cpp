@@ -1,0 +1,89 @@
+#include "brushfields.h"
+
+#include <array>
+
+namespace ovwpaint {
+
+namespace {
+
+constexpr int cnMaxByte = 255;
+constexpr int cnMaxLength = 10000;  // pixels
+constexpr int cnMaxPercent = 10000; // of the stamp's size
+constexpr int cnMaxComposition = 18;
+constexpr int cnMaxCacheKind = 3;
+constexpr int cnScaleBits = cnControlRandom | cnControlPressure | cnControlAuxScale | cnControlSpeed;
+constexpr int cnRotateBits = cnRotateRandom | cnRotateAngleA | cnRotateAngleB | cnRotateDirection | cnRotateRadial;
+constexpr int cnSprayBits = cnSprayScatter | cnSprayFixedPlots | cnSprayTrailing;
+constexpr double cnMaxRate = 100.0;
+constexpr double cnMaxAngle = 100.0; // radians
+
+// One line a field, in the order of the records.
+#define FIELD(record, field)                                                                                           \
+#field, [](Brush & brush) -> auto& { return brush.record.field; }
+
+constexpr std::array cnIntegerFields = {
+    IntegerField{FIELD(pattern, patternKind), 0, XCPattern::cnKindPolygon},
+    IntegerField{FIELD(size, size), 1, cnMaxLength},
+    IntegerField{FIELD(size, sizeMin), 0, cnMaxByte},
+    IntegerField{FIELD(size, sizeControl), 0, cnScaleBits, true},
+    IntegerField{FIELD(color, opacity), 0, cnMaxByte},
+    IntegerField{FIELD(color, opacityMin), 0, cnMaxByte},
+    IntegerField{FIELD(color, opacityControl), 0, cnScaleBits, true},
+    IntegerField{FIELD(hardness, hardness), 0, cnMaxByte},
+    IntegerField{FIELD(hardness, hardnessMin), 0, cnMaxByte},
+    IntegerField{FIELD(hardness, hardnessControl), 0, cnScaleBits, true},
+    IntegerField{FIELD(mixColor, mixColor), 0, cnMaxByte},
+    IntegerField{FIELD(mixColor, mixColorMin), 0, cnMaxByte},
+    IntegerField{FIELD(mixColor, mixColorControl), 0, cnScaleBits, true},
+    IntegerField{FIELD(mixColor, mixAlpha), 0, cnMaxByte},
+    IntegerField{FIELD(mixColor, mixAlphaMin), 0, cnMaxByte},
+    IntegerField{FIELD(mixColor, mixAlphaControl), 0, cnScaleBits, true},
+    IntegerField{FIELD(mixColor, smudge), 0, cnMaxLength},
+    IntegerField{FIELD(sizeRate, rateControl), 0, cnScaleBits, true},
+    IntegerField{FIELD(rotate, angleControl), 0, cnRotateBits, true},
+    IntegerField{FIELD(interval, intervalMode), 0, 2},
+    IntegerField{FIELD(interval, intervalAtFull), 0, cnMaxPercent},
+    IntegerField{FIELD(interval, intervalAtZero), 0, cnMaxPercent},
+    IntegerField{FIELD(interval, intervalControl), 0, cnScaleBits, true},
+    IntegerField{FIELD(interval, intervalKind), 0, 3},
+    IntegerField{FIELD(airbrush, sprayFlags), 0, cnSprayBits, true},
+    IntegerField{FIELD(airbrush, sprayWidthAtFull), 0, cnMaxLength},
+    IntegerField{FIELD(airbrush, sprayWidthAtZero), 0, cnMaxLength},
+    IntegerField{FIELD(airbrush, sprayWidthControl), 0, cnScaleBits, true},
+    IntegerField{FIELD(airbrush, plotCountAtFull), 1, PDPARAM_AIRBRUSH::cnMaxPlots},
+    IntegerField{FIELD(airbrush, plotCountAtZero), 1, PDPARAM_AIRBRUSH::cnMaxPlots},
+    IntegerField{FIELD(airbrush, plotCountControl), 0, cnScaleBits, true},
+    IntegerField{FIELD(etc, overSampling), 0, 1},
+    IntegerField{FIELD(etc, fadeStep), 0, cnMaxByte},
+    IntegerField{FIELD(etc, continueFlag), 0, 1},
+    IntegerField{FIELD(etc, etcValue), 0, cnMaxLength},
+    IntegerField{FIELD(method, useCache), 0, 1},
+    IntegerField{FIELD(method, methodKind), 0, cnMaxComposition},
+    IntegerField{FIELD(method, cacheKind), 0, cnMaxCacheKind},
+    IntegerField{FIELD(method, methodFlag), 0, 1},
+    IntegerField{FIELD(method, densityFlag), 0, 1},
+    IntegerField{FIELD(method, lowDepthSoft), 0, 1},
+};
+
+constexpr std::array cnNumberFields = {
+    NumberField{FIELD(sizeRate, rateAtFull), 0.0, cnMaxRate},
+    NumberField{FIELD(sizeRate, rateAtZero), 0.0, cnMaxRate},
+    NumberField{FIELD(rotate, angle), -cnMaxAngle, cnMaxAngle},
+    NumberField{FIELD(rotate, angleRange), -cnMaxAngle, cnMaxAngle},
+    NumberField{FIELD(rotate, angleStep), 0.0, cnMaxAngle},
+};
+
+constexpr std::array cnColourFields = {
+    ColourField{FIELD(color, drawColor)},
+    ColourField{FIELD(color, subColor)},
+};
+
+#undef FIELD
+
+} // namespace
+
+std::span<const IntegerField> integerFields() { return cnIntegerFields; }
+std::span<const NumberField> numberFields() { return cnNumberFields; }
+std::span<const ColourField> colourFields() { return cnColourFields; }
+
+} // namespace ovwpaint

@@ -1,0 +1,37 @@
+#ifndef OVWPAINT_DRAWING_H
+#define OVWPAINT_DRAWING_H
+
+/// @file
+/// From a recording to a picture: the work behind `ovwpaint draw`.
+
+#include "colour.h"
+#include "layout.h"
+#include "strokeshaper.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace ovwpaint {
+
+struct DrawOptions {
+    std::string strokes;
+    std::string output;
+    SizeWish size;
+    std::optional<Colour> background; ///< white, or black ink for a brush that erases
+    int depth = 32;                   ///< bits a pixel
+    int memory = 256;                 ///< MiB
+    std::string swapFolder;           ///< empty: the system's temporary folder
+    std::uint32_t seed = 1;
+    std::string preset = "ink-pen";
+    std::string brushFile; ///< empty: the preset
+    Joining joining = Joining::Smooth;
+    bool quiet = false;
+};
+
+/// Throws Failure, Interrupted or XCException; the output file is as it was before then.
+void drawPicture(const DrawOptions& options);
+
+} // namespace ovwpaint
+
+#endif // OVWPAINT_DRAWING_H

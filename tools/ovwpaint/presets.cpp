@@ -1,0 +1,114 @@
+#include "presets.h"
+
+#include "colour.h"
+
+#include <array>
+#include <numbers>
+
+namespace ovwpaint {
+
+namespace {
+
+// The kinds of drawing method and of stroke cache, as XCPatternDrawMethod::SetOffscreen numbers them.
+constexpr int cnMethodNormal = 1;
+constexpr int cnCacheOver = 0;      // every stamp covers some more of what is left
+constexpr int cnCacheOverFixed = 1; // the same, below one opacity for the whole stroke
+constexpr int cnCacheMaximum = 2;   // the strongest stamp counts
+
+constexpr int cnIntervalByFields = 3;
+constexpr int cnIntervalPercent = 2;
+
+constexpr float cnPi = std::numbers::pi_v<float>;
+
+/// Stamps every `percent` of their size. Close stamps make even edges; one pixel is the least.
+void setSpacing(Brush& brush, int percent) {
+    brush.interval.intervalMode = cnIntervalPercent;
+    brush.interval.intervalKind = cnIntervalByFields;
+    brush.interval.intervalAtFull = percent;
+}
+
+void setSize(Brush& brush, int size, int minimum, int control) { brush.size = {size, minimum, control}; }
+
+void setMethod(Brush& brush, int method, int cache) {
+    brush.method.methodKind = method;
+    brush.method.cacheKind = cache;
+}
+
+void makeInkPen(Brush& brush) {
+    setSize(brush, 6, 40, cnControlPressure);
+    brush.color.drawColor = packColour(20, 24, 40);
+    setSpacing(brush, 8);
+    setMethod(brush, cnMethodNormal, cnCacheMaximum);
+}
+
+void makePencil(Brush& brush) {
+    setSize(brush, 4, 150, cnControlPressure);
+    brush.color = {packColour(56, 56, 60), brush.color.subColor, 230, 30, cnControlPressure};
+    brush.hardness.hardness = 170;
+    setSpacing(brush, 12);
+    setMethod(brush, cnMethodNormal, cnCacheMaximum);
+}
+
+void makeMarker(Brush& brush) {
+    setSize(brush, 18, 220, cnControlPressure);
+    brush.color.drawColor = packColour(250, 205, 40);
+    brush.color.opacity = 150;
+    setSpacing(brush, 5);
+    setMethod(brush, cnMethodNormal, cnCacheMaximum);
+}
+
+void makeAirbrush(Brush& brush) {
+    setSize(brush, 10, 120, cnControlRandom);
+    brush.color = {packColour(40, 90, 190), brush.color.subColor, 60, 20, cnControlPressure};
+    brush.hardness.hardness = 30;
+    brush.airbrush.sprayFlags = cnSprayScatter;
+    brush.airbrush.sprayWidthAtFull = 44;
+    brush.airbrush.plotCountAtFull = 6;
+    setSpacing(brush, 30);
+    setMethod(brush, cnMethodNormal, cnCacheOver);
+}
+
+void makeEraser(Brush& brush) {
+    setSize(brush, 16, 100, cnControlPressure);
+    brush.hardness.hardness = 220;
+    setSpacing(brush, 6);
+    setMethod(brush, Brush::cnMethodErase, cnCacheMaximum);
+}
+
+void makeTaperedEllipse(Brush& brush) {
+    setSize(brush, 14, 20, cnControlPressure);
+    brush.color.drawColor = packColour(90, 20, 40);
+    brush.sizeRate.rateAtFull = 0.28f;
+    brush.rotate.angle = cnPi / 4.0f;
+    setSpacing(brush, 3);
+    setMethod(brush, cnMethodNormal, cnCacheMaximum);
+}
+
+constexpr std::array cnPresets = {
+    Preset{"ink-pen", "crisp dark line, as wide as the pen is pressed", makeInkPen},
+    Preset{"pencil", "soft grey line, darker under pressure", makePencil},
+    Preset{"marker", "broad translucent band, even within a stroke", makeMarker},
+    Preset{"airbrush", "soft blue spray, scattered around the pen", makeAirbrush},
+    Preset{"eraser", "takes away what is there (see ovwpaint draw --help)", makeEraser},
+    Preset{"tapered-ellipse", "slanted flat nib, thick and thin by direction and pressure", makeTaperedEllipse},
+};
+
+} // namespace
+
+std::span<const Preset> presets() { return cnPresets; }
+
+const Preset* findPreset(std::string_view name) {
+    for (const Preset& preset : cnPresets) {
+        if (preset.name == name)
+            return &preset;
+    }
+    return nullptr;
+}
+
+Brush brushOf(const Preset& preset) {
+    Brush brush;
+    preset.adjust(brush);
+    return brush;
+}
+
+} // namespace ovwpaint
