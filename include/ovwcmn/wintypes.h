@@ -2,7 +2,8 @@
 #define OVWCMN_WINTYPES_H
 
 /// @file
-/// The structs and constants of the Windows interface that the library's own interface uses, and their floating-point kin.
+/// The structs and constants of the Windows interface that the library's own interface uses, and their floating-point
+/// kin.
 
 #include "ovwcmn/ovwdefs.h"
 

@@ -85,9 +85,8 @@ public:
         const double length = m_length;
         const auto first = static_cast<std::int64_t>(std::clamp(low, 0.0, length));
         const auto last = static_cast<std::int64_t>(std::clamp(high, -1.0, length - 1));
-        for (std::int64_t k = first; k <= last; ++k) {
+        for (std::int64_t k = first; k <= last; ++k)
             m_table[k] = valueAt(static_cast<double>(k), fromPosition, from.y, toPosition, to.y);
-        }
     }
 
 private:
