@@ -3,9 +3,9 @@
 #include "ovwcmn/xcblockgetter.h"
 #include "ovwcmn/xcvirtualmemory.h"
 #include "ovwcmn/xcvoffscreen.h"
-#include "vimage/storelock.h"
+#include "vimage/storelocks.h"
 
-using ovw::vimage::StoreLock;
+using ovw::vimage::librarySection;
 
 XCSwapBlock* XCVOffscreen::swapBlockOf(int index) const {
     return hasCell(index) ? m_blocks[index].GetSwapBlock() : nullptr;
@@ -37,7 +37,7 @@ AREA_TYPE XCVOffscreen::CheckAreaType(int index) const {
     const XCSwapBlock* const swapBlock = swapBlockOf(index);
     if (!swapBlock)
         return AREA_NONE;
-    const StoreLock lock;
+    const XCCriticalSectionAutoLeave lock(&librarySection());
     return swapBlock->IsEnable() ? AREA_DATA : AREA_EMPTY;
 }
 
@@ -45,7 +45,7 @@ int XCVOffscreen::IsBlockOnMemory(int x, int y) const { return IsBlockOnMemory(G
 
 int XCVOffscreen::IsBlockOnMemory(int index) const {
     const XCSwapBlock* const swapBlock = swapBlockOf(index);
-    const StoreLock lock;
+    const XCCriticalSectionAutoLeave lock(&librarySection());
     return swapBlock ? swapBlock->IsOnMemory() : 1;
 }
 
@@ -58,7 +58,7 @@ int XCVOffscreen::IsBlockAbsoluteProtect(int index) const {
 
 int XCVOffscreen::CheckBlockLock(int index) const {
     const XCSwapBlock* const swapBlock = swapBlockOf(index);
-    const StoreLock lock;
+    const XCCriticalSectionAutoLeave lock(&librarySection());
     return swapBlock ? swapBlock->IsLocked() : 0;
 }
 
@@ -71,7 +71,7 @@ void XCVOffscreen::ResetBlockEdited(int index) {
 
 std::uint8_t* XCVOffscreen::GetABSProtectAddress(int index) const {
     const XCSwapBlock* const swapBlock = swapBlockOf(index);
-    const StoreLock lock;
+    const XCCriticalSectionAutoLeave lock(&librarySection());
     return swapBlock ? static_cast<std::uint8_t*>(swapBlock->GetProtectAddress()) : nullptr;
 }
 
@@ -81,7 +81,7 @@ std::uint8_t* XCVOffscreen::GetABSProtectAddress(int x, int y, int pixel) const 
 }
 
 std::uint64_t XCVOffscreen::GetUsedMemory(int residentOnly, int /*packed*/) const {
-    const StoreLock lock;
+    const XCCriticalSectionAutoLeave lock(&librarySection());
     std::uint64_t bytes = 0;
     for (const XCVOffscreenBlock& cell : m_blocks) {
         const XCSwapBlock* const swapBlock = cell.GetSwapBlock();
@@ -131,7 +131,7 @@ int XCVOffscreen::DestroyBlockByXY(int x, int y, int countEdit) { return freeCel
 void XCVOffscreen::UnloadAllBlock() {
     for (const XCVOffscreenBlock& cell : m_blocks)
         if (XCSwapBlock* const swapBlock = cell.GetSwapBlock()) {
-            const StoreLock lock;
+            const XCCriticalSectionAutoLeave lock(&librarySection());
             if (swapBlock->IsOnMemory())
                 m_vm->Purge(swapBlock);
         }
@@ -141,7 +141,7 @@ void XCVOffscreen::UnloadAllBlock() {
 
 /// Outside protect mode no block becomes temporary: an eviction would drop its pixels.
 void XCVOffscreen::protect(XCSwapBlock& swapBlock, bool isProtected) const {
-    const StoreLock lock;
+    const XCCriticalSectionAutoLeave lock(&librarySection());
     if (m_protectMode)
         swapBlock.SetTemporary(!isProtected);
     swapBlock.SetAbsoluteProtect(isProtected);

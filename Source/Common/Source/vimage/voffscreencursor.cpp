@@ -4,7 +4,7 @@
 #include "ovwcmn/xcexception.h"
 #include "ovwcmn/xcvirtualmemory.h"
 #include "ovwcmn/xcvoffscreen.h"
-#include "vimage/storelock.h"
+#include "vimage/storelocks.h"
 
 #include <cassert>
 #include <cstring>
@@ -71,7 +71,7 @@ std::uint8_t* XCVOffscreen::lockSwapBlock(XCSwapBlock* swapBlock, int edit, bool
     if (isNew || hasData)
         base = static_cast<std::uint8_t*>(m_vm->Lock(swapBlock, edit, nullptr));
     else {
-        const ovw::vimage::StoreLock storeLock;
+        const XCCriticalSectionAutoLeave storeLock(&ovw::vimage::librarySection());
         hasData = swapBlock->IsOnMemory();
         base = static_cast<std::uint8_t*>(m_vm->Lock(swapBlock, edit, &hasData));
     }
