@@ -7,7 +7,7 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 SYSTEM_HEADER = re.compile(r'^(sys/.*|unistd\.h|fcntl\.h|pthread\.h|dirent\.h|iconv\.h|pwd\.h|poll\.h|signal\.h|linux/.*|langinfo\.h|'
-                           r'locale\.h|time\.h|errno\.h|cerrno|ctime|csignal|dlfcn\.h)$')
+                           r'locale\.h|time\.h|errno\.h|cerrno|csignal|dlfcn\.h)$')
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.M)
 
 
@@ -55,7 +55,7 @@ def main():
         if not re.search(r'\.(h|cpp|inl)$', path):
             continue
         text = (ROOT / path).read_text()
-        name = pathlib.Path(path).name
+        name = path.removeprefix('include/ovwcmn/')
         own = headers.get(name) if path.startswith('include/') else folder_of(path)
         if path.startswith('include/') and name not in headers:
             problems.append(f'{path}: listed by no folder of Source/README.md')
