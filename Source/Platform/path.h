@@ -10,8 +10,8 @@
 
 namespace ovw::platform {
 
-/// The system's form: X:\a\b becomes the drive's root + /a/b, "\" becomes "/" outside double-byte characters, and a
-/// text that begins with "/" is taken as it is.
+/// The system's form: X:\a\b becomes the drive's root + /a/b, "\" becomes "/" outside double-byte characters. A text
+/// that begins with "/" is in the system's form already (but for a "\" that was appended to it).
 std::string toPosixPath(std::string_view path);
 
 /// The library's form of an existing or future file of the system, made absolute first: /a/b becomes C:\a\b, or a path

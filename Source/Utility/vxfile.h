@@ -49,11 +49,12 @@ int vxChangeFileName(const char* from, const char* to, int* error);
 /// that fails leaves no half-written target.
 int vxCopyFile(const char* from, const char* to, int failIfExists, int* error);
 
-// The parts of a path, separated by "\" outside double-byte characters. No file is looked at.
+// The parts of a path, separated by "\" outside double-byte characters, and also by "/" in a path of the system's own
+// form, which begins with one. No file is looked at.
 
-/// Index of the last "\" that is a separator before `end`; npos when there is none.
+/// Index of the last separator before `end`; npos when there is none.
 std::size_t vxFindLastDelimiter(const std::string& path, std::size_t end = std::string::npos);
-/// Whether the path is a root: "X:\", "\", "\\server" or "\\server\share", the latter two also with a "\" behind.
+/// Whether the path is a root: "X:\", "\", "/", "\\server" or "\\server\share", the latter two also with a "\" behind.
 bool vxIsRootPath(const std::string& path);
 /// The path without its trailing run of "\".
 std::string vxWithoutBackDelimiter(const std::string& path);

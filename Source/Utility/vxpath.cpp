@@ -32,11 +32,13 @@ bool isNetworkRoot(const std::string& path) {
 
 } // namespace
 
-std::size_t vxFindLastDelimiter(const std::string& path, std::size_t end) { return findLast(path, '\\', '\\', end); }
+std::size_t vxFindLastDelimiter(const std::string& path, std::size_t end) {
+    return findLast(path, '\\', path.starts_with('/') ? '/' : '\\', end);
+}
 
 bool vxIsRootPath(const std::string& path) {
     const bool driveRoot = path.size() == 3 && isDriveLetter(path[0]) && path[1] == ':' && path[2] == '\\';
-    return driveRoot || path == "\\" || isNetworkRoot(path);
+    return driveRoot || path == "\\" || path == "/" || isNetworkRoot(path);
 }
 
 std::string vxWithoutBackDelimiter(const std::string& path) {
@@ -47,7 +49,7 @@ std::string vxWithoutBackDelimiter(const std::string& path) {
 }
 
 std::string vxGetFileNamefromFullPath(const std::string& path) {
-    const std::size_t last = findLast(path, '\\', ':', cnNone);
+    const std::size_t last = path.starts_with('/') ? vxFindLastDelimiter(path) : findLast(path, '\\', ':', cnNone);
     return last == cnNone ? path : path.substr(last + 1);
 }
 

@@ -102,9 +102,10 @@ public:
     int GetReadOnly() const;
     /// 1 for the extension "lnk"; *isFolder (may be null) tells whether the shortcut's target is a folder.
     int IsAliasFile(int* isFolder) const;
-    /// Files carry no four-character codes here: 0, and no type matches.
+    /// Files carry no four-character codes on this system: they read 0, match no type, and setting them does nothing.
     int IsFileType(std::uint32_t type) const;
     void GetCreaterAndType(std::uint32_t& creator, std::uint32_t& type) const;
+    void SetCreaterAndType(std::uint32_t, std::uint32_t) {}
     /// Whether `other` is this folder or lies below it. Looks at the texts only.
     int IsChildFolder(const XCFilePath& other) const;
     int IsFolderEmpty() const;

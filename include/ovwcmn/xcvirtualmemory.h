@@ -29,6 +29,8 @@ public:
 
     bool HasFreeSlot() const { return m_nFree > 0; }
     bool IsEmpty() const { return m_nFree == m_nSlots; }
+    /// Gives up the memory; the pool is good for nothing but destruction then.
+    VXHANDLE DetachMemory();
     std::uint32_t TakeSlot();
     void ReturnSlot(std::uint32_t slot);
     std::uint32_t GetSlotCount() const { return m_nSlots; }
@@ -81,10 +83,12 @@ public:
     std::uint32_t GetUsedSize() const;
 
 private:
-    int evictPass(XCSwap* swap, std::int64_t size, bool onlyTemporary);
+    enum class Outcome { reached, failed, exhausted };
+
+    Outcome evictPass(XCSwap* swap, std::int64_t size, bool onlyTemporary);
     bool mayEvict(const XCSwapBlock& block, bool onlyTemporary) const;
-    int evict(XCSwap* swap, XCVMCacheListItem* candidate);
-    int evictOne(XCSwap* swap, XCSwapBlock* block);
+    bool evict(XCSwap* swap, XCVMCacheListItem*& item);
+    bool evictOne(XCSwap* swap, XCSwapBlock* block);
     void leave(XCSwapBlock* block);
     void addMargin(std::int64_t bytes);
 
@@ -128,7 +132,7 @@ public:
     int AllocHandle(std::uint32_t size, XCVMHandle& handle);
     /// The same after evicting something first; up to ten retries, counted in `retry`. Takes: both.
     int AllocHandle2(std::uint32_t size, XCVMHandle& handle, int& retry);
-    /// Gives the memory back and empties the handle. Takes: both.
+    /// Gives the memory (of `size` bytes) back and empties the handle. Takes: both.
     void FreeHandle(XCVMHandle& handle, std::uint32_t size);
 
     // The statistics take no lock.
@@ -148,6 +152,8 @@ private:
     static constexpr std::uint32_t cnDefaultPageSize = 32768;
     static constexpr std::size_t cnSizeClasses = 5;
 
+    class Recycling;
+
     /// The pools of one size class; none before m_nFirstFree has a free slot.
     struct PoolClass {
         std::vector<std::unique_ptr<XCVMHandlePool>> pools;
@@ -156,11 +162,14 @@ private:
 
     PoolClass* poolClassOf(std::uint32_t size);
     void allocPooled(PoolClass& pools, std::uint32_t size, XCVMHandle& handle);
-    void freePooled(XCVMHandle& handle, std::uint32_t size);
+    void freePooled(const XCVMHandle& handle);
     void allocResidentMemory(std::uint32_t size, XCVMHandle& handle);
+    VXHANDLE takeMemory(std::uint32_t size);
+    void giveMemory(VXHANDLE memory) noexcept;
+    void dropSpareMemory();
     void makeResident(XCSwapBlock* block, int* wasRead);
+    void readBack(XCSwapBlock* block, const XCVMHandle& memory);
     void createSwapFile(std::uint32_t& size, XCFilePath* folder, int cleanup);
-    void release();
 
     std::unique_ptr<XCSwap> m_pSwap;
     std::atomic<std::uint32_t> m_nPhysicalSize{0};
@@ -168,6 +177,8 @@ private:
     std::uint32_t m_nMinimumUnitSize = cnDefaultPageSize;
     XCVMCache m_cache;
     std::array<PoolClass, cnSizeClasses> m_arrPools;
+    std::vector<VXHANDLE> m_arrSpare; // freed in this operation, for its own allocation
+    int m_nRecycling = 0;             // operations under way that recycle memory
     std::unique_ptr<XCCriticalSection> m_pSection;
 };
 

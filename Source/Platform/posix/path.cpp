@@ -20,8 +20,9 @@ struct DriveTable {
     std::array<std::string, cnDrives> roots;
 };
 
+/// Never destroyed: static objects may use paths late.
 DriveTable& drives() {
-    static DriveTable s_drives;
+    static DriveTable& s_drives = *new DriveTable;
     return s_drives;
 }
 
@@ -90,8 +91,6 @@ std::size_t driveOf(const std::string& posix, std::size_t& covered) {
 
 std::string toPosixPath(std::string_view path) {
     const std::string text(path.substr(0, path.find('\0')));
-    if (text.starts_with('/'))
-        return inSystemEncoding(text);
     const bool onDrive = text.size() >= 2 && text[1] == ':' && driveIndex(text[0]) < cnDrives;
     const std::string rest = inSystemEncoding(withSlashes(onDrive ? text.substr(2) : text));
     if (!onDrive)

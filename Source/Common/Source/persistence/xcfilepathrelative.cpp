@@ -1,0 +1,159 @@
+// From absolute paths to relative ones and back, and names that are safe everywhere.
+
+#include "ovwcmn/xcfilepath.h"
+
+#include "Platform/text.h"
+#include "Utility/vxfile.h"
+#include "persistence/pathtext.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+using ovw::persistence::equalNoCase;
+using ovw::persistence::requireFits;
+using ovw::persistence::splitComponents;
+using ovw::persistence::text;
+
+namespace {
+
+constexpr std::size_t cnComponentBufferSize = 256;
+constexpr std::size_t cnRelativeBufferSize = 260;
+constexpr std::size_t cnDriveRootLength = 3;
+
+bool isNetworkPath(const std::string& path) { return path.starts_with("\\\\"); }
+
+/// The whole character at a position; "" at the end.
+std::string characterAt(const std::string& path, std::size_t position) {
+    return path.substr(position, ovw::platform::characterBytes(path.c_str() + position));
+}
+
+bool isSeparator(const std::string& path, std::size_t position) {
+    return path[position] == '\\' || (path[position] == '/' && path.starts_with('/'));
+}
+
+/// Where two paths stop being the same, single-byte characters compared without regard to case.
+std::size_t commonLength(const std::string& a, const std::string& b, std::size_t start) {
+    std::size_t position = start;
+    while (position < a.size() && position < b.size()) {
+        const std::string one = characterAt(a, position);
+        if (!equalNoCase(one, characterAt(b, position)))
+            break;
+        position += one.size();
+    }
+    return position;
+}
+
+/// Index of the first "\" from `start` on that is a separator, or npos.
+std::size_t findDelimiter(const std::string& path, std::size_t start) {
+    for (std::size_t i = start; i < path.size(); i += characterAt(path, i).size())
+        if (isSeparator(path, i))
+            return i;
+    return std::string::npos;
+}
+
+/// Where the comparison of two paths with a common root begins; npos when they have none in common.
+std::size_t comparisonStart(const std::string& base, const std::string& target) {
+    if (!equalNoCase(characterAt(base, 0), characterAt(target, 0)) || isNetworkPath(base) != isNetworkPath(target))
+        return std::string::npos;
+    if (!isNetworkPath(base))
+        return std::min({cnDriveRootLength, base.size(), target.size()});
+    const std::size_t server = findDelimiter(base, 2);
+    const bool sameServer = server != std::string::npos && server == findDelimiter(target, 2) &&
+                            equalNoCase(base.substr(0, server), target.substr(0, server));
+    return sameServer ? server : std::string::npos;
+}
+
+/// "..\" for every separator of the base from the position on.
+std::string stepsUp(const std::string& base, std::size_t position) {
+    std::string steps;
+    for (std::size_t i = findDelimiter(base, position); i != std::string::npos; i = findDelimiter(base, i + 1))
+        steps += "..\\";
+    return steps;
+}
+
+std::string relativeFrom(const std::string& base, const std::string& target, std::size_t start) {
+    const std::size_t position = commonLength(base, target, start);
+    const bool baseEnds = position == base.size();
+    const bool targetEnds = position == target.size();
+    if (baseEnds && targetEnds)
+        return {};
+    if (baseEnds && isSeparator(target, position))
+        return target.substr(position + 1);
+    const std::string steps = stepsUp(base, position);
+    if (targetEnds && isSeparator(base, position))
+        return steps;
+    // They part inside a component of the base, which is one more step: C:\a\c and C:\ab give ..\..\ab.
+    const std::size_t parting = vxFindLastDelimiter(target, position);
+    return "..\\" + steps + target.substr(parting == std::string::npos ? 0 : parting + 1);
+}
+
+XCString safeName(const std::string& name) {
+    XCString safe(name.c_str());
+    safe.ConvertFileName();
+    return safe;
+}
+
+std::string safeComponent(const std::string& component, bool withExtension) {
+    const std::size_t dot = withExtension ? component.size() - vxCopyExtension(component).size() : 0;
+    const bool hasExtension = dot > 0 && component[dot - 1] == '.';
+    if (!hasExtension)
+        return text(safeName(component));
+    return text(safeName(component.substr(0, dot - 1))) + '.' + text(safeName(component.substr(dot)));
+}
+
+} // namespace
+
+int XCFilePath::MakeRelativePath(XCString& out, const XCFilePath& base, const XCFilePath& target) {
+    const std::string from = requireFits(vxWithoutBackDelimiter(text(base.m_strPath)), cnPathBufferSize);
+    const std::string to = requireFits(vxWithoutBackDelimiter(text(target.m_strPath)), cnPathBufferSize);
+    const std::size_t start = comparisonStart(from, to);
+    const bool related = start != std::string::npos;
+    const std::string result = related ? relativeFrom(from, to, start) : to;
+    out = requireFits(result, cnRelativeBufferSize).c_str();
+    return related;
+}
+
+int XCFilePath::RemakePath(const XCString& relative, const XCFilePath& base) {
+    std::string rest = text(relative);
+    const std::string first = characterAt(rest, 0);
+    if ((first.size() == 1 && rest.size() >= 2 && rest[1] == ':') || isNetworkPath(rest)) {
+        m_strPath = requireFits(rest, cnPathBufferSize).c_str();
+        return 0;
+    }
+    XCFilePath result(base);
+    constexpr std::string_view stepUp = "..\\";
+    while (rest.starts_with(stepUp)) {
+        result.GetFolderPath(result);
+        rest.erase(0, stepUp.size());
+    }
+    for (const std::string& component : splitComponents(rest))
+        result += requireFits(component, cnComponentBufferSize).c_str();
+    requireFits(text(result.m_strPath), cnPathBufferSize);
+    *this = result;
+    return 1;
+}
+
+int XCFilePath::ConvertCannotUseCharactors(XCString& path, int withExtension) {
+    XCFilePath root(path);
+    std::vector<std::string> components;
+    XCString last;
+    while (root.DivideSubPath(last))
+        components.push_back(text(last));
+    // What DivideSubPath leaves is a root ("C:"), or a name alone, which is a component like the others.
+    const std::string front = text(root.m_strPath);
+    const bool isName = !front.empty() && vxFindLastDelimiter(front) == std::string::npos && front.back() != ':';
+    if (isName)
+        components.push_back(front);
+    bool changed = false;
+    XCFilePath result(isName ? "" : front.c_str());
+    for (std::size_t i = components.size(); i-- > 0;) {
+        const std::string safe = safeComponent(components[i], withExtension && i == 0);
+        changed |= safe != components[i];
+        result += safe.c_str();
+    }
+    if (changed)
+        path = result.m_strPath;
+    return changed;
+}

@@ -1,0 +1,313 @@
+#include "ovwcmn/xcvirtualmemory.h"
+
+#include "Platform/file.h"
+#include "Platform/memory.h"
+#include "Platform/systemerror.h"
+#include "ovwcmn/xcexception.h"
+#include "ovwcmn/xcfilepath.h"
+#include "ovwcmn/xcfindfile.h"
+#include "vimage/storelocks.h"
+
+#include <algorithm>
+#include <new>
+
+using ovw::vimage::librarySection;
+using ovw::vimage::StoreLocks;
+
+namespace {
+
+constexpr int cnErrorNoSwapFile = 0x200132C8;
+constexpr int cnErrorNoSwapName = 0x200132C9;
+constexpr int cnNoMemory = ovw::platform::cnErrorNotEnoughMemory;
+constexpr int cnMaxRetries = 10;
+constexpr char cnSwapPrefix[] = "SWP";
+constexpr std::size_t cnMaxSpares = 16;
+
+constexpr std::uint32_t cnPooledSizes[] = {8192, 16384, 65536, 131072, 262144};
+
+/// Runs an operation whose bookkeeping may lack memory: the store reports that as error 8, like any lack of memory.
+template <class Operation>
+auto orNoMemory(Operation operation) {
+    try {
+        return operation();
+    } catch (const std::bad_alloc&) {
+        xcThrowError(cnNoMemory);
+    }
+}
+
+/// Deletes the swap files that dead processes left. Names with a leading dot are those of other programs, which keep
+/// their own swap files so.
+void cleanUp(const XCFilePath& swapPath) {
+    XCFilePath folder;
+    swapPath.GetFolderPath(folder);
+    XCFindFile search;
+    for (int found = search.First(folder); found; found = search.Next()) {
+        XCString name;
+        search.GetName(name);
+        const bool isLeftOver = !search.IsFolder() && name[0] != '.' && name.Find(cnSwapPrefix, 0, 1) >= 0;
+        if (isLeftOver && search.GetFilePath() != swapPath)
+            ovw::platform::fileSystem().removeUnlessHeld(static_cast<const char*>(search.GetFilePath()));
+    }
+}
+
+} // namespace
+
+/// Keeps memory that an eviction frees for the allocation that the eviction makes room for, in the same operation:
+/// paging then neither returns pages to the system nor has it clear new ones. What is left over is freed at its end.
+class XCVirtualMemory::Recycling {
+public:
+    explicit Recycling(XCVirtualMemory& store) : m_store(store) { ++m_store.m_nRecycling; }
+    ~Recycling() {
+        if (--m_store.m_nRecycling == 0)
+            m_store.dropSpareMemory();
+    }
+    Recycling(const Recycling&) = delete;
+    Recycling& operator=(const Recycling&) = delete;
+
+private:
+    XCVirtualMemory& m_store;
+};
+
+XCVirtualMemory::XCVirtualMemory()
+    : m_pSwap(std::make_unique<XCSwap>()), m_pSection(std::make_unique<XCCriticalSection>()) {
+    m_pSection->Initialize();
+    m_arrSpare.reserve(cnMaxSpares);
+    m_cache.SetOwnerVM(this);
+}
+
+XCVirtualMemory::~XCVirtualMemory() { Destroy(); }
+
+void XCVirtualMemory::Create(std::uint32_t size, XCFilePath* folder, int cleanup) {
+    XCCriticalSectionAutoLeave lock(&librarySection());
+    Destroy();
+    createSwapFile(size, folder, cleanup);
+    m_nPageSize = static_cast<std::uint32_t>(ovw::platform::pageSize());
+    m_nMinimumUnitSize = m_nPageSize;
+    m_nPhysicalSize.store(size, std::memory_order_relaxed);
+    m_cache.Create(size);
+}
+
+void XCVirtualMemory::createSwapFile(std::uint32_t& size, XCFilePath* folder, int cleanup) {
+    XCFilePath path;
+    if (folder) {
+        path = *folder;
+        path += "dummy.tmp";
+    }
+    if (!path.MakeTempPath(cnSwapPrefix, folder ? 1 : 0))
+        xcThrowError(cnErrorNoSwapName);
+    if (cleanup == 1)
+        cleanUp(path);
+    int made = 0;
+    try {
+        made = m_pSwap->Create(&size, path, 0);
+    } catch (...) {
+        path.Delete(0);
+        throw;
+    }
+    if (!made) {
+        path.Delete(0);
+        xcThrowError(cnErrorNoSwapFile);
+    }
+}
+
+void XCVirtualMemory::Destroy() {
+    const StoreLocks locks(m_pSection.get());
+    m_cache.Destroy();
+    m_pSwap->Destroy();
+    m_nPhysicalSize.store(0, std::memory_order_relaxed);
+    m_nPageSize = m_nMinimumUnitSize = cnDefaultPageSize;
+}
+
+XCSwapBlock* XCVirtualMemory::Allocate(std::uint32_t size) {
+    const StoreLocks locks(m_pSection.get());
+    const Recycling recycling(*this);
+    return orNoMemory([&] {
+        const auto deallocate = [this](XCSwapBlock* block) { m_pSwap->Deallocate(block); };
+        std::unique_ptr<XCSwapBlock, decltype(deallocate)> block(m_pSwap->Allocate(size), deallocate);
+        if (!block)
+            xcThrowError(cnErrorNoSwapFile);
+        if (!m_cache.Request(m_pSwap.get(), static_cast<std::uint32_t>(block->GetSize())))
+            xcThrowError(cnNoMemory);
+        makeResident(block.get(), nullptr);
+        return block.release();
+    });
+}
+
+void* XCVirtualMemory::Lock(XCSwapBlock* block, int edit, int* wasRead) {
+    if (!block)
+        xcThrowError(ovw::foundation::cnCodeParameter);
+    const StoreLocks locks(m_pSection.get());
+    if (!block->IsOnMemory()) {
+        const Recycling recycling(*this);
+        orNoMemory([&] {
+            m_cache.Request(m_pSwap.get(), static_cast<std::uint32_t>(block->GetSize()));
+            makeResident(block, wasRead);
+        });
+    }
+    if (edit)
+        block->SetEditFlag(1);
+    return block->Lock();
+}
+
+void XCVirtualMemory::Unlock(XCSwapBlock* block) {
+    const StoreLocks locks(m_pSection.get());
+    if (block && block->IsOnMemory())
+        block->Unlock();
+}
+
+void XCVirtualMemory::Free(XCSwapBlock* block) {
+    const StoreLocks locks(m_pSection.get());
+    m_cache.Remove(block);
+    m_pSwap->Deallocate(block);
+}
+
+int XCVirtualMemory::Purge(XCSwapBlock* block) {
+    const StoreLocks locks(m_pSection.get());
+    return orNoMemory([&] { return m_cache.Purge(m_pSwap.get(), block); });
+}
+
+/// Gives the block memory, filled from the swap file if its contents are there. Nothing changes when it throws.
+void XCVirtualMemory::makeResident(XCSwapBlock* block, int* wasRead) {
+    XCVMHandle memory;
+    allocResidentMemory(static_cast<std::uint32_t>(block->GetSize()), memory);
+    try {
+        const bool reads = !block->IsTemporary() && block->IsSwapped();
+        if (reads)
+            readBack(block, memory);
+        m_cache.Add(block, memory);
+        if (reads && wasRead)
+            *wasRead = 1;
+    } catch (...) {
+        FreeHandle(memory, static_cast<std::uint32_t>(block->GetSize()));
+        throw;
+    }
+}
+
+void XCVirtualMemory::readBack(XCSwapBlock* block, const XCVMHandle& memory) {
+    vxSetLastError(0);
+    const int done = m_pSwap->Read(memory.Lock(), block);
+    memory.Unlock();
+    if (done)
+        return;
+    const int code = vxGetLastError();
+    xcThrowError(code ? code : ovw::platform::cnErrorReadFault);
+}
+
+/// AllocHandle, and when memory is short once more after evicting blocks.
+void XCVirtualMemory::allocResidentMemory(std::uint32_t size, XCVMHandle& handle) {
+    try {
+        if (AllocHandle(size, handle))
+            return;
+    } catch (const XCException&) {
+        int retry = 0;
+        if (AllocHandle2(size, handle, retry) == 1)
+            return;
+    }
+    xcThrowError(cnNoMemory);
+}
+
+int XCVirtualMemory::AllocHandle(std::uint32_t size, XCVMHandle& handle) {
+    const StoreLocks locks(m_pSection.get());
+    return orNoMemory([&] {
+        if (PoolClass* const pools = poolClassOf(size))
+            allocPooled(*pools, size, handle);
+        else
+            handle = {nullptr, 0, takeMemory(size), size};
+        return 1;
+    });
+}
+
+int XCVirtualMemory::AllocHandle2(std::uint32_t size, XCVMHandle& handle, int& retry) {
+    const StoreLocks locks(m_pSection.get());
+    const Recycling recycling(*this);
+    for (;; ++retry) {
+        const std::uint32_t usedBefore = m_cache.GetUsedSize();
+        if (!m_cache.RequestMainWork(m_pSwap.get(), size) || m_cache.GetUsedSize() >= usedBefore)
+            xcThrowError(cnNoMemory);
+        try {
+            return AllocHandle(size, handle);
+        } catch (const XCException&) {
+            if (retry >= cnMaxRetries)
+                return 0;
+        }
+    }
+}
+
+void XCVirtualMemory::FreeHandle(XCVMHandle& handle, std::uint32_t) {
+    const StoreLocks locks(m_pSection.get());
+    if (handle.m_pPool)
+        freePooled(handle);
+    else if (handle.m_hOwn)
+        giveMemory(handle.m_hOwn);
+    handle = {};
+}
+
+XCVirtualMemory::PoolClass* XCVirtualMemory::poolClassOf(std::uint32_t size) {
+    const auto* const found = std::find(std::begin(cnPooledSizes), std::end(cnPooledSizes), size);
+    return found == std::end(cnPooledSizes) ? nullptr : &m_arrPools[static_cast<std::size_t>(found - cnPooledSizes)];
+}
+
+void XCVirtualMemory::allocPooled(PoolClass& pools, std::uint32_t size, XCVMHandle& handle) {
+    while (pools.firstFree < pools.pools.size() && !pools.pools[pools.firstFree]->HasFreeSlot())
+        ++pools.firstFree;
+    if (pools.firstFree == pools.pools.size()) {
+        pools.pools.reserve(pools.pools.size() + 1);
+        const auto dropMemory = [](VXHANDLE memory) { vxFree(memory); };
+        std::unique_ptr<VXHANDLE__, decltype(dropMemory)> memory(takeMemory(XCVMHandlePool::cnPoolBytes));
+        pools.pools.push_back(std::make_unique<XCVMHandlePool>(memory.get(), size));
+        memory.release();
+    }
+    XCVMHandlePool* const pool = pools.pools[pools.firstFree].get();
+    handle = {pool, pool->TakeSlot(), nullptr, size};
+}
+
+void XCVirtualMemory::freePooled(const XCVMHandle& handle) {
+    PoolClass* const pools = poolClassOf(handle.m_nUnitSize);
+    XCVMHandlePool* const pool = handle.m_pPool;
+    pool->ReturnSlot(handle.m_nSlot);
+    const auto isPool = [pool](const auto& candidate) { return candidate.get() == pool; };
+    const auto place = std::find_if(pools->pools.begin(), pools->pools.end(), isPool);
+    pools->firstFree = std::min(pools->firstFree, static_cast<std::size_t>(place - pools->pools.begin()));
+    if (pool->IsEmpty() && place != pools->pools.end()) {
+        giveMemory(pool->DetachMemory());
+        pools->pools.erase(place);
+    }
+}
+
+/// Memory of exactly that size, recycled if possible. Throws the code that the allocation reports.
+VXHANDLE XCVirtualMemory::takeMemory(std::uint32_t size) {
+    const auto fits = [size](VXHANDLE memory) { return vxGetHandleSize(memory) == size; };
+    const auto spare = std::find_if(m_arrSpare.begin(), m_arrSpare.end(), fits);
+    if (spare != m_arrSpare.end()) {
+        const VXHANDLE memory = *spare;
+        m_arrSpare.erase(spare);
+        return memory;
+    }
+    int status = 0;
+    VXHANDLE memory = vxAlloc(size, 0, &status);
+    if (!memory && !m_arrSpare.empty()) {
+        dropSpareMemory();
+        memory = vxAlloc(size, 0, &status);
+    }
+    if (!memory)
+        xcThrowError(status ? status : cnNoMemory);
+    return memory;
+}
+
+void XCVirtualMemory::giveMemory(VXHANDLE memory) noexcept {
+    if (m_nRecycling == 0 || m_arrSpare.size() == m_arrSpare.capacity())
+        vxFree(memory);
+    else
+        m_arrSpare.push_back(memory);
+}
+
+void XCVirtualMemory::dropSpareMemory() {
+    for (const VXHANDLE memory : m_arrSpare)
+        vxFree(memory);
+    m_arrSpare.clear();
+}
+
+std::uint32_t XCVirtualMemory::GetFreePhysicalMemorySize() const {
+    const std::uint32_t budget = GetPhysicalMemorySize();
+    return budget - std::min(budget, GetUsedPhysicalMemorySize());
+}
