@@ -57,7 +57,12 @@ void* resizePages(void* block, std::uint32_t size) {
     if (!moved)
         return nullptr;
     char* const result = static_cast<char*>(moved) + offset;
-    headerOf(result)->size = size;
+    Header* const placed = headerOf(result);
+    // What a shrunken block no longer holds must be zero when it grows again; the platform sees to the rest of the
+    // page.
+    if (size < placed->size)
+        std::memset(result + size, 0, rawBytes(size) - offset - size);
+    placed->size = size;
     return result;
 }
 
