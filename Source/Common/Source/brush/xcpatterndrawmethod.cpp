@@ -25,11 +25,8 @@ void prepareCache(std::unique_ptr<XCVOffscreen>& image, const XCVOffscreen& refe
         return;
     }
     image.reset(XCVOffscreen::CreateOffscreen(depth));
-    if (!image)
-        return;
-    XCVirtualMemory* const libraryStore = xcGetVirtualMemory();
-    image->Create(libraryStore ? libraryStore : reference.GetVirtualMemory(), reference.GetWidth(),
-                  reference.GetHeight(), reference.GetResolution());
+    if (image)
+        image->Create(xcGetVirtualMemory(), reference.GetWidth(), reference.GetHeight(), reference.GetResolution());
 }
 
 void lockIfSet(XCVOffscreenAutoLock& lock, XCVOffscreen* image, int edit) {

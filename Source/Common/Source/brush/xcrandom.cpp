@@ -1,7 +1,8 @@
 #include "ovwcmn/xcpatterndrawparam.h"
 
+#include "ovwcmn/xctime.h"
+
 #include <atomic>
-#include <chrono>
 
 namespace {
 
@@ -34,7 +35,4 @@ double xcGetGaussRand(std::uint32_t* seed) {
 
 void xcSetRandomSeed(std::uint32_t seed) { s_librarySeed.store(seed, std::memory_order_relaxed); }
 
-void xcGenerateRandom() {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    xcSetRandomSeed(static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count()));
-}
+void xcGenerateRandom() { xcSetRandomSeed(XCTime::StartElapsedTime()); }
