@@ -76,7 +76,8 @@ void SpanPainter::paintPart(const XCRect& part) {
     const KernelPlan* plan = choosePlan(nullptr);
     if (!plan)
         return;
-    int rows = std::min(part.bottom - m_y, m_mixer.m_blockTop - m_y + cnBlock);
+    const std::int64_t end = std::min<std::int64_t>(part.bottom, std::int64_t{m_mixer.m_blockTop} + cnBlock);
+    int rows = static_cast<int>(end - m_y);
     // Whole rows of a block follow each other in memory.
     if (plan->start == Start::Byte && m_n == cnBlock) {
         m_n *= rows;
