@@ -1,0 +1,206 @@
+#include "caserunner.h"
+#include "randomcases.h"
+
+#include "mixing/blockpart.h"
+#include "mixing/coveragespan.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+/// @file
+/// The library's own fast ways of painting leave what the same work span by span leaves.
+
+namespace {
+
+using namespace ovw::test;
+
+/// One case laid out twice, to paint in two ways.
+struct Twins {
+    explicit Twins(const MixCase& mixCase)
+        : fast(s_store(), s_fastPool(), mixCase), plain(s_store(), s_plainPool(), mixCase) {}
+
+    void startDab(const MixDab& dab) {
+        fast.startDab(dab);
+        plain.startDab(dab);
+    }
+
+    /// The first difference as text.
+    std::string differ() {
+        std::string found = differ(fast.destination(), plain.destination(), "destination");
+        if (found.empty() && fast.cache())
+            found = differ(*fast.cache(), *plain.cache(), "cache");
+        if (found.empty() && fast.colorCache())
+            found = differ(*fast.colorCache(), *plain.colorCache(), "colour cache");
+        return found;
+    }
+
+    static TestStore& s_store() {
+        static TestStore s_theStore;
+        return s_theStore;
+    }
+    static ImagePool& s_fastPool() {
+        static ImagePool s_pool(s_store());
+        return s_pool;
+    }
+    static ImagePool& s_plainPool() {
+        static ImagePool s_pool(s_store());
+        return s_pool;
+    }
+    static std::string differ(const TestImage& image, const TestImage& plain, const char* name) {
+        PlainImage expected(plain.depth(), MixCase::cnWidth, MixCase::cnHeight);
+        for (int y = 0; y < expected.height; ++y)
+            plain.visitRow(0, expected.width, y, 0, [&](std::uint8_t* base, int column, int row, int x) {
+                expected.at(x, y) = storedPixel(base, plain->GetBlockRowBytes(), plain.depth(), column, row);
+            });
+        return difference(image, expected, 0xFFFFFFFF, name);
+    }
+
+    LibraryMix fast, plain;
+};
+
+constexpr Family s_families[] = {Family::plain, Family::cached, Family::water, Family::blur, Family::clone};
+
+/// The rows of a dab as one part: its first span's columns.
+XCRect part(const MixDab& dab) {
+    const MixSpan& first = dab.spans.front();
+    return XCRect(first.x1, first.y, first.x2 + 1, dab.spans.back().y + 1);
+}
+
+std::vector<float> makeCoverage(Random& random, int n) {
+    std::vector<float> coverage;
+    while (int(coverage.size()) < n) {
+        float value = random.chance(4) ? float(random.chance(2)) : float(random.number(0, 256)) / 256;
+        int repeats = random.chance(4) ? random.number(2, 40) : 1;
+        coverage.insert(coverage.end(), std::size_t(repeats), value);
+    }
+    coverage.resize(std::size_t(n));
+    return coverage;
+}
+
+void paintEach(XCFastPixelMixer& mixer, int x, int y, const std::vector<float>& coverage) {
+    for (std::size_t i = 0; i < coverage.size(); ++i) {
+        if (!(coverage[i] > 0))
+            continue;
+        mixer.ScaleAntiAlpha(coverage[i]);
+        mixer.DoLineRow(x + int(i), x + int(i), y);
+    }
+}
+
+} // namespace
+
+TEST(MixerRoads, ABlockPartEqualsItsRows) {
+    for (std::uint64_t seed = 0; seed < 400; ++seed) {
+        MixCase mixCase(s_families[seed % std::size(s_families)], seed);
+        Twins twins(mixCase);
+        for (const MixDab& dab : mixCase.dabs) {
+            twins.startDab(dab);
+            XCRect area = part(dab);
+            ovw::mixing::paintBlockPart(twins.fast.mixer(), area);
+            twins.plain.mixer().MoveCursorToBlock(area.left, area.top);
+            for (int y = area.top; y < area.bottom; ++y)
+                twins.plain.mixer().DoLineRow(area.left, area.right - 1, y);
+            // What it leaves behind: row 7 is painted from there.
+            twins.fast.mixer().DoLineRow(area.left, area.left, 7);
+            twins.plain.mixer().DoLineRow(area.left, area.left, 7);
+            ASSERT_EQ(twins.differ(), "") << mixCase.describe();
+        }
+        ASSERT_EQ(twins.fast.average().ConvertSmudgeColor(0), twins.plain.average().ConvertSmudgeColor(0)) << seed;
+    }
+}
+
+TEST(MixerRoads, ALargeBlockPartEqualsItsRows) {
+    for (int depth : {1, 2, 8, 24, 32})
+        for (int composition : {0, 1, 2, 3}) {
+            TestStore store;
+            TestImage fast(store, depth, 300, 300);
+            TestImage plain(store, depth, 300, 300);
+            for (TestImage* image : {&fast, &plain}) {
+                XCVOffscreenAutoLock lock(image->get(), 1);
+                XCFastPixelMixer mixer;
+                mixer.SetDstOffscreen(image->get());
+                mixer.SetColor(0xC0402010);
+                mixer.SetDrawCompositioin(composition);
+                XCRect area(3, 5, 256, 250);
+                if (image == &fast)
+                    ovw::mixing::paintBlockPart(mixer, area);
+                else {
+                    mixer.MoveCursorToBlock(area.left, area.top);
+                    for (int y = area.top; y < area.bottom; ++y)
+                        mixer.DoLineRow(area.left, area.right - 1, y);
+                }
+            }
+            for (int y = 0; y < 256; ++y) {
+                const std::uint8_t* rows[2];
+                XCVOffscreenAutoLock fastLock(fast.get(), 0, y, 0);
+                XCVOffscreenAutoLock plainLock(plain.get(), 0, y, 0);
+                rows[0] = fast->GetCurrentAddress();
+                rows[1] = plain->GetCurrentAddress();
+                ASSERT_TRUE(rows[0] && rows[1]);
+                ASSERT_EQ(std::memcmp(rows[0], rows[1], std::size_t(fast->GetBlockRowBytes())), 0)
+                    << depth << " bits, composition " << composition << ", row " << y;
+            }
+        }
+}
+
+TEST(MixerRoads, AnEmptyBlockPartPaintsNothing) {
+    TestStore store;
+    TestImage image(store, 8, 100, 100);
+    XCVOffscreenAutoLock lock(image.get(), 1);
+    XCFastPixelMixer mixer;
+    mixer.SetDstOffscreen(image.get());
+    mixer.SetColor(0xFF000000);
+    for (XCRect empty : {XCRect(5, 5, 5, 9), XCRect(5, 5, 9, 5), XCRect(9, 9, 5, 5), XCRect(0, 0, 0, 0)})
+        ovw::mixing::paintBlockPart(mixer, empty);
+    for (int y = 0; y < 12; ++y)
+        for (int x = 0; x < 12; ++x)
+            ASSERT_EQ(image.value(x, y), 0u);
+}
+
+TEST(MixerRoads, ACoverageRowEqualsItsPixels) {
+    for (std::uint64_t seed = 0; seed < 500; ++seed) {
+        MixCase mixCase(s_families[seed % std::size(s_families)], seed);
+        Twins twins(mixCase);
+        Random random(seed);
+        for (const MixDab& dab : mixCase.dabs) {
+            twins.startDab(dab);
+            for (const MixSpan& span : dab.spans) {
+                std::vector<float> coverage = makeCoverage(random, span.x2 - span.x1 + 1);
+                twins.fast.mixer().MoveCursorToBlock(span.x1, span.y);
+                twins.plain.mixer().MoveCursorToBlock(span.x1, span.y);
+                ovw::mixing::paintCoverageRow(twins.fast.mixer(), span.x1, span.y, coverage);
+                paintEach(twins.plain.mixer(), span.x1, span.y, coverage);
+                // What it leaves behind: row 7 is painted from there.
+                twins.fast.mixer().DoLineRow(span.x1, span.x2, 7);
+                twins.plain.mixer().DoLineRow(span.x1, span.x2, 7);
+            }
+            ASSERT_EQ(twins.differ(), "") << mixCase.describe();
+        }
+        ASSERT_EQ(twins.fast.average().ConvertSmudgeColor(0), twins.plain.average().ConvertSmudgeColor(0)) << seed;
+    }
+}
+
+TEST(MixerRoads, ACoverageRowLeavesOutWhatLiesOutsideTheBlock) {
+    TestStore store;
+    TestImage image(store, 8, 400, 40);
+    XCVOffscreenAutoLock lock(image.get(), 1);
+    XCFastPixelMixer mixer;
+    mixer.SetDstOffscreen(image.get());
+    mixer.SetColor(0xFF000000);
+    mixer.SetDrawCompositioin(XCFastPixelMixer::Replace);
+    mixer.MoveCursorToBlock(0, 0);
+    std::vector<float> coverage(600, 0.5f);
+    coverage[100] = std::numeric_limits<float>::quiet_NaN();
+    coverage[101] = -1;
+    coverage[102] = 7;
+    ovw::mixing::paintCoverageRow(mixer, -50, 3, coverage);
+    ovw::mixing::paintCoverageRow(mixer, 0, -1, coverage);
+    ovw::mixing::paintCoverageRow(mixer, 0, 256, coverage);
+    ovw::mixing::paintCoverageRow(mixer, 300, 4, coverage);
+    ovw::mixing::paintCoverageRow(mixer, 0, 5, {});
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 400; ++x) {
+            std::uint32_t expected = y != 3 || x > 255 ? 0 : x == 50 || x == 51 ? 0 : x == 52 ? 255 : 127;
+            ASSERT_EQ(image.value(x, y), expected) << x << ", " << y;
+        }
+}
