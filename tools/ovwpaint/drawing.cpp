@@ -41,12 +41,26 @@ public:
 };
 
 Brush chooseBrush(const DrawOptions& options) {
-    if (!options.brushFile.empty())
-        return readBrushFile(options.brushFile);
     const Preset* preset = findPreset(options.preset);
-    if (!preset)
+    if (options.brushFile.empty() && !preset)
         throw Failure("there is no preset \"" + options.preset + "\" (see ovwpaint presets)");
-    return brushOf(*preset);
+    const Brush brush = options.brushFile.empty() ? brushOf(*preset) : readBrushFile(options.brushFile);
+    return options.brushSize ? brush.scaled(static_cast<double>(*options.brushSize) / brush.size.size) : brush;
+}
+
+/// An eraser needs something to take away.
+Colour chooseBackground(const DrawOptions& options, const Brush& brush) {
+    const Colour ink = packColour(0, 0, 0);
+    const Colour paper = packColour(255, 255, 255);
+    return options.background.value_or(brush.erases() ? ink : paper);
+}
+
+Layout chooseLayout(const DrawOptions& options, const InkSurvey& survey, const Brush& brush) {
+    try {
+        return layOut(survey, brush, options.size);
+    } catch (const Failure& failure) {
+        throw Failure(options.strokes + ": " + failure.what());
+    }
 }
 
 /// A picture without transparency cannot be erased to nothing: there the eraser paints the paper's white.
@@ -67,7 +81,7 @@ void refuseToReplaceInput(const DrawOptions& options) {
     }
 }
 
-void paint(const InkDocument& document, Painter& painter, const PathMapping& mapping, const DrawOptions& options,
+void paint(const InkDocument& document, Painter& painter, const PathMapping& mapping, Joining joining,
            Progress& progress, std::uint64_t sampleCount) {
     constexpr std::uint64_t cnSamplesPerLook = 1024;
     std::optional<StrokeShaper> shaper;
@@ -81,7 +95,7 @@ void paint(const InkDocument& document, Painter& painter, const PathMapping& map
     for (const Trace& trace : document.traces()) {
         if (!trace.continues || !shaper) {
             finishStroke();
-            shaper.emplace(painter, mapping, options.joining, document.formatOf(trace));
+            shaper.emplace(painter, mapping, joining, document.formatOf(trace));
         }
         TraceDecoder decoder = document.decode(trace);
         while (decoder.next(sample)) {
@@ -99,25 +113,19 @@ void paint(const InkDocument& document, Painter& painter, const PathMapping& map
 void drawPicture(const DrawOptions& options) {
     refuseToReplaceInput(options);
     Progress progress(options.quiet);
-    const Brush brush = adaptToDepth(chooseBrush(options), options.depth);
+    const Brush chosen = chooseBrush(options);
     InkDocument document(options.strokes);
     const InkSurvey survey = document.survey();
-    Layout layout;
-    try {
-        layout = layOut(survey, brush, options.size);
-    } catch (const Failure& failure) {
-        throw Failure(options.strokes + ": " + failure.what());
-    }
+    const Layout layout = chooseLayout(options, survey, chosen);
     OutputFile output(options.output); // before the work, so that a bad path is known at once
     const Store store(options.memory, options.swapFolder);
-    const Colour ink = packColour(0, 0, 0);
-    const Colour paper = packColour(255, 255, 255);
-    Canvas canvas(layout.width, layout.height, options.depth,
-                  options.background.value_or(chooseBrush(options).erases() ? ink : paper), brush.method.useCache != 0);
+    Canvas canvas(layout.width, layout.height, options.depth, chooseBackground(options, chosen),
+                  chosen.method.useCache != 0);
     xcSetRandomSeed(options.seed);
     {
-        Painter painter(canvas, brush.scaled(layout.scale), options.joining);
-        paint(document, painter, layout.mapping(Painter::cnUnitsPerPixel), options, progress, survey.sampleCount);
+        Painter painter(canvas, adaptToDepth(chosen, options.depth).scaled(layout.scale), options.joining);
+        paint(document, painter, layout.mapping(Painter::cnUnitsPerPixel), options.joining, progress,
+              survey.sampleCount);
     }
     writePng(canvas, output, progress);
     output.commit();

@@ -24,7 +24,8 @@ struct DrawOptions {
     std::string swapFolder;           ///< empty: the system's temporary folder
     std::uint32_t seed = 1;
     std::string preset = "ink-pen";
-    std::string brushFile; ///< empty: the preset
+    std::string brushFile;        ///< empty: the preset
+    std::optional<int> brushSize; ///< pixels of the drawing, instead of the brush's own size
     Joining joining = Joining::Smooth;
     bool quiet = false;
 };

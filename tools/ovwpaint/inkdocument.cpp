@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <limits>
 #include <map>
 #include <string>
@@ -176,6 +177,8 @@ std::size_t InkReader::formatIndex(pugi::xml_node context) {
 }
 
 InkDocument::InkDocument(const std::string& path) : m_path(path), m_xml(std::make_unique<Xml>()) {
+    if (std::filesystem::is_directory(path))
+        throw Failure(path + ": " + std::strerror(EISDIR));
     errno = 0;
     const pugi::xml_parse_result result = m_xml->tree.load_file(path.c_str(), pugi::parse_default);
     if (result.status == pugi::status_file_not_found)

@@ -42,11 +42,11 @@ void makeInkPen(Brush& brush) {
 }
 
 void makePencil(Brush& brush) {
-    setSize(brush, 4, 150, cnControlPressure);
-    brush.color = {packColour(56, 56, 60), brush.color.subColor, 230, 30, cnControlPressure};
-    brush.hardness.hardness = 170;
-    setSpacing(brush, 12);
-    setMethod(brush, cnMethodNormal, cnCacheMaximum);
+    setSize(brush, 4, 170, cnControlPressure);
+    brush.color = {packColour(52, 52, 56), brush.color.subColor, 220, 50, cnControlPressure};
+    brush.hardness.hardness = 200;
+    setSpacing(brush, 25);
+    setMethod(brush, cnMethodNormal, cnCacheOver);
 }
 
 void makeMarker(Brush& brush) {
@@ -58,13 +58,13 @@ void makeMarker(Brush& brush) {
 }
 
 void makeAirbrush(Brush& brush) {
-    setSize(brush, 10, 120, cnControlRandom);
-    brush.color = {packColour(40, 90, 190), brush.color.subColor, 60, 20, cnControlPressure};
-    brush.hardness.hardness = 30;
+    setSize(brush, 20, 130, cnControlRandom);
+    brush.color = {packColour(40, 90, 190), brush.color.subColor, 26, 30, cnControlPressure};
+    brush.hardness.hardness = 0;
     brush.airbrush.sprayFlags = cnSprayScatter;
-    brush.airbrush.sprayWidthAtFull = 44;
+    brush.airbrush.sprayWidthAtFull = 40;
     brush.airbrush.plotCountAtFull = 6;
-    setSpacing(brush, 30);
+    setSpacing(brush, 12);
     setMethod(brush, cnMethodNormal, cnCacheOver);
 }
 
@@ -75,10 +75,11 @@ void makeEraser(Brush& brush) {
     setMethod(brush, Brush::cnMethodErase, cnCacheMaximum);
 }
 
+/// The nib grows rounder as it grows smaller, so that it never becomes thinner than its stamps lie apart.
 void makeTaperedEllipse(Brush& brush) {
-    setSize(brush, 14, 20, cnControlPressure);
+    setSize(brush, 16, 50, cnControlPressure);
     brush.color.drawColor = packColour(90, 20, 40);
-    brush.sizeRate.rateAtFull = 0.28f;
+    brush.sizeRate = {0.3f, 0.85f, cnControlPressure};
     brush.rotate.angle = cnPi / 4.0f;
     setSpacing(brush, 3);
     setMethod(brush, cnMethodNormal, cnCacheMaximum);

@@ -130,6 +130,9 @@ void CommandLine::addBrushOptions() {
                               ->type_name("NAME")
                               ->capture_default_str();
     draw->add_option("--brush", options.brushFile, "A brush file")->type_name("FILE.json")->excludes(preset);
+    draw->add_option("--size", options.brushSize, "Diameter of the brush in pixels, before --scale")
+        ->check(CLI::Range(1, 10000))
+        ->type_name("N");
     draw->add_option("--seed", options.seed, "Start of the random numbers, for scatter")
         ->check(CLI::Range(std::uint32_t{0}, std::numeric_limits<std::uint32_t>::max()))
         ->type_name("N")

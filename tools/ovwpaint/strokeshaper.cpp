@@ -20,7 +20,7 @@ constexpr double cnCorner = 40.0 * cnDegree;
 /// In recordings, steps shorter than this turn by the noise of the device, in pixels.
 constexpr double cnMinCornerStep = 4.0;
 /// How far a sample may move when noise is evened out, in pixels.
-constexpr double cnMaxEvening = 0.25;
+constexpr double cnMaxEvening = 0.5;
 /// Weight of a new value in the running average of the speed, about three samples long.
 constexpr float cnSpeedWeight = 0.3f;
 /// The path of a tap in mapped units: enough for brushes that wait for a direction, nothing to be seen.

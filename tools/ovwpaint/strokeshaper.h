@@ -38,7 +38,7 @@ enum class Joining {
 
 /// Turns the samples of a stroke into a path, with a delay of four samples and no list of them. Samples at one place
 /// count once, with their largest force: a pen that rests paints one mark. A recording (samples with force or time) has
-/// noise, of the device and of rounded coordinates, which is evened out by at most a quarter of a pixel.
+/// noise, of the device and of rounded coordinates, which is evened out by at most half a pixel.
 /// angleA becomes the pen's azimuth, angleB its lean, auxScale how upright it is (1: upright or unknown), speed its
 /// speed in pixels a millisecond, at most 1.
 class StrokeShaper {

@@ -65,7 +65,8 @@ bool TraceDecoder::readSample() {
         skipSpace();
     }
     if (count < m_format.regularCount)
-        fail(std::to_string(count) + " values for " + std::to_string(m_format.regularCount) + " channels");
+        fail("too few values (" + std::to_string(count) + " for " + std::to_string(m_format.regularCount) +
+             " channels)");
     return true;
 }
 
