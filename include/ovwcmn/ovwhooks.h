@@ -15,7 +15,8 @@
 /// other threads use the library; they must not throw. Texts are in the current code page (vxGetCodePage).
 struct VXHOOKS {
     /// Shows a box (MB_ style) and returns its button in the low 16 bits; with `checkBox` also a check box labelled
-    /// with string 200 of vxGetLibraryModule(), whose state is bit 16. Default: writes title and text to standard error and answers the first button.
+    /// with string 200 of vxGetLibraryModule(), whose state is bit 16. Default: writes title and text to standard error
+    /// and answers the first button.
     int (*messageBox)(HWND owner, const char* text, const char* title, std::uint32_t style, int checkBox);
     /// The main window; default null.
     HWND (*mainWindow)();
