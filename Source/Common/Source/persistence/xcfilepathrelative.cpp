@@ -96,11 +96,11 @@ XCString safeName(const std::string& name) {
 }
 
 std::string safeComponent(const std::string& component, bool withExtension) {
-    const std::size_t dot = withExtension ? component.size() - vxCopyExtension(component).size() : 0;
-    const bool hasExtension = dot > 0 && component[dot - 1] == '.';
-    if (!hasExtension)
+    const int dot = withExtension ? XCString(component.c_str()).ReverseFind(".") : -1;
+    if (dot < 0)
         return text(safeName(component));
-    return text(safeName(component.substr(0, dot - 1))) + '.' + text(safeName(component.substr(dot)));
+    const auto place = static_cast<std::size_t>(dot);
+    return text(safeName(component.substr(0, place))) + '.' + text(safeName(component.substr(place + 1)));
 }
 
 } // namespace
