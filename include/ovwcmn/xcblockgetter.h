@@ -15,6 +15,8 @@ class OVWCMN_API XCBlockGetter {
 public:
     /// With clip the blocks are cut to rect, else only to the image.
     XCBlockGetter(const XCVOffscreen* image, const XCRect& rect, int clip);
+    /// The same for the rectangle of an image.
+    XCBlockGetter(const XCRect& image, const XCRect& rect, int clip);
 
     /// 1 with the next block's rectangle; 0 and an empty rectangle at the end.
     int GetNextBlock(XCRect& block);

@@ -6,9 +6,9 @@
 
 #include "ovwcmn/ovwdefs.h"
 #include "ovwcmn/wintypes.h"
-#include "ovwcmn/xcarray.h"
 #include "ovwcmn/xcgeometry.h"
 #include "ovwcmn/xcvoffscreenblock.h"
+#include "ovwcmn/xcvoffscreengrid.h"
 
 #include <cstdint>
 
@@ -26,15 +26,9 @@ class XCVirtualMemory;
 /// Cursor movements have three speeds: plain (checks everything), Fast (the point must lie in the image) and Fastest
 /// (it must lie in the current block). All return the new address, null outside the image and in a block that is
 /// missing. Colour values are 0xAABBGGRR.
-class OVWCMN_API XCVOffscreen {
+class OVWCMN_API XCVOffscreen : public XCVOffscreenGrid {
 public:
-    static constexpr int cnBlockShift = 8;
-    static constexpr int cnBlockSize = 1 << cnBlockShift;
-    static constexpr int cnBlockMask = cnBlockSize - 1;
-
     XCVOffscreen();
-    XCVOffscreen(const XCVOffscreen&) = delete;
-    XCVOffscreen& operator=(const XCVOffscreen&) = delete;
     virtual ~XCVOffscreen();
 
     // ---- Virtual operations, in the order that the interface fixes. The base class answers 0 and does nothing where
@@ -122,55 +116,7 @@ public:
     /// A new image with the same size, clear colours and pixels; the caller owns it.
     XCVOffscreen* CreateAndCopyAll();
 
-    // ---- Geometry
-    int GetDepth() const { return m_depth; }
-    int GetWidth() const { return m_width; }
-    int GetHeight() const { return m_height; }
-    XCRect GetRect() const { return XCRect(0, 0, m_width, m_height); }
-    XCVirtualMemory* GetVirtualMemory() const { return m_vm; }
-    /// The position of pixel (0, 0) in the caller's coordinates; growing on the left or top moves it.
-    XCPoint GetOffset() const { return m_offset; }
-    void SetOffset(const XCPoint& offset) { m_offset = offset; }
-    double GetResolution() const { return m_resolution; }
-    void SetResolution(double resolution) { m_resolution = resolution; }
-    /// The result is across x down; either pointer may be null.
-    int GetBlockCount(int* across, int* down) const;
-    int GetHBlockCount() const { return m_blocksAcross; }
-    int GetVBlockCount() const { return m_blocksDown; }
-    int GetBlockRowBytes() const { return m_rowBytes; }
-    /// -1 outside the image.
-    int GetBlockIndex(int x, int y) const { return isInside(x, y) ? GetBlockIndexFast(x, y) : -1; }
-    int GetBlockIndexFast(int x, int y) const { return (y >> cnBlockShift) * m_blocksAcross + (x >> cnBlockShift); }
-    /// The whole block, not clipped to the image; empty outside the grid.
-    XCRect GetBlockRect(int index) const;
-    /// The inclusive ranges of the blocks that rect meets. Result: their number; 0 leaves the ranges alone.
-    int GetBlockAreaIndex(const XCRect& rect, int& firstColumn, int& lastColumn, int& firstRow, int& lastRow) const;
-    /// Whether the block meets rect; *out (may be null) becomes the intersection when clip is 1, else the whole block.
-    int GetBlockArea(const XCRect& rect, int index, tagRECT* out, int clip) const;
-    /// The blocks that rect meets in the image, row by row: whole blocks, or with clip 1 their parts in rect and image.
-    int GetBlockArea(const XCRect& rect, XCTArray<tagRECT, 0>& list, int clip) const;
-    /// A coordinate of this image in the pixels of other, by their resolutions, truncated toward zero.
-    int ConvertPointX(const XCVOffscreen* other, int x) const;
-    int ConvertPointY(const XCVOffscreen* other, int y) const;
-
-    // ---- Blocks. Outside the grid or image the answer is that of a block that is missing.
-    int GetBlockExist(int x, int y) const;
-    int GetBlockExist(int index) const;
-    int IsBlockExist() const; ///< Whether any block exists.
-    int IsCreatedBlockByIndex(int column, int row) const;
-    AREA_TYPE CheckAreaType(int x, int y) const;
-    AREA_TYPE CheckAreaType(int index) const;
-    int IsBlockOnMemory(int x, int y) const; ///< 1 for missing blocks.
-    int IsBlockOnMemory(int index) const;
-    int IsBlockAbsoluteProtect(int x, int y) const; ///< 1 for missing blocks.
-    int IsBlockAbsoluteProtect(int index) const;
-    int CheckBlockLock(int index) const;
-    int CheckBlockEdited(int index) const;
-    void ResetBlockEdited(int index);
-    /// The address of an absolutely protected block's memory, as its last lock gave it; null when there is none.
-    std::uint8_t* GetABSProtectAddress(int index) const;
-    /// As above by pixel; with pixel 1 the address of that very pixel.
-    std::uint8_t* GetABSProtectAddress(int x, int y, int pixel) const;
+    // ---- Freeing and protecting blocks
     int DestroyAllBlock(); ///< 1 when any block was freed.
     int DestroyAllBlock(int countEdit);
     int DestroyBlock(int index, int countEdit);
@@ -180,9 +126,6 @@ public:
     void SetProtectArea(const XCRect& rect);
     void ClearProtectArea();
     void SetProtectBlockArea(const XCRect& rect);
-    /// Bytes of the blocks (of the resident ones only when residentOnly is set). packed asks for delayed pixels' size.
-    std::uint64_t GetUsedMemory(int residentOnly, int packed) const;
-
     // ---- Locks
     /// With edit, missing blocks are created and blocks marked edited until the last Unlock. (-1, -1): no current
     /// pixel.
@@ -206,10 +149,10 @@ public:
     int GetCursorPosX() const { return m_cursor.x; }
     int GetCursorPosY() const { return m_cursor.y; }
     std::uint8_t* MoveCursor(int x, int y) {
-        return inCursorArea(x, y) ? MoveCursorFastest(x, y) : enterBlock(GetBlockIndex(x, y), x, y);
+        return m_cursorArea.holds(x, y) ? MoveCursorFastest(x, y) : enterBlock(GetBlockIndex(x, y), x, y);
     }
     std::uint8_t* MoveCursorFast(int x, int y) {
-        return inCursorArea(x, y) ? MoveCursorFastest(x, y) : enterBlock(GetBlockIndexFast(x, y), x, y);
+        return m_cursorArea.holds(x, y) ? MoveCursorFastest(x, y) : enterBlock(GetBlockIndexFast(x, y), x, y);
     }
     std::uint8_t* MoveCursorFastest(int x, int y) {
         m_cursor.x = x, m_cursor.y = y;
@@ -262,44 +205,6 @@ public:
     /// Erases r; blocks that r covers are released.
     void ClrRect(const tagRECT& r);
 
-    // ---- Settings
-    void GetClearColor(std::uint8_t* value) const;
-    void GetClearColor(std::uint32_t* colour) const;
-    void SetClearColor(std::uint8_t value) { m_clearByte = value; }     ///< Of 1-, 2- and 8-bit images.
-    void SetClearColor(std::uint32_t colour) { m_clearColor = colour; } ///< Of 16-, 24- and 32-bit images.
-    void SetClearColor(int value); ///< The byte up to 8 bits, else the colour, so that a plain number needs no cast.
-    void GetMaskColor(std::uint32_t* colour) const;
-    void SetMaskColor(std::uint32_t colour) { m_maskColor = colour; }
-    int IsEnableClear() const { return m_enableClear; } ///< Whether new blocks are cleared.
-    void EnableClear(int enable) { m_enableClear = enable; }
-    int GetTransparency() const { return m_transparency; }
-    void SetTransparency(int transparency) { m_transparency = transparency; }
-    int GetSpecialtyOffscr() const { return m_specialty; } ///< Kept for the caller.
-    void SetSpecialtyOffscr(int value) { m_specialty = value; }
-    int GetMonoBWThreshold() const { return m_rules.blackWhite; }
-    int GetMonoTransThreshold() const { return m_rules.transparency; }
-    void SetMonoBWThreshold(int threshold) { m_rules.blackWhite = threshold; }
-    void SetMonoTransThreshold(int threshold) { m_rules.transparency = threshold; }
-    int IsMonoBlack(int value) const { return value < m_rules.blackWhite; }
-    int IsMonoNotTrans(int value) const { return value > m_rules.transparency; }
-    static int IsMonoBlackDef(int value) { return value < ovw::vimage::cnDefaultBlackWhite; }
-    static int IsMonoNotTransDef(int value) { return value > ovw::vimage::cnDefaultTransparency; }
-    std::uint32_t GetIndexColor(int i) const; ///< 0 beyond 0 to 255.
-    void SetIndexColor(int i, std::uint32_t colour);
-    int IsLoadImage() const { return m_loadImage; } ///< Whether the pixels are all present.
-    void SetLoadImage(int loaded) { m_loadImage = loaded; }
-
-    // ---- Colour helpers
-    static std::uint8_t VXCOLORREFtoBYTE1(std::uint32_t colour);
-    static std::uint8_t VXCOLORREFtoBYTE2(std::uint32_t colour);
-    static std::uint8_t VXCOLORREFtoBYTE8(std::uint32_t colour);
-    static std::uint32_t BYTE1toVXCOLORREF(std::uint8_t value);
-    static std::uint32_t BYTE8toVXCOLORREF(std::uint8_t density);
-    static int IsEqualB(std::uint8_t a, std::uint8_t b, int margin);
-    static int IsEqualRGB(std::uint32_t c1, std::uint32_t c2, int margin);
-    static int IsEqualRGBA(std::uint32_t c1, std::uint32_t c2, int margin);
-    static int IsEqualRGBANoMargin(std::uint32_t c1, std::uint32_t c2);
-
     // ---- Ordered dither; the forms without a position use the cursor's. 1 = on.
     static const std::uint8_t* GetDitherTable256(); ///< 16 x 16 Bayer matrix, row by row.
     static int GetDitherValue255(int level, int x, int y);
@@ -318,64 +223,27 @@ protected:
     void releaseCurrentBlock();
     std::uint8_t* enterBlock(int index, int x, int y);
 
-    bool isInside(int x, int y) const {
-        return static_cast<std::uint32_t>(x) < static_cast<std::uint32_t>(m_width) &&
-               static_cast<std::uint32_t>(y) < static_cast<std::uint32_t>(m_height);
-    }
-    // The cursor area is the image's part of the current block, empty without one; steps out of it look for a new
-    // block.
-    bool inCursorColumns(int x) const { return inRange(x, m_cursorArea.left, m_cursorArea.right); }
-    bool inCursorRows(int y) const { return inRange(y, m_cursorArea.top, m_cursorArea.bottom); }
-    bool inCursorArea(int x, int y) const { return inCursorColumns(x) && inCursorRows(y); }
-    static bool inRange(int v, int first, int end) {
-        return static_cast<std::uint32_t>(v) - static_cast<std::uint32_t>(first) <
-               static_cast<std::uint32_t>(end - first);
-    }
     /// v + d, or v when the sum leaves 32 bits the image ends long before.
     static int moved(int v, int d);
-    // Addresses are taken modulo the block, so that no position can lead out of its memory.
-    std::uint8_t* addressIn(std::uint8_t* base, int x, int y) const {
-        return base + (y & cnBlockMask) * m_rowBytes + (((x & cnBlockMask) * m_depth) >> 3);
-    }
     std::uint8_t* placeCursor(int x, int y) {
         m_bitMask = static_cast<std::uint8_t>(m_firstBitMask >> (((x & cnBlockMask) * m_depth) & 7));
         return m_cursor.address = m_cursor.base ? addressIn(m_cursor.base, x, y) : nullptr;
     }
 
-    XCVirtualMemory* m_vm = nullptr;
-    int m_width = 0;
-    int m_height = 0;
-    int m_depth = 0;
-    double m_resolution = 0;
-    XCPoint m_offset;
-    int m_rowBytes = 0;
-    int m_blocksAcross = 0;
-    int m_blocksDown = 0;
-    XCTArray<XCVOffscreenBlock, 0> m_blocks;
     int m_lockCount = 0;
     int m_editMode = 0;
     int m_protectMode = 0;
     XCRect m_protectRect;
     XCVOffscreenCursor m_cursor;
+    ovw::vimage::CursorArea m_cursorArea;
     std::uint8_t m_bitMask = 0;      // of the cursor's pixel inside its byte, 1 and 2 bits
     std::uint8_t m_firstBitMask = 0; // of a byte's first pixel; 0 from 8 bits on
-    std::uint8_t m_clearByte = 0;
-    std::uint32_t m_clearColor = ovw::vimage::cnTransparentWhite;
-    std::uint32_t m_maskColor = ovw::vimage::cnTransparentWhite;
-    int m_enableClear = 1;
-    int m_transparency = ovw::vimage::cnOpaque;
-    int m_specialty = 0;
-    ovw::vimage::PixelRules m_rules;
-    int m_loadImage = 1;
     int m_editLockChecker = 0;
 
 private:
     friend class XCVOffscreenCache;
     struct Growth;
 
-    bool hasCell(int index) const { return index >= 0 && index < m_blocks.GetSize(); }
-    int cellIndex(int column, int row) const;
-    XCSwapBlock* swapBlockOf(int index) const;
     std::uint8_t* lockSwapBlock(XCSwapBlock* swapBlock, int edit, bool isNew);
     void createSwapBlock(int index);
     int freeCell(int index, int countEdit);
@@ -388,7 +256,6 @@ private:
     void dropCells(int droppedColumn, int droppedRow);
     void moveOrigin(int dx, int dy, bool findBlock);
 
-    XCRect m_cursorArea;
     bool m_lockedForEdit = false; // how the current block was locked
 };
 

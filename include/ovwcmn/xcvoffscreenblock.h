@@ -40,6 +40,19 @@ struct PixelRules {
     std::uint32_t indexColours[cnIndexColours] = {};
 };
 
+/// The image's part of the block under the cursor, empty without one: steps out of it look for a new block.
+struct CursorArea : XCRect {
+    bool hasColumn(int x) const { return isBetween(x, left, right); }
+    bool hasRow(int y) const { return isBetween(y, top, bottom); }
+    bool holds(int x, int y) const { return hasColumn(x) && hasRow(y); }
+
+private:
+    static bool isBetween(int v, int first, int end) {
+        const auto offset = static_cast<std::uint32_t>(v) - static_cast<std::uint32_t>(first);
+        return offset < static_cast<std::uint32_t>(end - first);
+    }
+};
+
 } // namespace ovw::vimage
 
 /// One cell of the grid. It does not own its swap block: the image frees it.

@@ -1,95 +1,10 @@
-// The state of single blocks: queries, freeing, the protect area.
+// Making, freeing and protecting single blocks.
 
-#include "ovwcmn/xcblockgetter.h"
 #include "ovwcmn/xcvirtualmemory.h"
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/storelocks.h"
 
 using ovw::vimage::librarySection;
-
-XCSwapBlock* XCVOffscreen::swapBlockOf(int index) const {
-    return hasCell(index) ? m_blocks[index].GetSwapBlock() : nullptr;
-}
-
-// ---- Queries. The state of a swap block is read under the store's lock: other threads may be evicting it.
-
-int XCVOffscreen::GetBlockExist(int x, int y) const { return GetBlockExist(GetBlockIndex(x, y)); }
-
-int XCVOffscreen::GetBlockExist(int index) const { return swapBlockOf(index) != nullptr; }
-
-int XCVOffscreen::IsBlockExist() const {
-    for (const XCVOffscreenBlock& cell : m_blocks)
-        if (cell.GetSwapBlock())
-            return 1;
-    return 0;
-}
-
-int XCVOffscreen::cellIndex(int column, int row) const {
-    const bool inside = column >= 0 && column < m_blocksAcross && row >= 0 && row < m_blocksDown;
-    return inside ? row * m_blocksAcross + column : -1;
-}
-
-int XCVOffscreen::IsCreatedBlockByIndex(int column, int row) const { return GetBlockExist(cellIndex(column, row)); }
-
-AREA_TYPE XCVOffscreen::CheckAreaType(int x, int y) const { return CheckAreaType(GetBlockIndex(x, y)); }
-
-AREA_TYPE XCVOffscreen::CheckAreaType(int index) const {
-    const XCSwapBlock* const swapBlock = swapBlockOf(index);
-    if (!swapBlock)
-        return AREA_NONE;
-    const XCCriticalSectionAutoLeave lock(&librarySection());
-    return swapBlock->IsEnable() ? AREA_DATA : AREA_EMPTY;
-}
-
-int XCVOffscreen::IsBlockOnMemory(int x, int y) const { return IsBlockOnMemory(GetBlockIndex(x, y)); }
-
-int XCVOffscreen::IsBlockOnMemory(int index) const {
-    const XCSwapBlock* const swapBlock = swapBlockOf(index);
-    const XCCriticalSectionAutoLeave lock(&librarySection());
-    return swapBlock ? swapBlock->IsOnMemory() : 1;
-}
-
-int XCVOffscreen::IsBlockAbsoluteProtect(int x, int y) const { return IsBlockAbsoluteProtect(GetBlockIndex(x, y)); }
-
-int XCVOffscreen::IsBlockAbsoluteProtect(int index) const {
-    const XCSwapBlock* const swapBlock = swapBlockOf(index);
-    return swapBlock ? swapBlock->IsAbsoluteProtect() : 1;
-}
-
-int XCVOffscreen::CheckBlockLock(int index) const {
-    const XCSwapBlock* const swapBlock = swapBlockOf(index);
-    const XCCriticalSectionAutoLeave lock(&librarySection());
-    return swapBlock ? swapBlock->IsLocked() : 0;
-}
-
-int XCVOffscreen::CheckBlockEdited(int index) const { return hasCell(index) ? m_blocks[index].IsEdited() : 0; }
-
-void XCVOffscreen::ResetBlockEdited(int index) {
-    if (hasCell(index))
-        m_blocks[index].ResetEditCounter();
-}
-
-std::uint8_t* XCVOffscreen::GetABSProtectAddress(int index) const {
-    const XCSwapBlock* const swapBlock = swapBlockOf(index);
-    const XCCriticalSectionAutoLeave lock(&librarySection());
-    return swapBlock ? static_cast<std::uint8_t*>(swapBlock->GetProtectAddress()) : nullptr;
-}
-
-std::uint8_t* XCVOffscreen::GetABSProtectAddress(int x, int y, int pixel) const {
-    std::uint8_t* const base = GetABSProtectAddress(GetBlockIndex(x, y));
-    return pixel == 1 ? SetCurrentCursorAddress(x, y, base) : base;
-}
-
-std::uint64_t XCVOffscreen::GetUsedMemory(int residentOnly, int /*packed*/) const {
-    const XCCriticalSectionAutoLeave lock(&librarySection());
-    std::uint64_t bytes = 0;
-    for (const XCVOffscreenBlock& cell : m_blocks) {
-        const XCSwapBlock* const swapBlock = cell.GetSwapBlock();
-        if (swapBlock && (!residentOnly || swapBlock->IsOnMemory()))
-            bytes += swapBlock->GetSize();
-    }
-    return bytes;
-}
 
 // ---- Making and freeing
 

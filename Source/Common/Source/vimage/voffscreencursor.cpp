@@ -128,12 +128,12 @@ int XCVOffscreen::moved(int v, int d) {
 
 std::uint8_t* XCVOffscreen::NextCursorY() {
     const int y = moved(m_cursor.y, 1);
-    return inCursorRows(y) ? NextCursorYFastest() : enterBlock(GetBlockIndex(m_cursor.x, y), m_cursor.x, y);
+    return m_cursorArea.hasRow(y) ? NextCursorYFastest() : enterBlock(GetBlockIndex(m_cursor.x, y), m_cursor.x, y);
 }
 
 std::uint8_t* XCVOffscreen::PrevCursorY() {
     const int y = moved(m_cursor.y, -1);
-    return inCursorRows(y) ? PrevCursorYFastest() : enterBlock(GetBlockIndex(m_cursor.x, y), m_cursor.x, y);
+    return m_cursorArea.hasRow(y) ? PrevCursorYFastest() : enterBlock(GetBlockIndex(m_cursor.x, y), m_cursor.x, y);
 }
 
 std::uint8_t* XCVOffscreen::SetCurrentCursorAddressFake32(int x, int y) const {

@@ -2,11 +2,13 @@
 
 #include "ovwcmn/xcvoffscreen.h"
 
-XCBlockGetter::XCBlockGetter(const XCVOffscreen* image, const XCRect& rect, int clip) {
-    const XCRect whole = image->GetRect();
+XCBlockGetter::XCBlockGetter(const XCVOffscreen* image, const XCRect& rect, int clip)
+    : XCBlockGetter(image->GetRect(), rect, clip) {}
+
+XCBlockGetter::XCBlockGetter(const XCRect& image, const XCRect& rect, int clip) {
     XCRect met;
-    met.IntersectRect(whole, rect);
-    m_clip = clip ? met : whole;
+    met.IntersectRect(image, rect);
+    m_clip = clip ? met : image;
     if (met.IsRectEmpty())
         return;
     m_firstColumn = m_column = met.left >> XCVOffscreen::cnBlockShift;

@@ -1,0 +1,99 @@
+#ifndef OVWCMN_XCVOFFSCREENGRID_H
+#define OVWCMN_XCVOFFSCREENGRID_H
+
+/// @file
+/// The grid of a tiled image: its size, its blocks and what can be asked of them. Part of XCVOffscreen.
+
+#include "ovwcmn/ovwdefs.h"
+#include "ovwcmn/xcarray.h"
+#include "ovwcmn/xcvoffscreenblock.h"
+#include "ovwcmn/xcvoffscreensettings.h"
+
+#include <cstdint>
+
+class XCSwapBlock;
+class XCVirtualMemory;
+class XCVOffscreen;
+
+/// The part of a tiled image that asking does not change: nothing here locks, loads or creates a block. Coordinates are
+/// pixels of the image; block indexes go row by row. Throws nothing, but lists throw 8 when memory runs out.
+class OVWCMN_API XCVOffscreenGrid : public XCVOffscreenSettings {
+public:
+    static constexpr int cnBlockShift = 8;
+    static constexpr int cnBlockSize = 1 << cnBlockShift;
+    static constexpr int cnBlockMask = cnBlockSize - 1;
+
+    int GetWidth() const { return m_width; }
+    int GetHeight() const { return m_height; }
+    XCRect GetRect() const { return XCRect(0, 0, m_width, m_height); }
+    XCVirtualMemory* GetVirtualMemory() const { return m_vm; }
+    /// The result is across x down; either pointer may be null.
+    int GetBlockCount(int* across, int* down) const;
+    int GetHBlockCount() const { return m_blocksAcross; }
+    int GetVBlockCount() const { return m_blocksDown; }
+    int GetBlockRowBytes() const { return m_rowBytes; }
+    /// -1 outside the image.
+    int GetBlockIndex(int x, int y) const { return isInside(x, y) ? GetBlockIndexFast(x, y) : -1; }
+    int GetBlockIndexFast(int x, int y) const { return (y >> cnBlockShift) * m_blocksAcross + (x >> cnBlockShift); }
+    /// The whole block, not clipped to the image; empty outside the grid.
+    XCRect GetBlockRect(int index) const;
+    /// The inclusive ranges of the blocks that rect meets. Result: their number; 0 leaves the ranges alone.
+    int GetBlockAreaIndex(const XCRect& rect, int& firstColumn, int& lastColumn, int& firstRow, int& lastRow) const;
+    /// Whether the block meets rect; *out (may be null) becomes the intersection when clip is 1, else the whole block.
+    int GetBlockArea(const XCRect& rect, int index, tagRECT* out, int clip) const;
+    /// The blocks that rect meets in the image, row by row: whole blocks, or with clip 1 their parts in rect and image.
+    int GetBlockArea(const XCRect& rect, XCTArray<tagRECT, 0>& list, int clip) const;
+    /// A coordinate of this image in the pixels of other, by their resolutions, truncated toward zero.
+    int ConvertPointX(const XCVOffscreen* other, int x) const;
+    int ConvertPointY(const XCVOffscreen* other, int y) const;
+
+    // ---- Blocks. Outside the grid or image the answer is that of a block that is missing.
+    int GetBlockExist(int x, int y) const;
+    int GetBlockExist(int index) const;
+    int IsBlockExist() const; ///< Whether any block exists.
+    int IsCreatedBlockByIndex(int column, int row) const;
+    AREA_TYPE CheckAreaType(int x, int y) const;
+    AREA_TYPE CheckAreaType(int index) const;
+    int IsBlockOnMemory(int x, int y) const; ///< 1 for missing blocks.
+    int IsBlockOnMemory(int index) const;
+    int IsBlockAbsoluteProtect(int x, int y) const; ///< 1 for missing blocks.
+    int IsBlockAbsoluteProtect(int index) const;
+    int CheckBlockLock(int index) const;
+    int CheckBlockEdited(int index) const;
+    void ResetBlockEdited(int index);
+    /// The address of an absolutely protected block's memory, as its last lock gave it; null when there is none.
+    std::uint8_t* GetABSProtectAddress(int index) const;
+    /// As above by pixel; with pixel 1 the address of that very pixel.
+    std::uint8_t* GetABSProtectAddress(int x, int y, int pixel) const;
+    /// Bytes of the blocks (of the resident ones only when residentOnly is set). packed asks for delayed pixels' size.
+    std::uint64_t GetUsedMemory(int residentOnly, int packed) const;
+
+protected:
+    XCVOffscreenGrid() = default;
+    XCVOffscreenGrid(const XCVOffscreenGrid&) = delete;
+    XCVOffscreenGrid& operator=(const XCVOffscreenGrid&) = delete;
+    ~XCVOffscreenGrid() = default;
+
+    bool isInside(int x, int y) const {
+        return static_cast<std::uint32_t>(x) < static_cast<std::uint32_t>(m_width) &&
+               static_cast<std::uint32_t>(y) < static_cast<std::uint32_t>(m_height);
+    }
+    bool hasCell(int index) const { return index >= 0 && index < m_blocks.GetSize(); }
+    int cellIndex(int column, int row) const;
+    XCSwapBlock* swapBlockOf(int index) const;
+
+    // Addresses are taken modulo the block, so that no position can lead out of its memory.
+    std::uint8_t* addressIn(std::uint8_t* base, int x, int y) const {
+        return base + (y & cnBlockMask) * m_rowBytes + (((x & cnBlockMask) * m_depth) >> 3);
+    }
+
+    XCVirtualMemory* m_vm = nullptr;
+    int m_width = 0;
+    int m_height = 0;
+    int m_rowBytes = 0;
+    int m_blocksAcross = 0;
+    int m_blocksDown = 0;
+    XCTArray<XCVOffscreenBlock, 0> m_blocks;
+};
+
+#endif // OVWCMN_XCVOFFSCREENGRID_H
