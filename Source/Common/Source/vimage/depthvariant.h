@@ -215,14 +215,14 @@ std::uint8_t* DepthVariant<Format>::PrevCursorXFastest() {
 template <class Format>
 std::uint8_t* DepthVariant<Format>::NextCursorX() {
     const int x = moved(m_cursor.x, 1);
-    return inCursorColumns(x) ? DepthVariant::NextCursorXFastest()
+    return m_cursorArea.hasColumn(x) ? DepthVariant::NextCursorXFastest()
                               : enterBlock(GetBlockIndex(x, m_cursor.y), x, m_cursor.y);
 }
 
 template <class Format>
 std::uint8_t* DepthVariant<Format>::PrevCursorX() {
     const int x = moved(m_cursor.x, -1);
-    return inCursorColumns(x) ? DepthVariant::PrevCursorXFastest()
+    return m_cursorArea.hasColumn(x) ? DepthVariant::PrevCursorXFastest()
                               : enterBlock(GetBlockIndex(x, m_cursor.y), x, m_cursor.y);
 }
 
