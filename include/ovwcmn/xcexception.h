@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <exception>
 #include <memory>
-#include <source_location>
 
 class XCFilePath;
 class XCString;
@@ -18,6 +17,17 @@ class XCStringResource;
 class XCWideString;
 
 namespace ovw::foundation {
+
+/// Where a call stands. As a default argument, current() is the caller's place; std::source_location would say the
+/// same, but clang 14 does not find it in the libraries of g++.
+struct SourcePlace {
+    const char* file;
+    int line;
+
+    static constexpr SourcePlace current(const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
+        return {file, line};
+    }
+};
 
 class StringTables;
 
@@ -112,12 +122,13 @@ public:
                 const char* p3 = "", const char* p4 = "", const char* p5 = "");
     explicit XCException(int code, std::uint32_t alertID = ovw::foundation::cnAlertFromCode, const char* p1 = "",
                          const char* p2 = "", const char* p3 = "", const char* p4 = "", const char* p5 = "",
-                         std::source_location where = std::source_location::current());
+                         ovw::foundation::SourcePlace where = ovw::foundation::SourcePlace::current());
     XCException(const char* file, int line, int code, const XCAlert& alert);
-    XCException(int code, const XCAlert& alert, std::source_location where = std::source_location::current());
+    XCException(int code, const XCAlert& alert,
+                ovw::foundation::SourcePlace where = ovw::foundation::SourcePlace::current());
     /// Code -1: the exception carries only the alert, whose text comes from `resource`.
     XCException(XCStringResource* resource, const XCAlert& alert,
-                std::source_location where = std::source_location::current());
+                ovw::foundation::SourcePlace where = ovw::foundation::SourcePlace::current());
     XCException(const XCException&) = default;
     XCException& operator=(const XCException&) = default;
     ~XCException() override;
@@ -155,16 +166,16 @@ private:
 [[noreturn]] OVWCMN_API void xcThrowError(int code, std::uint32_t alertID = ovw::foundation::cnAlertFromCode,
                                           const char* p1 = "", const char* p2 = "", const char* p3 = "",
                                           const char* p4 = "", const char* p5 = "",
-                                          std::source_location where = std::source_location::current());
+                                          ovw::foundation::SourcePlace where = ovw::foundation::SourcePlace::current());
 [[noreturn]] OVWCMN_API void xcThrowError(int code, const XCAlert& alert,
-                                          std::source_location where = std::source_location::current());
+                                          ovw::foundation::SourcePlace where = ovw::foundation::SourcePlace::current());
 /// Code -1: the exception carries only the alert, whose text comes from `resource`.
 [[noreturn]] OVWCMN_API void xcThrowError(XCStringResource* resource, const XCAlert& alert,
-                                          std::source_location where = std::source_location::current());
+                                          ovw::foundation::SourcePlace where = ovw::foundation::SourcePlace::current());
 [[noreturn]] OVWCMN_API void xcThrowError(XCStringResource* resource, std::uint32_t alertID, const char* p1 = "",
                                           const char* p2 = "", const char* p3 = "", const char* p4 = "",
                                           const char* p5 = "",
-                                          std::source_location where = std::source_location::current());
+                                          ovw::foundation::SourcePlace where = ovw::foundation::SourcePlace::current());
 /// @}
 
 /// Asks whether the user wants to stop: the callback if one is set, else the utility library's abort requests.

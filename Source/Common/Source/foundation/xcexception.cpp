@@ -21,20 +21,20 @@ XCException::XCException(const char* file, int line, int code, std::uint32_t ale
 }
 
 XCException::XCException(int code, std::uint32_t alertID, const char* p1, const char* p2, const char* p3,
-                         const char* p4, const char* p5, std::source_location where)
-    : XCException(where.file_name(), static_cast<int>(where.line()), code, alertID, p1, p2, p3, p4, p5) {}
+                         const char* p4, const char* p5, SourcePlace where)
+    : XCException(where.file, where.line, code, alertID, p1, p2, p3, p4, p5) {}
 
 XCException::XCException(const char* file, int line, int code, const XCAlert& alert) : m_code(code), m_alert(alert) {
     setPlace(file, line);
     describe();
 }
 
-XCException::XCException(int code, const XCAlert& alert, std::source_location where)
-    : XCException(where.file_name(), static_cast<int>(where.line()), code, alert) {}
+XCException::XCException(int code, const XCAlert& alert, SourcePlace where)
+    : XCException(where.file, where.line, code, alert) {}
 
-XCException::XCException(XCStringResource* resource, const XCAlert& alert, std::source_location where)
+XCException::XCException(XCStringResource* resource, const XCAlert& alert, SourcePlace where)
     : m_code(cnCodeNone), m_alert(alert), m_resource(resource) {
-    setPlace(where.file_name(), static_cast<int>(where.line()));
+    setPlace(where.file, where.line);
     describe();
 }
 
@@ -52,18 +52,18 @@ void XCException::describe() noexcept {
 }
 
 void xcThrowError(int code, std::uint32_t alertID, const char* p1, const char* p2, const char* p3, const char* p4,
-                  const char* p5, std::source_location where) {
+                  const char* p5, SourcePlace where) {
     throw XCException(code, alertID, p1, p2, p3, p4, p5, where);
 }
 
-void xcThrowError(int code, const XCAlert& alert, std::source_location where) { throw XCException(code, alert, where); }
+void xcThrowError(int code, const XCAlert& alert, SourcePlace where) { throw XCException(code, alert, where); }
 
-void xcThrowError(XCStringResource* resource, const XCAlert& alert, std::source_location where) {
+void xcThrowError(XCStringResource* resource, const XCAlert& alert, SourcePlace where) {
     throw XCException(resource, alert, where);
 }
 
 void xcThrowError(XCStringResource* resource, std::uint32_t alertID, const char* p1, const char* p2, const char* p3,
-                  const char* p4, const char* p5, std::source_location where) {
+                  const char* p4, const char* p5, SourcePlace where) {
     XCAlert alert;
     alert.SetAlertID(alertID, cnCodeNone, p1, p2, p3, p4, p5);
     throw XCException(resource, alert, where);
