@@ -63,6 +63,9 @@ Layout chooseLayout(const DrawOptions& options, const InkSurvey& survey, const B
     }
 }
 
+/// The library's brushes do not paint into images of 16 bits, grey with coverage: those are painted in 32.
+int paintingDepth(int depth) { return depth == 16 ? 32 : depth; }
+
 /// A picture without transparency cannot be erased to nothing: there the eraser paints the paper's white.
 Brush adaptToDepth(Brush brush, int depth) {
     constexpr int cnMethodNormal = 1;
@@ -119,7 +122,7 @@ void drawPicture(const DrawOptions& options) {
     const Layout layout = chooseLayout(options, survey, chosen);
     OutputFile output(options.output); // before the work, so that a bad path is known at once
     const Store store(options.memory, options.swapFolder);
-    Canvas canvas(layout.width, layout.height, options.depth, chooseBackground(options, chosen),
+    Canvas canvas(layout.width, layout.height, paintingDepth(options.depth), chooseBackground(options, chosen),
                   chosen.method.useCache != 0);
     xcSetRandomSeed(options.seed);
     {
@@ -127,7 +130,7 @@ void drawPicture(const DrawOptions& options) {
         paint(document, painter, layout.mapping(Painter::cnUnitsPerPixel), options.joining, progress,
               survey.sampleCount);
     }
-    writePng(canvas, output, progress);
+    writePng(canvas, options.depth, output, progress);
     output.commit();
 }
 

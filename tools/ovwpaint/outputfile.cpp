@@ -52,7 +52,7 @@ OutputFile::OutputFile(const std::string& path) : m_path(path) {
             fail(errno);
         return;
     }
-    const std::filesystem::path followed = std::filesystem::weakly_canonical(path, ignored);
+    const std::filesystem::path followed = std::filesystem::canonical(path, ignored);
     m_target = followed.empty() ? path : followed.string();
     openBeside();
 }

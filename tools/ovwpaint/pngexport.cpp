@@ -194,8 +194,8 @@ private:
 
 } // namespace
 
-void writePng(Canvas& canvas, OutputFile& file, Progress& progress) {
-    const PixelForm& form = formOf(canvas.depth());
+void writePng(Canvas& canvas, int depth, OutputFile& file, Progress& progress) {
+    const PixelForm& form = formOf(depth);
     PngWriter writer(file);
     writer.begin(canvas, form);
     BandReader band(canvas, form);

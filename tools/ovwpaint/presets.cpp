@@ -47,6 +47,7 @@ void makePencil(Brush& brush) {
     brush.hardness.hardness = 200;
     setSpacing(brush, 25);
     setMethod(brush, cnMethodNormal, cnCacheOver);
+    brush.method.lowDepthSoft = 1;
 }
 
 void makeMarker(Brush& brush) {
@@ -55,6 +56,7 @@ void makeMarker(Brush& brush) {
     brush.color.opacity = 150;
     setSpacing(brush, 5);
     setMethod(brush, cnMethodNormal, cnCacheMaximum);
+    brush.method.lowDepthSoft = 1;
 }
 
 void makeAirbrush(Brush& brush) {
@@ -66,6 +68,7 @@ void makeAirbrush(Brush& brush) {
     brush.airbrush.plotCountAtFull = 6;
     setSpacing(brush, 12);
     setMethod(brush, cnMethodNormal, cnCacheOver);
+    brush.method.lowDepthSoft = 1;
 }
 
 void makeEraser(Brush& brush) {

@@ -13,7 +13,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
+#include <iomanip>
 #include <iostream>
 #include <limits>
 #include <new>
@@ -31,6 +33,10 @@ constexpr const char* cnDrawFooter =
     "one or both, the drawing is fitted into the picture; with --scale as well, it is centred at that scale. The "
     "brush\n"
     "grows with the drawing.\n"
+    "\n"
+    "Depth: pictures of 16 bits are painted in colour and turned grey at the end, since brushes do not paint into "
+    "such\n"
+    "images. Brushes with lowDepthSoft dither at 1 and 2 bits, others paint solid.\n"
     "\n"
     "Background: white; for the eraser (and for brushes of methodKind 2) black ink, so that there is something to "
     "take\n"
@@ -62,6 +68,15 @@ std::vector<std::string> presetNames() {
 
 std::string checkColour(const std::string& text) {
     return parseColour(text) ? "" : "\"" + text + "\" is no colour: give #RRGGBB, #RRGGBBAA or one of " + colourNames();
+}
+
+/// The comparison is written so that "nan" fails it.
+std::string checkScale(const std::string& text) {
+    char* end = nullptr;
+    const double scale = std::strtod(text.c_str(), &end);
+    if (*end == '\0' && scale >= 1.0 / cnMaxScale && scale <= cnMaxScale)
+        return "";
+    return "\"" + text + "\" is no factor from 0.001 to 1000";
 }
 
 /// The command line as CLI11 knows it, and what it filled in.
@@ -113,7 +128,7 @@ void CommandLine::addPictureOptions() {
         ->check(CLI::Range(1, cnMaxSide))
         ->type_name("N");
     draw->add_option("--scale", options.size.scale, "Enlarge drawing and brush by this factor")
-        ->check(CLI::Range(1.0 / cnMaxScale, cnMaxScale))
+        ->check(CLI::Validator(checkScale, ""))
         ->type_name("F");
     draw->add_option("--background", background, "Colour of the page (see below)")
         ->check(CLI::Validator(checkColour, ""))
@@ -178,6 +193,12 @@ int report(std::string message, int code) {
     return code;
 }
 
+int reportLibraryError(const XCException& error) {
+    constexpr int cnCodeNoMemory = 8;
+    const std::string hint = error.GetErrorCode() == cnCodeNoMemory ? " (a larger --memory may help)" : "";
+    return report(error.what() + hint, cnExitFailure);
+}
+
 int parseAndRun(int argc, const char* const* argv) {
     CommandLine line;
     try {
@@ -199,7 +220,7 @@ int runProgram(int argc, const char* const* argv) noexcept {
     } catch (const Interrupted&) {
         return report("interrupted", cnExitInterrupted);
     } catch (const XCException& error) {
-        return report(error.what(), cnExitFailure);
+        return reportLibraryError(error);
     } catch (const std::bad_alloc&) {
         return report("not enough memory", cnExitFailure);
     } catch (const std::exception& error) {
