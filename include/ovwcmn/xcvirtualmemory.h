@@ -21,8 +21,8 @@ class OVWCMN_API XCVMHandlePool {
 public:
     static constexpr std::uint32_t cnPoolBytes = 0x100000;
 
-    /// Takes `memory`, a movable block of cnPoolBytes, over.
-    XCVMHandlePool(VXHANDLE memory, std::uint32_t unitSize);
+    /// Takes `memory`, a movable block of cnPoolBytes, over; `isFresh` when nobody has touched it yet.
+    XCVMHandlePool(VXHANDLE memory, std::uint32_t unitSize, bool isFresh);
     ~XCVMHandlePool();
     XCVMHandlePool(const XCVMHandlePool&) = delete;
     XCVMHandlePool& operator=(const XCVMHandlePool&) = delete;
@@ -46,6 +46,7 @@ private:
     std::uint32_t m_nUnitSize;
     std::uint32_t m_nSlots;
     std::uint32_t m_nFree;
+    std::uint32_t m_nFresh; // slots below have never been taken
     std::uint8_t m_arrFree[cnMaxSlots];
     XCSwapBlock* m_arrOwner[cnMaxSlots];
     int m_nLockCount = 0;
@@ -98,10 +99,12 @@ private:
     std::unique_ptr<ovw::vimage::NodeList<XCVMCacheListItem>> m_pResident;
 };
 
-/// The block store that images keep their pixels in. Owns budget, pools, swap file and blocks. Failures are thrown as
-/// XCException: 8 when memory or budget is short, 39 when the volume of the swap file is full, 0x200132C8 and
-/// 0x200132C9 when the swap file cannot be made. One store may be used from several threads: "Takes: both" means the
-/// library-wide critical section and then the store's own. A block itself belongs to one thread at a time.
+/// The block store that images keep their pixels in. Owns budget, pools, swap file and blocks; of the memory that
+/// eviction frees it keeps up to 64 pools within the budget for the next blocks, which spares the system clearing new
+/// pages. Failures are thrown as XCException: 8 when memory or budget is short, 39 when the volume of the swap file is
+/// full, 0x200132C8 and 0x200132C9 when the swap file cannot be made. One store may be used from several threads:
+/// "Takes: both" means the library-wide critical section and then the store's own. A block itself belongs to one thread
+/// at a time.
 class OVWCMN_API XCVirtualMemory {
 public:
     XCVirtualMemory();
@@ -164,9 +167,9 @@ private:
     void allocPooled(PoolClass& pools, std::uint32_t size, XCVMHandle& handle);
     void freePooled(const XCVMHandle& handle);
     void allocResidentMemory(std::uint32_t size, XCVMHandle& handle);
-    VXHANDLE takeMemory(std::uint32_t size);
+    VXHANDLE takeMemory(std::uint32_t size, bool& isFresh);
     void giveMemory(VXHANDLE memory) noexcept;
-    void dropSpareMemory();
+    void trimSpareMemory(std::int64_t bytes);
     void makeResident(XCSwapBlock* block, int* wasRead);
     void readBack(XCSwapBlock* block, const XCVMHandle& memory);
     void createSwapFile(std::uint32_t& size, XCFilePath* folder, int cleanup);
@@ -177,7 +180,7 @@ private:
     std::uint32_t m_nMinimumUnitSize = cnDefaultPageSize;
     XCVMCache m_cache;
     std::array<PoolClass, cnSizeClasses> m_arrPools;
-    std::vector<VXHANDLE> m_arrSpare; // freed in this operation, for its own allocation
+    std::vector<VXHANDLE> m_arrSpare; // see Recycling
     int m_nRecycling = 0;             // operations under way that recycle memory
     std::unique_ptr<XCCriticalSection> m_pSection;
 };

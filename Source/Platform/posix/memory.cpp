@@ -67,6 +67,14 @@ void* resizePageBlock(void* memory, std::size_t oldBytes, std::size_t newBytes) 
     return moved == MAP_FAILED ? nullptr : moved;
 }
 
+void prefaultMemory([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t bytes) {
+#if defined(MADV_POPULATE_WRITE)
+    const auto address = reinterpret_cast<std::uintptr_t>(memory);
+    const std::uintptr_t begin = address & ~(pageSize() - 1);
+    ::madvise(reinterpret_cast<void*>(begin), wholePages(address + bytes - begin), MADV_POPULATE_WRITE);
+#endif
+}
+
 void forbidAccess([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t bytes) {
 #if defined(__SANITIZE_ADDRESS__)
     ASAN_POISON_MEMORY_REGION(memory, bytes);

@@ -21,7 +21,7 @@ constexpr int cnErrorNoSwapName = 0x200132C9;
 constexpr int cnNoMemory = ovw::platform::cnErrorNotEnoughMemory;
 constexpr int cnMaxRetries = 10;
 constexpr char cnSwapPrefix[] = "SWP";
-constexpr std::size_t cnMaxSpares = 16;
+constexpr std::size_t cnMaxSpares = 64;
 
 constexpr std::uint32_t cnPooledSizes[] = {8192, 16384, 65536, 131072, 262144};
 
@@ -59,7 +59,7 @@ public:
     explicit Recycling(XCVirtualMemory& store) : m_store(store) { ++m_store.m_nRecycling; }
     ~Recycling() {
         if (--m_store.m_nRecycling == 0)
-            m_store.dropSpareMemory();
+            m_store.trimSpareMemory(m_store.m_cache.GetMarginSize());
     }
     Recycling(const Recycling&) = delete;
     Recycling& operator=(const Recycling&) = delete;
@@ -113,6 +113,7 @@ void XCVirtualMemory::createSwapFile(std::uint32_t& size, XCFilePath* folder, in
 void XCVirtualMemory::Destroy() {
     const StoreLocks locks(m_pSection.get());
     m_cache.Destroy();
+    trimSpareMemory(0);
     m_pSwap->Destroy();
     m_nPhysicalSize.store(0, std::memory_order_relaxed);
     m_nPageSize = m_nMinimumUnitSize = cnDefaultPageSize;
@@ -163,6 +164,7 @@ void XCVirtualMemory::Free(XCSwapBlock* block) {
 
 int XCVirtualMemory::Purge(XCSwapBlock* block) {
     const StoreLocks locks(m_pSection.get());
+    const Recycling recycling(*this);
     return orNoMemory([&] { return m_cache.Purge(m_pSwap.get(), block); });
 }
 
@@ -209,10 +211,11 @@ void XCVirtualMemory::allocResidentMemory(std::uint32_t size, XCVMHandle& handle
 int XCVirtualMemory::AllocHandle(std::uint32_t size, XCVMHandle& handle) {
     const StoreLocks locks(m_pSection.get());
     return orNoMemory([&] {
+        bool isFresh = false;
         if (PoolClass* const pools = poolClassOf(size))
             allocPooled(*pools, size, handle);
         else
-            handle = {nullptr, 0, takeMemory(size), size};
+            handle = {nullptr, 0, takeMemory(size, isFresh), size};
         return 1;
     });
 }
@@ -253,8 +256,9 @@ void XCVirtualMemory::allocPooled(PoolClass& pools, std::uint32_t size, XCVMHand
     if (pools.firstFree == pools.pools.size()) {
         pools.pools.reserve(pools.pools.size() + 1);
         const auto dropMemory = [](VXHANDLE memory) { vxFree(memory); };
-        std::unique_ptr<VXHANDLE__, decltype(dropMemory)> memory(takeMemory(XCVMHandlePool::cnPoolBytes));
-        pools.pools.push_back(std::make_unique<XCVMHandlePool>(memory.get(), size));
+        bool isFresh = false;
+        std::unique_ptr<VXHANDLE__, decltype(dropMemory)> memory(takeMemory(XCVMHandlePool::cnPoolBytes, isFresh));
+        pools.pools.push_back(std::make_unique<XCVMHandlePool>(memory.get(), size, isFresh));
         memory.release();
     }
     XCVMHandlePool* const pool = pools.pools[pools.firstFree].get();
@@ -275,10 +279,11 @@ void XCVirtualMemory::freePooled(const XCVMHandle& handle) {
 }
 
 /// Memory of exactly that size, recycled if possible. Throws the code that the allocation reports.
-VXHANDLE XCVirtualMemory::takeMemory(std::uint32_t size) {
+VXHANDLE XCVirtualMemory::takeMemory(std::uint32_t size, bool& isFresh) {
     const auto fits = [size](VXHANDLE memory) { return vxGetHandleSize(memory) == size; };
     const auto spare = std::find_if(m_arrSpare.begin(), m_arrSpare.end(), fits);
-    if (spare != m_arrSpare.end()) {
+    isFresh = spare == m_arrSpare.end();
+    if (!isFresh) {
         const VXHANDLE memory = *spare;
         m_arrSpare.erase(spare);
         return memory;
@@ -286,7 +291,7 @@ VXHANDLE XCVirtualMemory::takeMemory(std::uint32_t size) {
     int status = 0;
     VXHANDLE memory = vxAlloc(size, 0, &status);
     if (!memory && !m_arrSpare.empty()) {
-        dropSpareMemory();
+        trimSpareMemory(0);
         memory = vxAlloc(size, 0, &status);
     }
     if (!memory)
@@ -295,16 +300,22 @@ VXHANDLE XCVirtualMemory::takeMemory(std::uint32_t size) {
 }
 
 void XCVirtualMemory::giveMemory(VXHANDLE memory) noexcept {
-    if (m_nRecycling == 0 || m_arrSpare.size() == m_arrSpare.capacity())
+    if (m_nRecycling == 0 || m_arrSpare.size() == cnMaxSpares)
         vxFree(memory);
     else
         m_arrSpare.push_back(memory);
 }
 
-void XCVirtualMemory::dropSpareMemory() {
+/// Frees spare memory until at most so many bytes are left.
+void XCVirtualMemory::trimSpareMemory(std::int64_t bytes) {
+    std::int64_t left = 0;
     for (const VXHANDLE memory : m_arrSpare)
-        vxFree(memory);
-    m_arrSpare.clear();
+        left += vxGetHandleSize(memory);
+    while (!m_arrSpare.empty() && left > bytes) {
+        left -= vxGetHandleSize(m_arrSpare.back());
+        vxFree(m_arrSpare.back());
+        m_arrSpare.pop_back();
+    }
 }
 
 std::uint32_t XCVirtualMemory::GetFreePhysicalMemorySize() const {

@@ -1,5 +1,7 @@
 #include "ovwcmn/xcvirtualmemory.h"
 
+#include "Platform/memory.h"
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -13,9 +15,10 @@ void XCVMHandle::Unlock() const {
         vxUnlock(m_hOwn);
 }
 
-XCVMHandlePool::XCVMHandlePool(VXHANDLE memory, std::uint32_t unitSize)
+XCVMHandlePool::XCVMHandlePool(VXHANDLE memory, std::uint32_t unitSize, bool isFresh)
     : m_hMemory(memory), m_nUnitSize(unitSize),
-      m_nSlots(std::min(cnPoolBytes / unitSize, static_cast<std::uint32_t>(cnMaxSlots))), m_nFree(m_nSlots) {
+      m_nSlots(std::min(cnPoolBytes / unitSize, static_cast<std::uint32_t>(cnMaxSlots))), m_nFree(m_nSlots),
+      m_nFresh(isFresh ? m_nSlots : 0) {
     for (std::uint32_t slot = 0; slot < m_nSlots; ++slot)
         m_arrFree[slot] = static_cast<std::uint8_t>(slot);
     std::fill(std::begin(m_arrOwner), std::end(m_arrOwner), nullptr);
@@ -25,7 +28,16 @@ XCVMHandlePool::~XCVMHandlePool() { vxFree(m_hMemory); }
 
 VXHANDLE XCVMHandlePool::DetachMemory() { return std::exchange(m_hMemory, nullptr); }
 
-std::uint32_t XCVMHandlePool::TakeSlot() { return m_arrFree[--m_nFree]; }
+std::uint32_t XCVMHandlePool::TakeSlot() {
+    const std::uint32_t slot = m_arrFree[--m_nFree];
+    // Slots that were taken before lie above the others on the stack, so fresh ones come in descending order.
+    if (slot < m_nFresh) {
+        m_nFresh = slot;
+        ovw::platform::prefaultMemory(Lock(slot), m_nUnitSize);
+        Unlock();
+    }
+    return slot;
+}
 
 void XCVMHandlePool::ReturnSlot(std::uint32_t slot) {
     m_arrOwner[slot] = nullptr;
