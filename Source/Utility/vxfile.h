@@ -49,6 +49,9 @@ int vxChangeFileName(const char* from, const char* to, int* error);
 /// that fails leaves no half-written target.
 int vxCopyFile(const char* from, const char* to, int failIfExists, int* error);
 
+/// The target of a Windows shortcut file (.lnk).
+int vxwGetShortcutLink(const char* path, std::string& target);
+
 // The parts of a path, separated by "\" outside double-byte characters, and also by "/" in a path of the system's own
 // form, which begins with one. No file is looked at.
 

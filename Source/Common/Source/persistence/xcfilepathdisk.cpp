@@ -13,7 +13,8 @@
 #include "persistence/filetime.h"
 #include "persistence/pathtext.h"
 
-#include <new>
+#include <string>
+#include <utility>
 
 namespace platform = ovw::platform;
 using ovw::persistence::text;
@@ -91,6 +92,23 @@ void XCFilePath::setAttribute(std::uint32_t bit, int on) {
         vxSetLastError(code);
         xcThrowError(code);
     }
+}
+
+int XCFilePath::IsAliasFile(int* isFolder) const {
+    const int isAlias = IsExtensionFile("lnk");
+    if (isFolder) {
+        XCFilePath target(*this);
+        *isFolder = isAlias && target.ResolveAliasFile() ? target.IsFolder() : 0;
+    }
+    return isAlias;
+}
+
+int XCFilePath::ResolveAliasFile() {
+    std::string target;
+    if (!vxwGetShortcutLink(m_strPath.GetStr(), target))
+        return 0;
+    m_strPath = target.c_str();
+    return 1;
 }
 
 int XCFilePath::IsFileType(std::uint32_t) const { return 0; }
