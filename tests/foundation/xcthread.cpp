@@ -1,0 +1,220 @@
+#include "ovwcmn/xcthread.h"
+
+#include "ovwcmn/ovwhooks.h"
+#include "support/scopes.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <thread>
+
+namespace {
+
+using ovw::test::HooksScope;
+
+constexpr std::uint32_t cnMinute = 60000;
+constexpr std::uint32_t cnNoThread = 128;
+
+class Worker : public XCThread {
+public:
+    explicit Worker(std::function<void(Worker&, void*)> body) : m_body(std::move(body)) {}
+    ~Worker() override { WaitForSignal(); }
+
+protected:
+    std::uint32_t RunThread(void* param) override {
+        m_body(*this, param);
+        return 0;
+    }
+
+private:
+    std::function<void(Worker&, void*)> m_body;
+};
+
+TEST(XCThread, RunsItsBodyOnce) {
+    std::atomic<void*> seen = nullptr;
+    std::atomic<std::thread::id> id;
+    Worker worker([&](Worker&, void* param) {
+        seen = param;
+        id = std::this_thread::get_id();
+    });
+    EXPECT_EQ(worker.IsCreateThread(), 0);
+    EXPECT_EQ(worker.WaitForSignal(), cnNoThread);
+    EXPECT_EQ(worker.CreateThread(&seen), 1);
+    EXPECT_EQ(worker.IsCreateThread(), 1);
+    EXPECT_EQ(worker.WaitForSignal(), WAIT_OBJECT_0);
+    EXPECT_EQ(worker.WaitForSignal(), WAIT_OBJECT_0);
+    EXPECT_EQ(seen, &seen);
+    EXPECT_NE(id.load(), std::this_thread::get_id());
+    EXPECT_EQ(worker.IsCreateThread(), 1);
+    EXPECT_EQ(worker.CloseThread(), 1);
+    EXPECT_EQ(worker.IsCreateThread(), 0);
+    EXPECT_EQ(worker.CloseThread(), 1);
+    EXPECT_EQ(worker.CreateThread(nullptr), 1);
+    worker.WaitForSignal();
+    EXPECT_EQ(seen, nullptr);
+}
+
+TEST(XCThread, WakeUpEndsASleep) {
+    std::atomic<int> sleeps = 0;
+    Worker worker([&](Worker& self, void*) {
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(self.Sleep(cnMinute), 0);
+            ++sleeps;
+        }
+    });
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_EQ(worker.CreateThread(nullptr), 1);
+    for (int i = 1; i <= 3; ++i) {
+        worker.WakeUp();
+        while (sleeps < i)
+            std::this_thread::yield();
+    }
+    worker.WaitForSignal();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+}
+
+TEST(XCThread, SleepTakesTheSignalAndRunsOutWithoutOne) {
+    Worker worker([](Worker& self, void*) {
+        EXPECT_EQ(self.Sleep(0), 1);
+        self.WakeUp();
+        self.WakeUp(); // signals do not add up
+        EXPECT_EQ(self.Sleep(0), 0);
+        EXPECT_EQ(self.Sleep(0), 1);
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(self.Sleep(20), 1);
+        EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(19));
+    });
+    EXPECT_EQ(worker.Sleep(cnMinute), 0); // there is no event yet
+    worker.WakeUp();
+    ASSERT_EQ(worker.CreateThread(nullptr), 1);
+    worker.WaitForSignal();
+}
+
+TEST(XCThread, AClosedThreadRunsOn) {
+    std::atomic<bool> isOver = false;
+    Worker worker([&](Worker& self, void*) {
+        self.Sleep(cnMinute);
+        isOver = true;
+    });
+    ASSERT_EQ(worker.CreateThread(nullptr), 1);
+    EXPECT_EQ(worker.CloseThread(), 1);
+    EXPECT_EQ(worker.WaitForSignal(), cnNoThread);
+    while (!isOver)
+        std::this_thread::yield();
+}
+
+std::atomic<int> s_begun = 0;
+std::atomic<int> s_ended = 0;
+
+TEST(XCThread, AbortAsksTheOwnersProcedure) {
+    static std::atomic<int> s_answer = 0;
+    s_answer = 0;
+    Worker worker([](Worker& self, void*) {
+        EXPECT_EQ(s_begun, 1);
+        while (!self.Abort())
+            self.Sleep(1);
+        EXPECT_EQ(self.Abort(), 7);
+        EXPECT_EQ(s_ended, 0);
+    });
+    EXPECT_EQ(worker.Abort(), 0);
+    worker.SetAbortProc([] { return s_answer.load(); });
+    VXHOOKS hooks{};
+    hooks.threadBegin = [] { ++s_begun; };
+    hooks.threadEnd = [] { ++s_ended; };
+    const HooksScope scope(hooks);
+    ASSERT_EQ(worker.CreateThread(nullptr), 1);
+    s_answer = 7;
+    EXPECT_EQ(worker.WaitForSignal(), WAIT_OBJECT_0);
+    EXPECT_EQ(s_begun, 1);
+    EXPECT_EQ(s_ended, 1);
+}
+
+/// Whether another thread gets into the section within a moment; it leaves again.
+class Visitor {
+public:
+    explicit Visitor(XCCriticalSection& section)
+        : m_thread([this, &section] {
+              section.EnterSection();
+              m_isIn = true;
+              section.LeaveSection();
+          }) {}
+    ~Visitor() { m_thread.join(); }
+
+    bool getsIn() const {
+        for (int i = 0; i < 50 && !m_isIn; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        return m_isIn;
+    }
+
+private:
+    std::atomic<bool> m_isIn = false;
+    std::thread m_thread;
+};
+
+TEST(XCCriticalSection, GuardsACounter) {
+    XCCriticalSection section;
+    section.Initialize();
+    section.Initialize();
+    int count = 0;
+    const auto work = [&] {
+        for (int i = 0; i < 50000; ++i) {
+            const XCCriticalSectionAutoLeave outer(&section);
+            const XCCriticalSectionAutoLeave inner(&section);
+            ++count;
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(count, 100000);
+}
+
+TEST(XCCriticalSection, IsLeftAsOftenAsEntered) {
+    XCCriticalSection section;
+    section.Initialize();
+    section.EnterSection();
+    section.EnterSection();
+    {
+        const Visitor visitor(section);
+        EXPECT_FALSE(visitor.getsIn());
+        section.LeaveSection();
+        EXPECT_FALSE(visitor.getsIn());
+        section.LeaveSection();
+    }
+    EXPECT_TRUE(Visitor(section).getsIn());
+}
+
+TEST(XCCriticalSection, DoesNothingUnlessInitialised) {
+    XCCriticalSection section;
+    section.LeaveSection();
+    section.EnterSection();
+    EXPECT_TRUE(Visitor(section).getsIn());
+    section.Initialize();
+    section.Delete();
+    section.Delete();
+    section.EnterSection();
+    EXPECT_TRUE(Visitor(section).getsIn());
+}
+
+TEST(XCCriticalSectionAutoLeave, HoldsOneSectionAtATime) {
+    XCCriticalSection first, second;
+    first.Initialize();
+    second.Initialize();
+    XCCriticalSectionAutoLeave guard;
+    guard.Enter(nullptr);
+    guard.Leave();
+    guard.Enter(&first);
+    guard.Enter(&second);
+    EXPECT_TRUE(Visitor(first).getsIn());
+    {
+        const Visitor visitor(second);
+        EXPECT_FALSE(visitor.getsIn());
+        guard.Leave();
+    }
+    guard.Leave();
+    EXPECT_TRUE(Visitor(second).getsIn());
+}
+
+} // namespace
