@@ -99,12 +99,33 @@ public:
     /// that are there. Locks for editing.
     virtual void RectFill(const XCRect& /*rect*/, int /*erase*/, std::uint32_t /*colour*/, int /*behind*/) {}
     virtual void RectFill(const XCRect& /*rect*/, int /*erase*/, std::uint32_t /*colour*/) {}
+    /// Fills the whole current block with colour, or with the clear colour when useColour is 0. Locks for editing.
+    virtual void FillBlock(int /*useColour*/, std::uint32_t /*colour*/) {}
+    // One pixel thick, a column when vertical is 1, else a row; clipped to the image. The caller locks for editing.
+    virtual void DrawSimpleLine(int /*vertical*/, int /*position*/, std::uint32_t /*colour*/) {}
+    virtual void DrawSimpleSegment(int /*vertical*/, int /*position*/, int /*start*/, int /*length*/,
+                                   std::uint32_t /*colour*/) {}
+    /// 1- and 8-bit images: 1 when pixels x1 to x2 of row y are all ink, 0 when none is, else -1, which x1 and x2 may
+    /// then enclose more closely: test every pixel between. 1 bit goes by whole bytes, and x2 comes back exclusive.
+    virtual int CheckLinePixel(int /*y*/, int& /*x1*/, int& /*x2*/) { return -1; }
     /// The address that (x, y) has in the current block if that block lies at base.
     virtual std::uint8_t* SetCurrentCursorAddress(int /*x*/, int /*y*/, std::uint8_t* base) const { return base; }
     /// Sets the cursor's address (not its position) to pixel (x, y) of the current block.
     virtual std::uint8_t* SetCurrentCursorAddress(int /*x*/, int /*y*/) { return nullptr; }
+    /// Fills pixels x1 to x2 (inclusive) of the cursor's row where the screen row pattern (16 thresholds, by x) and the
+    /// mask's ink let it (both may be null). Modes: 0 replace, 1 raise, 2 blend, 3 erase. The caller locks both images
+    /// and sets both cursors' rows; mask pixel x + maskOffsetX belongs to pixel x.
+    virtual void FillLineRowForPolygon(int /*x1*/, int /*x2*/, std::uint32_t /*colour*/, int /*mode*/,
+                                       XCVOffscreen* /*mask*/, int /*maskOffsetX*/, const std::uint8_t* /*pattern*/,
+                                       int /*patternLevel*/) {}
+    /// 2-bit images: as above, but white never covers black.
+    virtual void FillLineRowForPolygonClipBlack(int /*x1*/, int /*x2*/, std::uint32_t /*colour*/, int /*mode*/,
+                                                XCVOffscreen* /*mask*/, int /*maskOffsetX*/,
+                                                const std::uint8_t* /*pattern*/, int /*patternLevel*/) {}
     /// Fills pixels x1 to x2 (inclusive) of row y, clipped to the image and *clip (may be null). The caller locks.
     virtual void FillLineRow(int /*x1*/, int /*x2*/, int /*y*/, std::uint32_t /*colour*/, const tagRECT* /*clip*/) {}
+    /// The largest coverage (on 24 bits: red byte) of pixels x1 to x2 of the cursor's row. The caller locks.
+    virtual int SearchLineRowForPolygon(int /*x1*/, int /*x2*/) { return 0; }
 
     // ---- Making images
     /// A new empty image of depth 1, 2, 8, 16, 24 or 32; null for any other. The caller owns it.
@@ -149,10 +170,10 @@ public:
     int GetCursorPosX() const { return m_cursor.x; }
     int GetCursorPosY() const { return m_cursor.y; }
     std::uint8_t* MoveCursor(int x, int y) {
-        return m_cursorArea.holds(x, y) ? MoveCursorFastest(x, y) : enterBlock(GetBlockIndex(x, y), x, y);
+        return staysIn(x, y) ? MoveCursorFastest(x, y) : enterBlock(GetBlockIndex(x, y), x, y);
     }
     std::uint8_t* MoveCursorFast(int x, int y) {
-        return m_cursorArea.holds(x, y) ? MoveCursorFastest(x, y) : enterBlock(GetBlockIndexFast(x, y), x, y);
+        return staysIn(x, y) ? MoveCursorFastest(x, y) : enterBlock(GetBlockIndexFast(x, y), x, y);
     }
     std::uint8_t* MoveCursorFastest(int x, int y) {
         m_cursor.x = x, m_cursor.y = y;
@@ -223,6 +244,8 @@ protected:
     void releaseCurrentBlock();
     std::uint8_t* enterBlock(int index, int x, int y);
 
+    /// Whether (x, y) lies in the current block and that block is locked as the edit mode asks.
+    bool staysIn(int x, int y) const { return m_cursorArea.holds(x, y) && (m_lockedForEdit || !m_editMode); }
     /// v + d, or v when the sum leaves 32 bits the image ends long before.
     static int moved(int v, int d);
     std::uint8_t* placeCursor(int x, int y) {

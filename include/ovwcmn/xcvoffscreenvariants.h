@@ -63,9 +63,18 @@ public:
     std::uint8_t Get8BitMask() const override;
     void RectFill(const XCRect& rect, int erase, std::uint32_t colour, int behind) override;
     void RectFill(const XCRect& rect, int erase, std::uint32_t colour) override;
+    void FillBlock(int useColour, std::uint32_t colour) override;
+    void DrawSimpleLine(int vertical, int position, std::uint32_t colour) override;
+    void DrawSimpleSegment(int vertical, int position, int start, int length, std::uint32_t colour) override;
+    int CheckLinePixel(int y, int& x1, int& x2) override;
     std::uint8_t* SetCurrentCursorAddress(int x, int y, std::uint8_t* base) const override;
     std::uint8_t* SetCurrentCursorAddress(int x, int y) override;
+    void FillLineRowForPolygon(int x1, int x2, std::uint32_t colour, int mode, XCVOffscreen* mask, int maskOffsetX,
+                               const std::uint8_t* pattern, int patternLevel) override;
+    void FillLineRowForPolygonClipBlack(int x1, int x2, std::uint32_t colour, int mode, XCVOffscreen* mask,
+                                        int maskOffsetX, const std::uint8_t* pattern, int patternLevel) override;
     void FillLineRow(int x1, int x2, int y, std::uint32_t colour, const tagRECT* clip) override;
+    int SearchLineRowForPolygon(int x1, int x2) override;
     using XCVOffscreen::RectFill;
 
 private:

@@ -7,6 +7,7 @@
 #include "ovwcmn/xcvoffscreen.h"
 #include "ovwcmn/xcvoffscreenlock.h"
 #include "vimage/blockparts.h"
+#include "vimage/numbers.h"
 #include "vimage/pixelformats.h"
 
 #include <cassert>
@@ -216,14 +217,14 @@ template <class Format>
 std::uint8_t* DepthVariant<Format>::NextCursorX() {
     const int x = moved(m_cursor.x, 1);
     return m_cursorArea.hasColumn(x) ? DepthVariant::NextCursorXFastest()
-                              : enterBlock(GetBlockIndex(x, m_cursor.y), x, m_cursor.y);
+                                     : enterBlock(GetBlockIndex(x, m_cursor.y), x, m_cursor.y);
 }
 
 template <class Format>
 std::uint8_t* DepthVariant<Format>::PrevCursorX() {
     const int x = moved(m_cursor.x, -1);
     return m_cursorArea.hasColumn(x) ? DepthVariant::PrevCursorXFastest()
-                              : enterBlock(GetBlockIndex(x, m_cursor.y), x, m_cursor.y);
+                                     : enterBlock(GetBlockIndex(x, m_cursor.y), x, m_cursor.y);
 }
 
 template <class Format>
@@ -269,11 +270,37 @@ void DepthVariant<Format>::RectFill(const XCRect& rect, int erase, std::uint32_t
 
 template <class Format>
 void DepthVariant<Format>::FillLineRow(int x1, int x2, int y, std::uint32_t colour, const tagRECT* clip) {
-    XCRect row(x1, y, x2 == INT32_MAX ? x2 : x2 + 1, y == INT32_MAX ? y : y + 1);
+    XCRect row(x1, y, endOf(x2, 1), endOf(y, 1));
     if (clip)
         row.IntersectRect(*clip);
     const auto value = Format::rowValue(colour, m_rules);
     forEachPart(*this, row, [&](std::uint8_t* base, const XCRect& part) {
+        fillPart<Format>(base, part.left, part.top, part.Width(), part.Height(), value);
+    });
+}
+
+template <class Format>
+void DepthVariant<Format>::FillBlock(int useColour, std::uint32_t colour) {
+    if (!m_cursor.IsEnable())
+        return;
+    const XCVOffscreenAutoLock lock(this, m_cursor.x, m_cursor.y, 1);
+    if (useColour && m_cursor.base)
+        fillPart<Format>(m_cursor.base, 0, 0, cnBlockSize, cnBlockSize, Format::fillValue(colour, m_rules));
+    else
+        DepthVariant::ClearBlock(nullptr);
+}
+
+template <class Format>
+void DepthVariant<Format>::DrawSimpleLine(int vertical, int position, std::uint32_t colour) {
+    DepthVariant::DrawSimpleSegment(vertical, position, 0, vertical == 1 ? m_height : m_width, colour);
+}
+
+template <class Format>
+void DepthVariant<Format>::DrawSimpleSegment(int vertical, int position, int start, int length, std::uint32_t colour) {
+    const XCRect run = vertical == 1 ? XCRect(position, start, endOf(position, 1), endOf(start, length))
+                                     : XCRect(start, position, endOf(start, length), endOf(position, 1));
+    const auto value = Format::write32(colour, m_rules);
+    forEachPart(*this, run, [&](std::uint8_t* base, const XCRect& part) {
         fillPart<Format>(base, part.left, part.top, part.Width(), part.Height(), value);
     });
 }

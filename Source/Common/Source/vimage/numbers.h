@@ -14,6 +14,13 @@ constexpr int clampedInt(double value) {
     return value < Limits::max() ? static_cast<int>(value) : Limits::max();
 }
 
+/// start + length, clamped to the range of an int.
+constexpr int endOf(int start, int length) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    const std::int64_t end = std::int64_t{start} + length;
+    return static_cast<int>(end > Limits::max() ? Limits::max() : end < Limits::min() ? Limits::min() : end);
+}
+
 /// Division by a positive number, rounded up; value is not negative.
 constexpr std::int64_t ceilDiv(std::int64_t value, std::int64_t divisor) { return (value + divisor - 1) / divisor; }
 

@@ -68,6 +68,13 @@ struct PackedLayout {
             std::memset(row + run.first + 1, pattern, run.last - run.first - 1);
         putBits(row[run.last], run.lastMask, pattern);
     }
+    template <class Visit>
+    static void visitRow(std::uint8_t* row, int x, int count, Visit visit) {
+        std::uint8_t* address = row + (x * Bits >> 3);
+        auto mask = static_cast<std::uint8_t>(cnFirstMask >> (x * Bits & 7));
+        for (int i = 0; i < count; ++i, stepForward(address, mask))
+            visit(load(address, mask));
+    }
     /// Replaces each pixel of the run by change(pixel).
     template <class Change>
     static void changeRow(std::uint8_t* row, int x, int count, Change change) {
@@ -122,6 +129,12 @@ struct ByteLayout {
         store(begin, 0, value);
         for (std::size_t done = cnBytes; done < bytes; done *= 2) // what is filled is copied behind itself
             std::memcpy(begin + done, begin, done < bytes - done ? done : bytes - done);
+    }
+    template <class Visit>
+    static void visitRow(const std::uint8_t* row, int x, int count, Visit visit) {
+        const std::uint8_t* address = row + static_cast<std::ptrdiff_t>(x) * cnBytes;
+        for (int i = 0; i < count; ++i, address += cnBytes)
+            visit(load(address));
     }
     template <class Change>
     static void changeRow(std::uint8_t* row, int x, int count, Change change) {

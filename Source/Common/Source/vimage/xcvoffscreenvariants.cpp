@@ -1,6 +1,6 @@
 #include "ovwcmn/xcvoffscreenvariants.h"
 
-#include "vimage/depthvariant.h"
+#include "vimage/depthvariantrows.h"
 
 namespace ovw::vimage {
 
