@@ -218,7 +218,8 @@ public:
 
     /// Text `id` (1 to 65535); 0 and `out` left alone for other ids, 0 and `out` empty when no table has it.
     int LoadStringA(XCString& out, int id) const;
-    /// Zeroes `size` bytes, then copies at most `size` bytes: a text of that very length has no terminator.
+    /// Zeroes `size` bytes, then copies at most `size` bytes: a text of that very length has no terminator. A buffer of
+    /// no size gives 0.
     int LoadStringA(char* buffer, int size, int id) const;
     int LoadStringA(XCWideString& out, int id) const;
     /// As the char form, in UTF-16 code units.
