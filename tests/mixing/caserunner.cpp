@@ -226,7 +226,7 @@ std::string difference(const TestImage& image, PlainImage& model, std::uint32_t 
     return first;
 }
 
-std::string runCase(TestStore& store, ImagePool& pool, const MixCase& mixCase) {
+Outcome runCase(TestStore& store, ImagePool& pool, const MixCase& mixCase) {
     LibraryMix library(store, pool, mixCase);
     ModelMix model(mixCase);
     // Of a colour cache the stamps keep the colour, two-colour stamps the tone in blue.
@@ -246,12 +246,19 @@ std::string runCase(TestStore& store, ImagePool& pool, const MixCase& mixCase) {
         if (found.empty() && mixCase.colorCache)
             found = difference(*library.colorCache(), *model.colorCache(), cachedBits, "colour cache");
         if (!found.empty())
-            return found + " after dab " + std::to_string(i);
+            return {found + " after dab " + std::to_string(i), {}};
     }
+    // By now the model's images hold the library's pixels.
+    Outcome outcome{{}, model.destination().pixels};
+    for (const PlainImage* image : {model.cache(), model.colorCache()})
+        if (image)
+            outcome.pixels.insert(outcome.pixels.end(), image->pixels.begin(), image->pixels.end());
     std::uint32_t average = library.average().ConvertSmudgeColor(0);
+    outcome.pixels.push_back(average);
     if (average != model.average().color())
-        return "colour average " + std::to_string(average) + ", expected " + std::to_string(model.average().color());
-    return {};
+        outcome.difference =
+            "colour average " + std::to_string(average) + ", expected " + std::to_string(model.average().color());
+    return outcome;
 }
 
 } // namespace ovw::test

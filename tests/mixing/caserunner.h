@@ -92,8 +92,12 @@ private:
 /// pixel over. The bits of `compared` count. The first difference as text, empty when there is none.
 std::string difference(const TestImage& image, PlainImage& model, std::uint32_t compared, const char* name);
 
-/// Runs the case in both, dab by dab. The first difference as text, empty when there is none.
-std::string runCase(TestStore& store, ImagePool& pool, const MixCase& mixCase);
+/// What became of a case that was run in both, dab by dab.
+struct Outcome {
+    std::string difference;            // the first one, empty when there is none
+    std::vector<std::uint32_t> pixels; // the library's images at the end, and its average
+};
+Outcome runCase(TestStore& store, ImagePool& pool, const MixCase& mixCase);
 
 } // namespace ovw::test
 

@@ -51,9 +51,11 @@ private:
     std::uint32_t color() { return pack({m_random.byte(), m_random.byte(), m_random.byte(), m_random.byte()}); }
 
     int chooseDepth() {
-        static constexpr int cnAll[] = {1, 2, 8, 16, 24, 32, 32, 32};
+        static constexpr int cnAll[] = {1, 2, 8, 24, 32, 32};
         static constexpr int cnWater[] = {8, 32, 32};
         static constexpr int cnColor[] = {24, 32, 32};
+        if (m_random.chance(40))
+            return 16;
         switch (m_case.family) {
         case Family::water: return m_random.chance(12) ? m_random.pick(cnAll) : m_random.pick(cnWater);
         case Family::waterCopy: return m_random.pick(cnWater);
@@ -68,7 +70,9 @@ private:
         if (isWater())
             return m_random.chance(2) ? 5 : 7;
         if (isFamily(Family::directCopy))
-            return m_depth == 24 ? 1 : m_depth < 8 ? m_random.number(0, 4) : m_random.number(0, 7);
+            return m_depth == 24 ? 1
+                   : m_depth < 8 ? m_random.number(0, 4)
+                                 : m_random.number(0, m_random.chance(5) ? 7 : 2);
         if (!hasCache())
             return m_random.chance(6) ? m_random.number(-1, 19) : m_random.number(0, 4);
         if ((m_depth == 8 || m_depth == 32) && m_random.chance(20))
