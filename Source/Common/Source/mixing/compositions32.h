@@ -5,39 +5,31 @@
 /// How paint meets a 32-bit pixel: a struct a composition. o is a channel of the pixel below and oA its alpha, c the
 /// paint's channel, a the opacity in 1.15 and f the same as a float, b the opacity as a byte.
 ///
-/// Facts that a compositor needs: whether a composition acts on pixels of alpha 0, changes the alpha, changes colour.
+/// Facts that a compositor needs: whether a composition acts on pixels of alpha 0, leaves those alone when the alpha is
+/// kept, changes the alpha, changes the colour, and looks at an alpha of the paint's colour.
 
 #include "mixing/fixedpoint.h"
+#include "mixing/pixel32.h"
 
 #include <cstdint>
 
 namespace ovw::mixing {
 namespace {
 
-constexpr std::uint32_t cnAlphaMask = 0xFF000000;
-
-constexpr std::int32_t blueOf(std::uint32_t p) { return static_cast<std::int32_t>(p & 0xFF); }
-constexpr std::int32_t greenOf(std::uint32_t p) { return static_cast<std::int32_t>(p >> 8 & 0xFF); }
-constexpr std::int32_t redOf(std::uint32_t p) { return static_cast<std::int32_t>(p >> 16 & 0xFF); }
-constexpr std::int32_t alphaOf(std::uint32_t p) { return static_cast<std::int32_t>(p >> 24); }
-
-constexpr std::uint32_t packed(std::int32_t b, std::int32_t g, std::int32_t r, std::int32_t a) {
-    return static_cast<std::uint32_t>(b) | static_cast<std::uint32_t>(g) << 8 | static_cast<std::uint32_t>(r) << 16 |
-           static_cast<std::uint32_t>(a) << 24;
-}
-
-/// channel(o, c) of the three colour channels, with this alpha.
-template <class Channel>
-constexpr std::uint32_t eachChannel(std::uint32_t o, std::uint32_t c, std::int32_t alpha, Channel channel) {
-    return packed(channel(blueOf(o), blueOf(c)), channel(greenOf(o), greenOf(c)), channel(redOf(o), redOf(c)), alpha);
-}
-
 // ---- Compositions of whole pixels: pixel(below, paint, opacity, bits to keep)
 
 struct ActsEverywhere {
     static constexpr bool cnActsOnEmpty = true;
+    static constexpr bool cnKeepsEmpty = false;
     static constexpr bool cnChangesAlpha = true;
     static constexpr bool cnChangesColor = true;
+    static constexpr bool cnUsesPaintAlpha = false;
+};
+
+/// The paint has an alpha of its own, cA. With the alpha kept, pixels without alpha stay as they are.
+struct PaintsImages : ActsEverywhere {
+    static constexpr bool cnKeepsEmpty = true;
+    static constexpr bool cnUsesPaintAlpha = true;
 };
 
 // c, alpha from a
@@ -63,9 +55,8 @@ struct Normal15 : ActsEverywhere {
 };
 
 // alpha (1 - a) * oA
-struct Erase15 {
+struct Erase15 : ActsEverywhere {
     static constexpr bool cnActsOnEmpty = false;
-    static constexpr bool cnChangesAlpha = true;
     static constexpr bool cnChangesColor = false;
     static std::uint32_t pixel(std::uint32_t o, std::uint32_t, std::int32_t a, std::uint32_t) {
         return packed(0, 0, 0, Scale15::scaledRound(alphaOf(o), Scale15::cnOne - a));
@@ -114,6 +105,71 @@ struct HardLight15 : ActsEverywhere {
     }
 };
 
+// ---- Paint that is an image or a colour cache: c with an alpha cA
+
+// N = (1 - a) * oA + a * cA: lerp(o, c, a * cA / N), alpha N; over nothing c, alpha a * cA; c itself at full opacity.
+struct Water15 : PaintsImages {
+    static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
+        const std::int32_t below = alphaOf(o | keep);
+        const std::int32_t paint = alphaOf(c);
+        const std::int32_t alpha = Scale15::lerp(below, paint, a);
+        const float share = static_cast<float>(paint * a) / static_cast<float>(most(alpha, 1));
+        const std::int32_t w = alpha == 0 ? 0 : least(static_cast<std::int32_t>(share), Scale15::cnOne);
+        const std::uint32_t mixed =
+            eachChannel(o, c, alpha, [w](std::int32_t p, std::int32_t q) { return Scale15::lerp(p, q, w); });
+        const bool copies = (a == Scale15::cnOne) | (alphaOf(o) == 0);
+        return copies ? (c & ~cnAlphaMask) | static_cast<std::uint32_t>(alpha) << 24 : mixed;
+    }
+};
+
+// k = a * cA / N: o * (1 - k) + k * c * (o / 255 * oA / 255 + 1 - oA / 255), alpha N; over nothing as Water; k = 1 at
+// full opacity.
+struct WaterMultiply15 : PaintsImages {
+    static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
+        const std::int32_t below = alphaOf(o | keep);
+        const std::int32_t paint = alphaOf(c);
+        const std::int32_t alpha = Scale15::lerp(below, paint, a);
+        const float part = static_cast<float>(paint * a) / static_cast<float>(most(alpha, 1) * Scale15::cnOne);
+        const float k = a == Scale15::cnOne ? 1.0f : alpha == 0 ? 0.0f : part < 1.0f ? part : 1.0f;
+        const float share = static_cast<float>(below) / 255.0f;
+        const std::uint32_t mixed = eachChannel(o, c, alpha, [k, share](std::int32_t p, std::int32_t q) {
+            const float under = static_cast<float>(p);
+            const float product = static_cast<float>(q) * (under / 255.0f * share + (1.0f - share));
+            return least(rounded(under * (1.0f - k) + k * product), 255);
+        });
+        const std::uint32_t copy = (c & ~cnAlphaMask) | static_cast<std::uint32_t>(alpha) << 24;
+        return alphaOf(o) == 0 ? copy : mixed;
+    }
+};
+
+// lerp of all four channels; over nothing c, alpha a * cA; where c is nothing only the alpha fades (so that nothing
+// over nothing of a kept alpha changes nothing); c itself at full opacity.
+struct Blur15 : ActsEverywhere {
+    static constexpr bool cnUsesPaintAlpha = true;
+    static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
+        const std::int32_t alpha = Scale15::lerp(alphaOf(o), alphaOf(c), a);
+        const bool copies = (a == Scale15::cnOne) | ((alphaOf(o) == 0) & (alphaOf(c | ~keep) != 0));
+        const std::int32_t fading = alphaOf(c) == 0 ? 0 : a;
+        const std::int32_t w = copies ? Scale15::cnOne : fading;
+        return eachChannel(o, c, alpha, [w](std::int32_t p, std::int32_t q) { return Scale15::lerp(p, q, w); });
+    }
+};
+
+// D = (1 - a) * oA + a * cA, k = a * cA / D: o * (1 - k) + c * k, alpha D; c itself at full opacity.
+struct Clone15 : PaintsImages {
+    static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
+        const std::int32_t below = alphaOf(o | keep);
+        const std::int32_t paint = alphaOf(c);
+        const std::int32_t sum = (Scale15::cnOne - a) * below + paint * a;
+        const float k = static_cast<float>(paint * a) / static_cast<float>(most(sum, 1));
+        const std::uint32_t mixed =
+            eachChannel(o, c, Scale15::lerp(below, paint, a), [k](std::int32_t p, std::int32_t q) {
+                return least(rounded(static_cast<float>(p) * (1.0f - k) + static_cast<float>(q) * k), 255);
+            });
+        return (a == Scale15::cnOne) & (keep == 0) ? c : mixed;
+    }
+};
+
 // ---- The same on bytes, with truncating divisions
 
 struct Replace8 : ActsEverywhere {
@@ -150,10 +206,9 @@ struct Erase8 : Erase15 {
 // ---- Compositions of channels: channel(o, c, a). They leave the alpha alone, and pixels without alpha.
 
 template <class Mode>
-struct Channelwise {
+struct Channelwise : ActsEverywhere {
     static constexpr bool cnActsOnEmpty = false;
     static constexpr bool cnChangesAlpha = false;
-    static constexpr bool cnChangesColor = true;
     Mode mode{};
     std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t) const {
         return eachChannel(o, c, 0, [this, a](std::int32_t p, std::int32_t q) { return mode.channel(p, q, a); });

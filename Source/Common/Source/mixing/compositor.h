@@ -12,9 +12,6 @@
 namespace ovw::mixing {
 namespace {
 
-/// A 32-bit pixel of block memory, which others know as bytes.
-using Pixel32 [[gnu::may_alias]] = std::uint32_t;
-
 /// What a composition is applied to.
 enum class Below { Destination, Reference };
 
@@ -32,6 +29,20 @@ struct RowOpacity {
     std::int32_t operator[](int i) const { return a[i]; }
 };
 
+/// One colour for every pixel.
+struct OneColor {
+    std::uint32_t color;
+    explicit OneColor(const CompositeSpan& span) : color(span.color) {}
+    std::uint32_t operator[](int) const { return color; }
+};
+
+/// A colour a pixel.
+struct RowColor {
+    const std::uint32_t* __restrict colors;
+    explicit RowColor(const CompositeSpan& span) : colors(span.colors) {}
+    std::uint32_t operator[](int i) const { return colors[i]; }
+};
+
 /// What composition Mode makes of pixel d of the destination with pixel o below; d where it does not act.
 template <class Mode>
 std::uint32_t composed32(const Mode& mode, std::uint32_t d, std::uint32_t o, std::uint32_t color, std::int32_t a,
@@ -39,24 +50,30 @@ std::uint32_t composed32(const Mode& mode, std::uint32_t d, std::uint32_t o, std
     std::uint32_t kept = Mode::cnChangesAlpha ? keep : cnAlphaMask;
     if constexpr (!Mode::cnChangesColor)
         kept |= ~cnAlphaMask;
+    if constexpr (!Mode::cnUsesPaintAlpha)
+        color &= ~cnAlphaMask;
     const std::uint32_t result = (mode.pixel(o, color, a, keep) & ~kept) | (d & kept);
-    const bool acts = (a != 0) & (Mode::cnActsOnEmpty || o > ~cnAlphaMask);
+    bool acts = a != 0;
+    if constexpr (!Mode::cnActsOnEmpty)
+        acts &= o > ~cnAlphaMask;
+    if constexpr (Mode::cnKeepsEmpty)
+        acts &= (keep == 0) | (o > ~cnAlphaMask);
     return acts ? result : d;
 }
 
-template <class Mode, Below below, class Opacity>
+template <class Mode, Below below, class Opacity, class Color>
 void compositeRow32(const CompositeSpan& span) {
     auto* __restrict dst = reinterpret_cast<Pixel32*>(span.dst);
     const auto* __restrict ref = reinterpret_cast<const Pixel32*>(span.ref);
     const Opacity opacity(span);
+    const Color color(span);
     Mode mode{};
     if constexpr (requires { mode.mode.curves; })
         mode.mode.curves = span.softLight;
-    const std::uint32_t color = span.color;
     const std::uint32_t keep = span.keep;
     for (int i = 0, n = span.n; i < n; ++i) {
         const std::uint32_t d = dst[i];
-        dst[i] = composed32(mode, d, below == Below::Destination ? d : ref[i], color, opacity[i], keep);
+        dst[i] = composed32(mode, d, below == Below::Destination ? d : ref[i], color[i], opacity[i], keep);
     }
 }
 
@@ -73,19 +90,47 @@ void compositeRow8(const CompositeSpan& span) {
     }
 }
 
-template <class Mode, Below below, class Opacity>
+/// Densities toward the alpha of each pixel's colour.
+template <Below below>
+void lerpRow8(const CompositeSpan& span) {
+    std::uint8_t* __restrict dst = span.dst;
+    const std::uint8_t* __restrict ref = span.ref;
+    const RowOpacity opacity(span);
+    const RowColor color(span);
+    for (int i = 0, n = span.n; i < n; ++i) {
+        const std::uint8_t d = dst[i];
+        const std::int32_t result =
+            Scale15::lerp(below == Below::Destination ? d : ref[i], alphaOf(color[i]), opacity[i]);
+        dst[i] = opacity[i] != 0 ? static_cast<std::uint8_t>(result) : d;
+    }
+}
+
+template <class Mode, Below below, class Opacity, class Color>
 void compositeRow24(const CompositeSpan& span) {
     std::uint8_t* __restrict dst = span.dst;
     const std::uint8_t* __restrict ref = span.ref;
     const Opacity opacity(span);
-    const std::int32_t color[3] = {blueOf(span.color), greenOf(span.color), redOf(span.color)};
+    const Color color(span);
     for (int i = 0, n = span.n; i < n; ++i) {
         const std::int32_t a = opacity[i];
+        const std::int32_t c[3] = {blueOf(color[i]), greenOf(color[i]), redOf(color[i])};
         for (int channel = 0; channel < 3; ++channel) {
             const std::uint8_t d = dst[3 * i + channel];
             const std::int32_t o = below == Below::Destination ? d : ref[3 * i + channel];
-            dst[3 * i + channel] = a != 0 ? static_cast<std::uint8_t>(Mode::channel(o, color[channel], a)) : d;
+            dst[3 * i + channel] = a != 0 ? static_cast<std::uint8_t>(Mode::channel(o, c[channel], a)) : d;
         }
+    }
+}
+
+/// 24 bits as 32-bit pixels of full alpha that is kept.
+void cloneRow24(const CompositeSpan& span) {
+    for (int i = 0; i < span.n; ++i) {
+        std::uint8_t* p = span.dst + 3 * i;
+        const std::uint32_t d = packed(p[0], p[1], p[2], 255);
+        const std::uint32_t result = composed32(Clone15{}, d, d, span.colors[i], span.a[i], cnAlphaMask);
+        p[0] = static_cast<std::uint8_t>(blueOf(result));
+        p[1] = static_cast<std::uint8_t>(greenOf(result));
+        p[2] = static_cast<std::uint8_t>(redOf(result));
     }
 }
 
@@ -100,9 +145,10 @@ void compositeRowBits(const CompositeSpan& span) {
         const bool passes = span.dither == nullptr || (level != 0 && span.dither[column & 15] <= level);
         if (a == 0 || !passes)
             continue;
+        const std::uint32_t value = span.values ? span.values[i] : span.value;
         const int shift = 8 - span.bits * (1 + column % perByte);
         std::uint8_t& byte = span.dst[column / perByte];
-        byte = static_cast<std::uint8_t>((byte & ~(pixelMask << shift)) | span.value << shift);
+        byte = static_cast<std::uint8_t>((byte & ~(pixelMask << shift)) | value << shift);
     }
 }
 
@@ -112,7 +158,7 @@ void fillRow32(const CompositeSpan& span) {
     auto* dst = reinterpret_cast<Pixel32*>(span.dst);
     const std::uint32_t pixel = span.color | static_cast<std::uint32_t>(span.opacity) << 24;
     if (span.keep != 0)
-        return compositeRow32<Replace8, Below::Destination, OneOpacity>(span);
+        return compositeRow32<Replace8, Below::Destination, OneOpacity, OneColor>(span);
     for (int i = 0, n = span.n; i < n; ++i)
         dst[i] = pixel;
 }

@@ -20,12 +20,14 @@ struct CompositeSpan {
     int n;                   ///< Pixels.
     std::int32_t opacity;    ///< Of every pixel, above 0, in compositors of one opacity.
     std::uint32_t color;     ///< As stored in 32 bits, alpha 0.
-    std::uint32_t keep;      ///< The bits of a 32-bit pixel that must not be written.
-    const float* softLight;  ///< softLightCurves(), for that composition.
-    int column;              ///< 1 and 2 bits: of the first pixel in the block.
-    int bits;                ///< 1 and 2 bits: the depth.
-    std::uint32_t value;     ///< 1 and 2 bits: what is written.
-    const std::uint8_t* dither; ///< 1 and 2 bits: the 16 thresholds of the row, or null.
+    const std::uint32_t* colors; ///< A colour a pixel, in compositors of many colours; some use its alpha.
+    std::uint32_t keep;          ///< The bits of a 32-bit pixel that must not be written.
+    const float* softLight;      ///< softLightCurves(), for that composition.
+    int column;                  ///< 1 and 2 bits: of the first pixel in the block.
+    int bits;                    ///< 1 and 2 bits: the depth.
+    std::uint32_t value;         ///< 1 and 2 bits: what is written.
+    const std::uint8_t* values;  ///< 1 and 2 bits: what is written, a value a pixel, or null.
+    const std::uint8_t* dither;  ///< 1 and 2 bits: the 16 thresholds of the row, or null.
 };
 
 using Compositor = void (*)(const CompositeSpan&);
@@ -38,6 +40,26 @@ enum TextureStage { TextureScale, TextureSubtract, TextureLimit, TextureCap, cnT
 /// In the order of KernelTable::accumulate.
 enum Accumulation { AccumulateNone, AccumulateOver, AccumulateMax, AccumulateAdd, cnAccumulations };
 
+/// How weights of a source image multiply into a coverage; the order of KernelTable::scaleBySource.
+enum SourceScale {
+    ScaleQuarters, ///< Covering samples out of four.
+    ScaleAlpha,    ///< A byte as an alpha.
+    ScaleSum,      ///< The sum of four bytes.
+    ScaleFixed,    ///< 1.15.
+    ScaleByte,     ///< A byte into an opacity byte.
+    cnSourceScales
+};
+
+/// What the water kernels found below.
+struct ColorSums {
+    std::uint32_t alpha;
+    std::uint32_t red;
+    std::uint32_t green;
+    std::uint32_t blue;
+    std::uint32_t colored; ///< Pixels with alpha.
+    std::uint32_t visited;
+};
+
 /// The kernels' loops as compiled for one instruction set. All sets give the same results.
 struct KernelTable {
     void (*startRow)(CoverageRow& row, std::int32_t a, std::int32_t cap);
@@ -47,6 +69,7 @@ struct KernelTable {
     void (*scaleStart)(CoverageRow& row, std::int32_t factor, std::int32_t cap);
     void (*skipFull)(CoverageRow& row, const std::uint16_t* cache, std::int32_t limit);
 
+    void (*scaleBySource[cnSourceScales])(CoverageRow& row, const std::int32_t* weights);
     void (*gateByMask)(CoverageRow& row, const std::uint8_t* mask);
     void (*scaleByMask)(CoverageRow& row, const std::uint8_t* mask);
     void (*scaleByMaskAndCap)(CoverageRow& row, const std::uint8_t* mask);
@@ -72,11 +95,31 @@ struct KernelTable {
     /// For coverages above 1.0.
     void (*scaleByOpacityWide)(CoverageRow& row, std::int32_t opacity);
 
+    /// Sums up the 32-bit pixels where the row is live.
+    void (*sumColors)(ColorSums& sums, const CoverageRow& row, const std::uint8_t* pixels);
+    /// share = the part of a coverage before accumulation in the row's coverage after it, 1.0 when it is all.
+    void (*shareOfDab)(std::int32_t* share, const std::int32_t* dab, const CoverageRow& row);
+    /// 8-bit caches of water: toward the density by the dab's part in the row's coverage.
+    void (*mixDensityCache)(std::uint8_t* cache, const std::int32_t* dab, const CoverageRow& row, std::int32_t density);
+    /// Adds a to the cache and takes over the sum; share = how far the colour cache moves.
+    void (*accumulateColorOver)(CoverageRow& row, std::uint16_t* cache, std::int32_t* share);
+    void (*accumulateColorMax)(CoverageRow& row, std::uint16_t* cache, std::int32_t* share);
+    /// Moves n 32-bit pixels toward the colours, but for the bits to keep.
+    void (*moveColors32)(std::uint8_t* pixels, const std::uint32_t* colors, const std::int32_t* share, int n,
+                         std::uint32_t keep);
+    void (*moveColors24)(std::uint8_t* pixels, const std::uint32_t* colors, const std::int32_t* share, int n);
+
     CompositorTable fastest;    ///< One opacity byte.
     CompositorTable fastestRow; ///< An opacity byte a pixel.
     CompositorTable direct;
     CompositorTable cache;
     CompositorTable cacheOverNothing; ///< Where the reference has no memory: ref is then blankReference().
+    CompositorTable stamp;            ///< An opacity byte and a colour a pixel.
+    CompositorTable colorCache;       ///< As cache, with a colour a pixel.
+    CompositorTable colorOverNothing;
+    CompositorTable water; ///< As cache, with a colour or density (in the alpha) and an alpha a pixel.
+    Compositor blur[cnDepthColumns];
+    Compositor clone[cnDepthColumns];
 };
 
 const KernelTable& baseKernels();

@@ -7,6 +7,8 @@
 #include "mixing/coveragerow.h"
 #include "mixing/fixedpoint.h"
 #include "mixing/gaussline.h"
+#include "mixing/kerneltable.h"
+#include "mixing/pixel32.h"
 
 namespace ovw::mixing {
 namespace {
@@ -40,6 +42,33 @@ void skipFull(CoverageRow& row, const std::uint16_t* __restrict cache, std::int3
         row.a[i] = cache[i] < limit ? row.a[i] : 0;
 }
 
+// ---- Source image
+
+void scaleByQuarters(CoverageRow& row, const std::int32_t* __restrict weights) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = row.a[i] * weights[i] >> 2;
+}
+
+void scaleByAlpha(CoverageRow& row, const std::int32_t* __restrict weights) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = weights[i] != 0 ? Scale15::scaledByByte(row.a[i], weights[i]) : 0;
+}
+
+void scaleBySum(CoverageRow& row, const std::int32_t* __restrict weights) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = Scale8::over255Wide(row.a[i] * weights[i] >> 2); // = a * sum / 1020
+}
+
+void scaleByFixed(CoverageRow& row, const std::int32_t* __restrict weights) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = Scale15::scaled(row.a[i], weights[i]);
+}
+
+void scaleByBytes(CoverageRow& row, const std::int32_t* __restrict weights) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.a[i] = Scale8::scaled(row.a[i], weights[i]);
+}
+
 // ---- Mask
 
 void gateByMask(CoverageRow& row, const std::uint8_t* __restrict mask) {
@@ -66,7 +95,7 @@ void scaleByMaskOfBlur(CoverageRow& row, const std::uint8_t* __restrict mask) {
 
 void visitByMask(CoverageRow& row, const std::uint8_t* __restrict mask) {
     for (int i = 0, n = row.n; i < n; ++i)
-        row.live[i] = mask[i] != 0 ? -1 : 0;
+        row.live[i] = mask[i] != 0 ? row.live[i] : 0;
 }
 
 // ---- Gaussian
@@ -157,6 +186,94 @@ void accumulateAdd(CoverageRow& row, std::uint16_t* __restrict cache) {
         row.a[i] = a != 0 ? sum : 0;
     }
 }
+
+// ---- Colour caches
+
+void sumColors(ColorSums& sums, const CoverageRow& row, const std::uint8_t* __restrict pixels) {
+    std::uint32_t alpha = 0, red = 0, green = 0, blue = 0, colored = 0, visited = 0;
+    for (int i = 0, n = row.n; i < n; ++i) {
+        const std::uint32_t live = static_cast<std::uint32_t>(row.live[i]);
+        const std::uint32_t counts = pixels[4 * i + 3] != 0 ? live : 0;
+        visited += live & 1;
+        colored += counts & 1;
+        alpha += pixels[4 * i + 3] & counts;
+        red += pixels[4 * i + 2] & counts;
+        green += pixels[4 * i + 1] & counts;
+        blue += pixels[4 * i] & counts;
+    }
+    sums = {alpha, red, green, blue, colored, visited};
+}
+
+void shareOfDab(std::int32_t* __restrict share, const std::int32_t* __restrict dab, const CoverageRow& row) {
+    for (int i = 0, n = row.n; i < n; ++i) {
+        const std::int32_t sum = row.a[i];
+        // In double the quotient of the two integers is exact.
+        const double part = (static_cast<double>(dab[i]) * Scale15::cnOne + sum / 2) / most(sum, 1);
+        const std::int32_t all = sum != 0 ? Scale15::cnOne : 0;
+        share[i] = sum > dab[i] ? static_cast<std::int32_t>(part) : all;
+    }
+}
+
+void mixDensityCache(std::uint8_t* __restrict cache, const std::int32_t* __restrict dab, const CoverageRow& row,
+                     std::int32_t density) {
+    for (int i = 0, n = row.n; i < n; ++i) {
+        const std::int32_t sum = row.a[i];
+        const std::int32_t old = cache[i];
+        const float part = static_cast<float>(dab[i]) / static_cast<float>(most(sum, 1));
+        const float mixed = part * static_cast<float>(density) + (1.0f - part) * static_cast<float>(old);
+        const std::int32_t moved = sum > dab[i] ? rounded(mixed < 255.0f ? mixed : 255.0f) : density;
+        cache[i] = static_cast<std::uint8_t>(sum != 0 ? moved : old);
+    }
+}
+
+void accumulateColorOver(CoverageRow& row, std::uint16_t* __restrict cache, std::int32_t* __restrict share) {
+    for (int i = 0, n = row.n; i < n; ++i) {
+        const std::int32_t old = least(cache[i], Scale15::cnOne);
+        const std::int32_t a = least(row.a[i], Scale15::cnOne);
+        const std::int32_t sum = least(Scale15::lerp(old, Scale15::cnOne, a), Scale15::cnOne);
+        const double part = static_cast<double>(a) * Scale15::cnOne / most(sum, 1); // exact
+        share[i] = least(static_cast<std::int32_t>(part), Scale15::cnOne);
+        cache[i] = static_cast<std::uint16_t>(a != 0 ? sum : cache[i]);
+        row.a[i] = a != 0 ? sum : 0;
+    }
+}
+
+void accumulateColorMax(CoverageRow& row, std::uint16_t* __restrict cache, std::int32_t* __restrict share) {
+    for (int i = 0, n = row.n; i < n; ++i) {
+        const std::int32_t a = least(row.a[i], Scale15::cnOne);
+        const bool grows = a > cache[i];
+        share[i] = grows ? Scale15::cnOne : 0;
+        cache[i] = static_cast<std::uint16_t>(grows ? a : cache[i]);
+        row.a[i] = grows ? a : 0;
+    }
+}
+
+void moveColors32(std::uint8_t* __restrict pixels, const std::uint32_t* __restrict colors,
+                  const std::int32_t* __restrict share, int n, std::uint32_t keep) {
+    auto* __restrict cache = reinterpret_cast<Pixel32*>(pixels);
+    for (int i = 0; i < n; ++i) {
+        const std::uint32_t old = cache[i];
+        const std::int32_t w = share[i];
+        const std::int32_t alpha = Scale15::lerp(alphaOf(old), alphaOf(colors[i]), w);
+        const std::uint32_t moved =
+            eachChannel(old, colors[i], alpha, [w](std::int32_t p, std::int32_t q) { return Scale15::lerp(p, q, w); });
+        cache[i] = (moved & ~keep) | (old & keep);
+    }
+}
+
+void moveColors24(std::uint8_t* __restrict pixels, const std::uint32_t* __restrict colors,
+                  const std::int32_t* __restrict share, int n) {
+    for (int i = 0; i < n; ++i) {
+        const std::uint32_t color = colors[i];
+        const std::int32_t channels[3] = {blueOf(color), greenOf(color), redOf(color)};
+        for (int channel = 0; channel < 3; ++channel) {
+            std::uint8_t& value = pixels[3 * i + channel];
+            value = static_cast<std::uint8_t>(Scale15::lerp(value, channels[channel], share[i]));
+        }
+    }
+}
+
+// ---- Opacity
 
 void scaleByOpacity(CoverageRow& row, std::int32_t opacity) {
     for (int i = 0, n = row.n; i < n; ++i)

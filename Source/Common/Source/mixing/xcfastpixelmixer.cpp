@@ -128,6 +128,10 @@ void XCFastPixelMixer::MoveCursorToBlock(int x, int y) {
 
 void XCFastPixelMixer::DoLineRow(int x1, int x2, int y) { SpanPainter(*this).paintSpan(x1, x2, y); }
 
+void XCFastPixelMixer::DoLineRowCopy(int x1, int x2, int y, XCSimpleImage* src) {
+    SpanPainter(*this).paintCopy(x1, x2, y, src);
+}
+
 namespace ovw::mixing {
 
 void paintBlockPart(XCFastPixelMixer& mixer, const XCRect& part) {

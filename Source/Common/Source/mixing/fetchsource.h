@@ -1,0 +1,59 @@
+#ifndef OVW_MIXING_FETCHSOURCE_H
+#define OVW_MIXING_FETCHSOURCE_H
+
+#include "mixing/coveragerow.h"
+#include "mixing/kernelplan.h"
+#include "mixing/kerneltable.h"
+
+#include <cstdint>
+
+class XCSimpleImage;
+
+namespace ovw::mixing {
+
+/// A line of samples: coordinates in 1.15, advanced by a step after each sample.
+struct SampleLine {
+    std::int32_t u;
+    std::int32_t v;
+    std::int32_t du;
+    std::int32_t dv;
+
+    /// The sample here, then a step on. Coordinates wrap around.
+    const std::uint8_t* next(const XCSimpleImage& image);
+    void skip(std::int64_t samples);
+};
+
+/// How a span looks into its source image.
+struct SourceView {
+    const XCSimpleImage* image;
+    SampleLine line;
+    SampleLine lineB; ///< 2 x 2 sampling: the second row of samples.
+    bool twoByTwo;    ///< Four samples a pixel; steps are then half steps.
+    SourceRule rule;
+    bool isTwoColored;   ///< 2-bit pixels 1 and 2 bring the sub colour; else only 3 covers.
+    std::uint32_t color; ///< The mixer's colour and sub colour, as stored in 32 bits, alpha 0.
+    std::uint32_t subColor;
+};
+
+/// What the source gives to the pixels of a span.
+struct SourceRow {
+    SourceScale scale; ///< How the weights multiply into the coverage; a weight of 0 skips the pixel.
+    alignas(64) std::int32_t weight[cnRowPixels];
+    /// As stored in 32 bits, alpha 0; the mixer's colour where the source has none of its own.
+    alignas(64) std::uint32_t color[cnRowPixels];
+};
+
+/// Samples n pixels. False for a source of a depth that covers nothing.
+bool fetchSource(SourceRow& row, int n, const SourceView& view);
+
+/// Coverage of a 32-bit source pixel in 1.15, not limited to 1.0: its darkness times its alpha.
+std::int32_t darknessOf(const std::uint8_t* pixel);
+
+/// Swaps the bytes of red and blue: 0xAABBGGRR to the order of 32-bit pixels and back.
+constexpr std::uint32_t swapRedBlue(std::uint32_t color) {
+    return (color & 0xFF00FF00) | (color & 0xFF) << 16 | (color >> 16 & 0xFF);
+}
+
+} // namespace ovw::mixing
+
+#endif // OVW_MIXING_FETCHSOURCE_H

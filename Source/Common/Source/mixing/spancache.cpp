@@ -1,0 +1,104 @@
+// The stroke caches: from the coverage of one dab to the opacity of the stroke so far.
+
+#include "mixing/fixedpoint.h"
+#include "mixing/spanpainter.h"
+#include "ovwcmn/xccoloraverage.h"
+#include "ovwcmn/xcvoffscreen.h"
+
+#include <algorithm>
+
+namespace ovw::mixing {
+namespace {
+
+constexpr std::uint32_t cnKeepAlphaByte = 0xFF000000;
+
+} // namespace
+
+/// False when the span was only sampled. colors: of the source, for CacheRule::Color.
+bool SpanPainter::applyCache(CoverageRow& row, const KernelPlan& plan, bool isWide, const std::uint32_t* colors) const {
+    switch (plan.cache) {
+    case CacheRule::Water:
+        sampleBelow(row);
+        if (hasStyle(XCFastPixelMixer::STYLE_SAMPLE_ONLY))
+            return false;
+        accumulateWater(row);
+        break;
+    case CacheRule::Color: accumulateColor(row, colors); break;
+    default:
+        m_kernels.skipFull(row, reinterpret_cast<std::uint16_t*>(rowOf(m_mixer.m_cache)), startFactor(plan.start));
+        accumulate(row);
+    }
+    const bool staysWide = isWide && accumulation() == AccumulateNone;
+    (staysWide ? m_kernels.scaleByOpacityWide
+               : m_kernels.scaleByOpacity)(row, static_cast<std::int32_t>(m_mixer.m_mixAlpha));
+    if (usesTexture(plan) && texturesAfter())
+        applyTexture(row, Scale15::cnOne);
+    return true;
+}
+
+Accumulation SpanPainter::accumulation() const {
+    if (hasStyle(XCFastPixelMixer::STYLE_CACHE_OVER))
+        return AccumulateOver;
+    if (hasStyle(XCFastPixelMixer::STYLE_CACHE_MAX))
+        return AccumulateMax;
+    return hasStyle(XCFastPixelMixer::STYLE_CACHE_ADD) ? AccumulateAdd : AccumulateNone;
+}
+
+void SpanPainter::accumulate(CoverageRow& row) const {
+    if (auto add = m_kernels.accumulate[accumulation()])
+        add(row, reinterpret_cast<std::uint16_t*>(rowOf(m_mixer.m_cache)));
+}
+
+/// Feeds the colour average with the pixels that the span visits.
+void SpanPainter::sampleBelow(const CoverageRow& row) const {
+    XCColorAverage* average = m_mixer.m_colorAverage;
+    std::uint8_t* pixels = rowOf(m_mixer.m_dst);
+    if (m_depth == 8) {
+        for (int i = 0; average && i < m_n; ++i) {
+            if (row.live[i])
+                average->CountTotal8Bit(pixels + i);
+        }
+        return;
+    }
+    ColorSums sums;
+    m_kernels.sumColors(sums, row, pixels);
+    average->m_sumAlpha += sums.alpha;
+    average->m_sum2 += sums.red;
+    average->m_sum1 += sums.green;
+    average->m_sum0 += sums.blue;
+    average->m_colored += sums.colored;
+    average->m_visited += sums.visited;
+    average->m_empty += sums.visited - sums.colored;
+}
+
+/// Accumulates, and draws the colour cache toward the mixer's colour and alpha by the part that this dab brought.
+void SpanPainter::accumulateWater(CoverageRow& row) const {
+    alignas(64) std::int32_t dab[cnRowPixels];
+    std::copy_n(row.a, m_n, dab);
+    accumulate(row);
+    if (m_depth == 8)
+        return m_kernels.mixDensityCache(rowOf(m_mixer.m_cacheColor), dab, row, m_mixer.m_a);
+    alignas(64) std::int32_t share[cnRowPixels];
+    alignas(64) std::uint32_t colors[cnRowPixels];
+    std::fill_n(colors, m_n, paintColor() | static_cast<std::uint32_t>(m_mixer.m_a) << 24);
+    m_kernels.shareOfDab(share, dab, row);
+    m_kernels.moveColors32(rowOf(m_mixer.m_cacheColor), colors, share, m_n, 0);
+}
+
+/// Colour and coverage together: the larger coverage before the sum, and no addition. With neither, both caches stay.
+void SpanPainter::accumulateColor(CoverageRow& row, const std::uint32_t* colors) const {
+    alignas(64) std::int32_t share[cnRowPixels];
+    auto* cache = reinterpret_cast<std::uint16_t*>(rowOf(m_mixer.m_cache));
+    if (hasStyle(XCFastPixelMixer::STYLE_CACHE_MAX))
+        m_kernels.accumulateColorMax(row, cache, share);
+    else if (hasStyle(XCFastPixelMixer::STYLE_CACHE_OVER))
+        m_kernels.accumulateColorOver(row, cache, share);
+    else
+        return;
+    if (m_depth == 24)
+        m_kernels.moveColors24(rowOf(m_mixer.m_cacheColor), colors, share, m_n);
+    else
+        m_kernels.moveColors32(rowOf(m_mixer.m_cacheColor), colors, share, m_n, cnKeepAlphaByte);
+}
+
+} // namespace ovw::mixing
