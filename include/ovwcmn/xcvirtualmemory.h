@@ -170,6 +170,7 @@ private:
     VXHANDLE takeMemory(std::uint32_t size, bool& isFresh);
     void giveMemory(VXHANDLE memory) noexcept;
     void trimSpareMemory(std::int64_t bytes);
+    void makeRoom(std::uint32_t size, int edit);
     void makeResident(XCSwapBlock* block, int* wasRead);
     void readBack(XCSwapBlock* block, const XCVMHandle& memory);
     void createSwapFile(std::uint32_t& size, XCFilePath* folder, int cleanup);

@@ -141,7 +141,7 @@ void* XCVirtualMemory::Lock(XCSwapBlock* block, int edit, int* wasRead) {
     if (!block->IsOnMemory()) {
         const Recycling recycling(*this);
         orNoMemory([&] {
-            m_cache.Request(m_pSwap.get(), static_cast<std::uint32_t>(block->GetSize()));
+            makeRoom(static_cast<std::uint32_t>(block->GetSize()), edit);
             makeResident(block, wasRead);
         });
     }
@@ -166,6 +166,17 @@ int XCVirtualMemory::Purge(XCSwapBlock* block) {
     const StoreLocks locks(m_pSection.get());
     const Recycling recycling(*this);
     return orNoMemory([&] { return m_cache.Purge(m_pSwap.get(), block); });
+}
+
+/// Evicts blocks for one that is to be locked, which may exceed the budget. A full disk stops editing, but not reading:
+/// whatever was painted can still be saved.
+void XCVirtualMemory::makeRoom(std::uint32_t size, int edit) {
+    try {
+        m_cache.Request(m_pSwap.get(), size);
+    } catch (const XCException&) {
+        if (edit)
+            throw;
+    }
 }
 
 /// Gives the block memory, filled from the swap file if its contents are there. Nothing changes when it throws.
