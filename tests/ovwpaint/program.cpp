@@ -16,23 +16,23 @@ namespace {
 constexpr Colour cnWhite = 0xFFFFFFFF;
 constexpr Colour cnBlack = 0xFF000000;
 
-struct Run {
+struct Outcome {
     int code = 0;
     std::string output;
     std::string errors;
 };
 
-Run run(std::vector<std::string> arguments) {
+Outcome runWith(std::vector<std::string> arguments) {
     std::vector<const char*> argv = {"ovwpaint"};
     for (const std::string& argument : arguments)
         argv.push_back(argument.c_str());
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    Run run;
-    run.code = runProgram(static_cast<int>(argv.size()), argv.data());
-    run.output = testing::internal::GetCapturedStdout();
-    run.errors = testing::internal::GetCapturedStderr();
-    return run;
+    Outcome outcome;
+    outcome.code = runProgram(static_cast<int>(argv.size()), argv.data());
+    outcome.output = testing::internal::GetCapturedStdout();
+    outcome.errors = testing::internal::GetCapturedStderr();
+    return outcome;
 }
 
 /// A folder with a recording: a line with force, and a tap at (60, 40).
@@ -46,7 +46,7 @@ protected:
     Picture draw(std::vector<std::string> more = {}) {
         std::vector<std::string> arguments = {"draw", m_strokes, "-o", m_picture, "--quiet"};
         arguments.insert(arguments.end(), more.begin(), more.end());
-        const Run result = run(arguments);
+        const Outcome result = runWith(arguments);
         EXPECT_EQ(result.code, cnExitDone) << result.errors;
         EXPECT_EQ(result.errors, "");
         return readPng(m_picture);
@@ -173,7 +173,7 @@ TEST_F(OvwPaint, ReplacesTheOutputOnlyWhenItIsDone) {
     m_folder.write("out.png", "old");
     chmod(m_picture.c_str(), 0640);
     const std::string bad = m_folder.write("bad.inkml", "<ink><trace>1 2, nan 3</trace></ink>");
-    const Run failed = run({"draw", bad, "-o", m_picture});
+    const Outcome failed = runWith({"draw", bad, "-o", m_picture});
     EXPECT_EQ(failed.code, cnExitFailure);
     EXPECT_EQ(failed.errors, "ovwpaint: " + bad + ": trace 1, sample 2: \"nan\" is no number\n");
     EXPECT_EQ(fileText(m_picture), "old");
@@ -189,7 +189,7 @@ TEST_F(OvwPaint, StopsWhenInterrupted) {
     m_folder.write("out.png", "old");
     const std::size_t before = m_folder.fileCount();
     *interruptFlag() = 1;
-    const Run result = run({"draw", m_strokes, "-o", m_picture});
+    const Outcome result = runWith({"draw", m_strokes, "-o", m_picture});
     *interruptFlag() = 0;
     EXPECT_EQ(result.code, cnExitInterrupted);
     EXPECT_EQ(result.errors, "ovwpaint: interrupted\n");
@@ -225,11 +225,12 @@ TEST_F(OvwPaint, ReportsFailuresInOneLine) {
         {{"draw", m_strokes, "-o", m_strokes}, cnExitFailure},
         {{"draw", m_strokes, "-o", m_picture, "--swap", m_folder.path("none")}, cnExitFailure},
         {{"draw", m_strokes, "-o", m_picture, "--brush", m_folder.path("none.json")}, cnExitFailure},
-        {{"draw", m_strokes, "-o", m_picture, "--scale", "1000", "--width", "100000"}, cnExitFailure},
+        {{"draw", m_folder.write("far.inkml", "<ink><trace>0 0, 900000 9</trace></ink>"), "-o", m_picture},
+         cnExitFailure},
         {{"draw", m_strokes, "-o", "/dev/full"}, cnExitFailure},
     };
     for (const auto& [arguments, code] : cases) {
-        const Run result = run(arguments);
+        const Outcome result = runWith(arguments);
         const std::string what = testing::PrintToString(arguments);
         EXPECT_EQ(result.code, code) << what;
         EXPECT_TRUE(result.errors.starts_with("ovwpaint: ")) << what;
@@ -246,13 +247,13 @@ TEST_F(OvwPaint, AnswersHelpVersionAndPresets) {
                                                       {"--version"},
                                                       {"presets"},
                                                       {"presets", "--json", "pencil"}}) {
-        const Run result = run(arguments);
+        const Outcome result = runWith(arguments);
         EXPECT_EQ(result.code, cnExitDone);
         EXPECT_NE(result.output, "");
         EXPECT_EQ(result.errors, "");
     }
-    EXPECT_NE(run({"draw", "--help"}).output.find("130 interrupted"), std::string::npos);
-    const std::string list = run({"presets"}).output;
+    EXPECT_NE(runWith({"draw", "--help"}).output.find("130 interrupted"), std::string::npos);
+    const std::string list = runWith({"presets"}).output;
     for (const Preset& preset : presets())
         EXPECT_NE(list.find(preset.name), std::string::npos) << preset.name;
 }
@@ -268,7 +269,7 @@ TEST_F(OvwPaint, PaintsTheSamplesOfTheRepository) {
 }
 
 TEST_F(OvwPaint, StartsFromAPresetPrintedAsABrushFile) {
-    const std::string brush = m_folder.write("b.json", run({"presets", "--json", "tapered-ellipse"}).output);
+    const std::string brush = m_folder.write("b.json", runWith({"presets", "--json", "tapered-ellipse"}).output);
     EXPECT_EQ(draw({"--brush", brush}).pixels, draw({"--preset", "tapered-ellipse"}).pixels);
 }
 
