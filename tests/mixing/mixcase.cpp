@@ -203,7 +203,7 @@ private:
 
     /// The destination need not look like the image before the stroke where every rule rebuilds all that it shows.
     void mixBeforeStroke(PlainImage& target) {
-        bool isRebuilt = m_depth == 24 || isWater() || (m_depth == 32 && m_case.composition != 2);
+        bool isRebuilt = m_depth == 24 || (m_depth == 8 && isWater()) || (m_depth == 32 && m_case.composition != 2);
         bool isChanged = isRebuilt && m_random.chance(3);
         for (int y = 0; y < MixCase::cnHeight; ++y)
             for (int x = 0; x < MixCase::cnWidth; ++x) {
@@ -232,7 +232,9 @@ private:
             return 1;
         if (needsOpacity())
             return float(m_random.real(0.3, 1));
-        return m_random.chance(6) ? m_random.pick(cnCorners) : float(m_random.real(0, 1));
+        // Whether stamps of water without coverage count what they cover is open.
+        bool isCorner = m_random.chance(6) && !isFamily(Family::waterCopy);
+        return isCorner ? m_random.pick(cnCorners) : float(m_random.real(0.001, 1));
     }
 
     MixDab makeDab() {
@@ -240,7 +242,8 @@ private:
         dab.mixAlpha = alpha();
         dab.cacheAlpha = alpha();
         if (m_random.chance(3) && !needsOpacity())
-            dab.antiAlpha = m_random.chance(20) ? -1.0f : float(m_random.number(1, 300)) / 256;
+            dab.antiAlpha =
+                m_random.chance(20) && !isFamily(Family::waterCopy) ? -1.0f : float(m_random.number(1, 300)) / 256;
         int left = m_random.chance(2) ? 0 : 256;
         int rows = m_random.number(1, 3);
         for (int y = m_random.number(1, 6 - rows + 1); rows > 0; --rows, ++y)

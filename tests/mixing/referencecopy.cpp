@@ -64,6 +64,7 @@ ReferenceMixer::CopyKernel ReferenceMixer::copyKernel() const {
 
 void ReferenceMixer::doLineRowCopy(int x1, int x2, int y, const PlainSource& source) {
     CopyKernel chosen = copyKernel();
+    SamplePoints first = points;
     for (int x = x1; x < x2 && chosen != CopyKernel::none; ++x) {
         copyPixel(chosen, x, y, source);
         int steps = isAntialiased() ? 2 : 1;
@@ -72,6 +73,7 @@ void ReferenceMixer::doLineRowCopy(int x1, int x2, int y, const PlainSource& sou
         points.uB += steps * points.duB;
         points.vB += steps * points.dvB;
     }
+    points = first;
 }
 
 void ReferenceMixer::copyPixel(CopyKernel chosen, int x, int y, const PlainSource& source) {
@@ -198,7 +200,7 @@ void ReferenceMixer::grayCacheCopyPixel(int x, int y, const PlainSource& source)
 void ReferenceMixer::waterCopyPixel(int x, int y, const PlainSource& source) {
     std::int64_t a = sourceCoverage(source, cacheAlpha);
     int m = maskValue(x, y);
-    bool isCovered = sourceColor(source, false).a != 0;
+    bool isCovered = sourceCoverage(source, cnOne) != 0;
     if (isCovered && m != 0)
         waterPixel(a * m / 255, cnOne * m / 255, x, y);
 }

@@ -278,7 +278,8 @@ void ReferenceMixer::fastestPixel8(int b, int x, int y) {
     int v = int(destination->at(x, y));
     switch (composition) {
     case cnReplace: v = b; break;
-    case cnNormal: v = v == 0 ? b : byte(v + (255 - v) * b / 255); break;
+    case cnNormal:
+    case cnMultiply: v = v == 0 ? b : byte(v + (255 - v) * b / 255); break;
     case cnErase: v = v * (255 - b) / 255; break;
     case cnDarkenStep: v = v == 0 ? 0 : byte(v + b / 5); break;
     case cnLightenStep: v = v == 0 ? 0 : byte(v - b / 5); break;

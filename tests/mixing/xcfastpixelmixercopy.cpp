@@ -77,17 +77,17 @@ TEST(FastPixelMixerCopy, StepsThroughTheSourceAndBeyond) {
     EXPECT_EQ(stamped(easel, stamp, 6, -2), (Values{10, 10, 10, 20, 30, 30}));
 }
 
-TEST(FastPixelMixerCopy, SpansGoOnWhereTheLastEnded) {
+TEST(FastPixelMixerCopy, TheNextRowBeginsAtTheSameColumn) {
     Easel easel(8);
-    Stamp stamp(easel, 8, {10, 20, 30, 40});
+    Stamp stamp(easel, 8, {10, 20, 30, 40}, 2);
     easel.mixer.SetDrawCompositioin(Mixer::Replace);
     easel.mixer.MoveCursorToBlock(0, 0);
-    easel.mixer.SetSrcUVParam(0, 0, 1, 0);
-    easel.mixer.DoLineRowCopy(0, 2, 0, stamp.get());
-    easel.mixer.DoLineRowCopy(2, 4, 0, stamp.get());
-    EXPECT_EQ(easel.value(1), 20u);
-    EXPECT_EQ(easel.value(2), 30u);
-    EXPECT_EQ(easel.value(3), 40u);
+    easel.mixer.SetSrcUVParam(1, 0, 1, 0);
+    easel.mixer.DoLineRowCopy(0, 3, 0, stamp.get());
+    easel.mixer.SetSrcVParam(1);
+    easel.mixer.DoLineRowCopy(0, 3, 1, stamp.get());
+    for (int x = 0; x < 3; ++x)
+        EXPECT_EQ(easel.value(x, 1), std::uint32_t(20 + 10 * x));
 }
 
 TEST(FastPixelMixerCopy, FourSamplesAreAveraged) {
@@ -169,8 +169,8 @@ TEST(FastPixelMixerCopy, AColorBrushCoversByItsDarkness) {
     Easel easel(8, true);
     Stamp stamp(easel, 32, {0xFF000000, 0xFFFFFFFF, 0x80000000, 0x00000000, 0xFF0000FF});
     stamped(easel, stamp, 5);
-    // (4211070 - 4936 * 255) * 255 >> 15 = 22976
-    const Values covered{32768, 0, 16448, 0, 22976};
+    // 4211070 * 128 >> 15, (4211070 - 4936 * 255) * 255 >> 15
+    const Values covered{32768, 0, 16449, 0, 22975};
     for (int x = 0; x < 5; ++x)
         EXPECT_EQ(easel.cache().value(x, 0), covered[std::size_t(x)]) << x;
     EXPECT_EQ(easel.value(0), 255u);
