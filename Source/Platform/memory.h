@@ -28,8 +28,8 @@ void freeMemory(void* memory, std::size_t bytes);
 /// memory runs out: then the block is as it was. Both sizes must satisfy isPageBlock.
 void* resizePageBlock(void* memory, std::size_t oldBytes, std::size_t newBytes);
 
-/// Has the pages of a part of a block ready in one step, which costs a fraction of touching them one by one. A hint: the
-/// contents do not change, and a system that cannot do it does nothing.
+/// Has the pages of a part of a block ready in one step, which costs a fraction of touching them one by one. A hint:
+/// the contents do not change, and a system that cannot do it does nothing.
 void prefaultMemory(void* memory, std::size_t bytes);
 
 /// Tells a checking build that nobody may touch these bytes of a block until allowAccess; otherwise does nothing.
