@@ -6,7 +6,8 @@
 /// paint's channel, a the opacity in 1.15 and f the same as a float, b the opacity as a byte.
 ///
 /// Facts that a compositor needs: whether a composition acts on pixels of alpha 0, leaves those alone when the alpha is
-/// kept, changes the alpha, changes the colour, and looks at an alpha of the paint's colour.
+/// kept, changes the alpha, changes the colour, looks at an alpha of the paint's colour, and leaves the colour of a
+/// pixel alone whose alpha it brings down to 0.
 
 #include "mixing/fixedpoint.h"
 #include "mixing/pixel32.h"
@@ -24,6 +25,7 @@ struct ActsEverywhere {
     static constexpr bool cnChangesAlpha = true;
     static constexpr bool cnChangesColor = true;
     static constexpr bool cnUsesPaintAlpha = false;
+    static constexpr bool cnLeavesVanished = false;
 };
 
 /// The paint has an alpha of its own, cA. With the alpha kept, pixels without alpha stay as they are.
@@ -109,6 +111,7 @@ struct HardLight15 : ActsEverywhere {
 
 // N = (1 - a) * oA + a * cA: lerp(o, c, a * cA / N), alpha N; over nothing c, alpha a * cA; c itself at full opacity.
 struct Water15 : PaintsImages {
+    static constexpr bool cnLeavesVanished = true;
     static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
         const std::int32_t below = alphaOf(o | keep);
         const std::int32_t paint = alphaOf(c);
@@ -125,6 +128,7 @@ struct Water15 : PaintsImages {
 // k = a * cA / N: o * (1 - k) + k * c * (o / 255 * oA / 255 + 1 - oA / 255), alpha N; over nothing as Water; k = 1 at
 // full opacity.
 struct WaterMultiply15 : PaintsImages {
+    static constexpr bool cnLeavesVanished = true;
     static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
         const std::int32_t below = alphaOf(o | keep);
         const std::int32_t paint = alphaOf(c);

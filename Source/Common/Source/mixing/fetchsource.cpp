@@ -57,7 +57,7 @@ struct Samples {
 
 /// Calls use(i, samples) for n pixels; add(samples, pixel) takes one sample in.
 template <int count, class Add, class Use>
-void samplePixels(int n, const SourceView& view, Add add, Use use) {
+void samplePixels(SourceRow& row, int n, const SourceView& view, Add add, Use use) {
     SampleLine line = view.line;
     [[maybe_unused]] SampleLine lineB = view.lineB;
     for (int i = 0; i < n; ++i) {
@@ -68,6 +68,7 @@ void samplePixels(int n, const SourceView& view, Add add, Use use) {
             add(samples, lineB.next(*view.image));
             add(samples, lineB.next(*view.image));
         }
+        row.covered[i] = samples.covered;
         use(i, samples);
     }
 }
@@ -78,7 +79,7 @@ void fetchBits(SourceRow& row, int n, const SourceView& view) {
     const bool onlyThree = isTwoBit && !view.isTwoColored;
     row.scale = ScaleQuarters;
     samplePixels<count>(
-        n, view,
+        row, n, view,
         [&](Samples& samples, const std::uint8_t* pixel) {
             if (onlyThree ? *pixel != 3 : *pixel == 0)
                 return;
@@ -96,7 +97,11 @@ void fetchDensities(SourceRow& row, int n, const SourceView& view) {
     const bool isBytes = view.rule == SourceRule::Bytes;
     row.scale = isBytes ? ScaleByte : count == 4 ? ScaleSum : ScaleAlpha;
     samplePixels<count>(
-        n, view, [](Samples& samples, const std::uint8_t* pixel) { samples.sum += *pixel; },
+        row, n, view,
+        [](Samples& samples, const std::uint8_t* pixel) {
+            samples.sum += *pixel;
+            samples.covered += *pixel != 0;
+        },
         [&](int i, const Samples& samples) {
             row.weight[i] = isBytes ? samples.sum / count : samples.sum;
             row.color[i] = view.color;
@@ -108,7 +113,7 @@ void fetchColors(SourceRow& row, int n, const SourceView& view) {
     const SourceRule rule = view.rule;
     row.scale = rule == SourceRule::Bytes ? ScaleByte : rule == SourceRule::Darkness ? ScaleFixed : ScaleQuarters;
     samplePixels<count>(
-        n, view,
+        row, n, view,
         [](Samples& samples, const std::uint8_t* pixel) {
             if (pixel[3] == 0)
                 return;

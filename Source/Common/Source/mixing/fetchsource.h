@@ -37,8 +37,10 @@ struct SourceView {
 
 /// What the source gives to the pixels of a span.
 struct SourceRow {
-    SourceScale scale; ///< How the weights multiply into the coverage; a weight of 0 skips the pixel.
+    SourceScale scale; ///< How the weights multiply into the coverage.
     alignas(64) std::int32_t weight[cnRowPixels];
+    /// How many samples cover. 0 skips the pixel; a white pixel is there but has no weight.
+    alignas(64) std::int32_t covered[cnRowPixels];
     /// As stored in 32 bits, alpha 0; the mixer's colour where the source has none of its own.
     alignas(64) std::uint32_t color[cnRowPixels];
 };

@@ -6,4 +6,6 @@ set_source_files_properties(${ovw_mixing}/kernels_base.cpp PROPERTIES COMPILE_OP
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64|amd64")
   set_source_files_properties(${ovw_mixing}/kernels_avx2.cpp PROPERTIES
                               COMPILE_OPTIONS "${ovw_kernel_flags};-mavx2;-mno-fma")
+  set_source_files_properties(${ovw_mixing}/kernels_avx512.cpp PROPERTIES
+                              COMPILE_OPTIONS "${ovw_kernel_flags};-mavx512f;-mavx512bw;-mavx512dq;-mavx512vl;-mprefer-vector-width=512")
 endif()

@@ -3,7 +3,7 @@
 
 namespace ovw::mixing {
 
-enum class InstructionSet { Base, Avx2 };
+enum class InstructionSet { Base, Avx2, Avx512 };
 
 /// Makes the mixers of the whole process use the kernels of one set instead of the machine's best, for tests and
 /// benchmarks. False, and nothing changed, when the machine lacks the set.

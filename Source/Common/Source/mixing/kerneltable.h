@@ -124,6 +124,7 @@ struct KernelTable {
 
 const KernelTable& baseKernels();
 const KernelTable& avx2Kernels();
+const KernelTable& avx512Kernels();
 
 /// The table of the instruction set in force.
 const KernelTable& kernels();

@@ -160,7 +160,7 @@ bool SpanPainter::applySource(CoverageRow& row, SourceRow& source, const KernelP
         return false;
     if (plan.cache == CacheRule::Water) {
         for (int i = 0; i < m_n; ++i)
-            row.live[i] = source.weight[i] != 0 ? row.live[i] : 0;
+            row.live[i] = source.covered[i] != 0 ? row.live[i] : 0;
     }
     if (source.scale != ScaleByte)
         m_kernels.scaleBySource[source.scale](row, source.weight);
