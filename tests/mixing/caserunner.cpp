@@ -30,7 +30,7 @@ bool matches(std::uint32_t got, std::uint32_t expected, Match match, int depth) 
 std::vector<mixing::InstructionSet> machineSets() {
     std::vector<mixing::InstructionSet> sets;
     mixing::InstructionSet best = mixing::instructionSet();
-    for (auto set : {mixing::InstructionSet::Base, mixing::InstructionSet::Avx2})
+    for (auto set : {mixing::InstructionSet::Base, mixing::InstructionSet::Avx2, mixing::InstructionSet::Avx512})
         if (mixing::forceInstructionSet(set))
             sets.push_back(set);
     mixing::forceInstructionSet(best);
