@@ -155,6 +155,22 @@ TEST(VxAngles, StepLineSnapsToTheNearestEighthOfATurn) {
     }
 }
 
+// What the results are matters less than that they are defined: the undefined-behaviour sanitizer watches.
+TEST(VxAngles, ExtremeArgumentsAreDefined) {
+    tagPOINT points[3];
+    for (const int a : {cnLeast, 0, cnGreatest}) {
+        for (const int b : {cnLeast, 0, cnGreatest}) {
+            EXPECT_EQ(vxRotAverageInteger(a, b, -1) & ~4095, 0);
+            EXPECT_EQ(vxRotCalcInteger(a, b, b, a) & ~4095, 0);
+            vxRotOffCalcInteger(a, b);
+            vxStepLineCalc(a, b, b, a);
+            vxGetEllipsePoint(a, b, b, a, 1e300, points, 3);
+        }
+    }
+    vxGetEllipsePoint(0, 0, 1, 1, 0, nullptr, 0);
+    EXPECT_EQ(vxRotNormal(cnInfinity), 0);
+}
+
 struct Foot {
     const char* name;
     tagPOINTD p, a, b;

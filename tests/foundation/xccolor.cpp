@@ -191,6 +191,7 @@ TEST(XCHlsColor, PackedValuesGoThroughRgb) {
     EXPECT_EQ(std::uint32_t(XCHsvColor(packed)) >> 24, 0x40u);
     EXPECT_TRUE(XCHsvColor(packed) == hsvOf(XCRgbColor(packed)));
     EXPECT_TRUE(XCHlsColor(packed) == hlsOf(XCRgbColor(packed)));
+    EXPECT_EQ(XCColor(XCHsvColor(65535, 21845, 65535, 65535)).GetColor() & 0xFF00FF00u, 0xFF00FF00u);
     XCHlsColor color;
     EXPECT_EQ(std::uint32_t(color), 0xFFFFFFFFu);
     color.SetChannel(0, 1);

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <thread>
 
 namespace {
 
@@ -116,6 +117,19 @@ TEST(XCStringResource, EarlierTablesWin) {
     XCString text("old");
     EXPECT_EQ(resource.LoadStringA(text, 3), 0);
     EXPECT_STREQ(text, "");
+}
+
+TEST(XCStringResourceThread, LooksUpWhileTablesAreAdded) {
+    XCStringResource resource;
+    add(resource, "1 \"one\"");
+    std::thread other([&] {
+        for (int i = 0; i < 200; ++i)
+            EXPECT_EQ(look(resource, 1), "one");
+    });
+    for (int i = 0; i < 200; ++i)
+        add(resource, "2 \"two\"");
+    other.join();
+    EXPECT_EQ(look(resource, 2), "two");
 }
 
 TEST(XCStringResource, BuffersAreZeroedAndMayLackATerminator) {

@@ -92,6 +92,22 @@ TEST(XCThread, SleepTakesTheSignalAndRunsOutWithoutOne) {
     worker.WaitForSignal();
 }
 
+TEST(XCThread, WakeUpMayComeFromAnyThreadAtAnyTime) {
+    Worker worker([](Worker& self, void*) { self.Sleep(cnMinute); });
+    std::atomic<bool> isOver = false;
+    std::thread waker([&] {
+        while (!isOver)
+            worker.WakeUp();
+    });
+    for (int i = 0; i < 50; ++i) {
+        EXPECT_EQ(worker.CreateThread(nullptr), 1);
+        EXPECT_EQ(worker.WaitForSignal(), WAIT_OBJECT_0);
+        worker.CloseThread();
+    }
+    isOver = true;
+    waker.join();
+}
+
 TEST(XCThread, AClosedThreadRunsOn) {
     std::atomic<bool> isOver = false;
     Worker worker([&](Worker& self, void*) {
