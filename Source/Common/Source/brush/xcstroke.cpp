@@ -22,6 +22,16 @@ constexpr int cnChords = 8;
 /// Keeps a segment of absurd length from filling the memory.
 constexpr int cnMaxSegmentVertices = 1 << 20;
 
+/// How many of 0, step, 2 * step, ... lie below 1.
+int stepsBelowOne(double step) {
+    int count = static_cast<int>(1.0 / step);
+    while (count * step < 1.0)
+        count++;
+    while (count > 1 && (count - 1) * step >= 1.0)
+        count--;
+    return count;
+}
+
 } // namespace
 
 XCStroke::~XCStroke() = default;
@@ -145,8 +155,11 @@ double XCBezierStroke::appendVertices(const Segment& segment, XCTArray<XCStrokeP
         return 0.0;
     }
     const double step = std::max(cnVertexSpacing / length, 1.0 / cnMaxSegmentVertices);
-    for (int i = 0; i * step < 1.0; i++)
-        vertices.PushBack(vertexAt(segment, i * step));
+    const int count = stepsBelowOne(step);
+    const int first = vertices.GetSize();
+    vertices.SetSize(first + count); // at once: the array grows in small steps
+    for (int i = 0; i < count; i++)
+        vertices[first + i] = vertexAt(segment, i * step);
     return length;
 }
 
