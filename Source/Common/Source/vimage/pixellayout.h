@@ -5,6 +5,7 @@
 /// How pixels lie in a row of block memory: several in a byte, or one in some bytes. Rows are addressed by their first
 /// byte; x counts pixels from there.
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -107,6 +108,7 @@ struct ByteLayout {
     static constexpr int cnBytes = sizeof(Pixel);
     static constexpr int cnBits = 8 * cnBytes;
     static constexpr std::uint8_t cnFirstMask = 0;
+    static constexpr std::size_t cnCopyPiece = 1024 * cnBytes;
 
     static Value load(const std::uint8_t* address, std::uint8_t = 0) {
         Value value;
@@ -127,8 +129,12 @@ struct ByteLayout {
             return;
         }
         store(begin, 0, value);
-        for (std::size_t done = cnBytes; done < bytes; done *= 2) // what is filled is copied behind itself
-            std::memcpy(begin + done, begin, done < bytes - done ? done : bytes - done);
+        // What is filled is copied behind itself, in pieces that stay in the processor's nearest cache.
+        std::size_t done = cnBytes;
+        for (std::size_t piece = done; done < bytes; done += piece) {
+            piece = std::min({done, cnCopyPiece, bytes - done});
+            std::memcpy(begin + done, begin, piece);
+        }
     }
     template <class Visit>
     static void visitRow(const std::uint8_t* row, int x, int count, Visit visit) {
