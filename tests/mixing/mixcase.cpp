@@ -244,6 +244,12 @@ private:
         if (m_random.chance(3) && !needsOpacity())
             dab.antiAlpha =
                 m_random.chance(20) && !isFamily(Family::waterCopy) ? -1.0f : float(m_random.number(1, 300)) / 256;
+        if (!m_case.dabs.empty() && m_random.chance(2)) {
+            dab = m_case.dabs.back(); // once more in the same place
+            if (m_random.chance(2))
+                dab.mixAlpha = alpha();
+            return dab;
+        }
         int left = m_random.chance(2) ? 0 : 256;
         int rows = m_random.number(1, 3);
         for (int y = m_random.number(1, 6 - rows + 1); rows > 0; --rows, ++y)

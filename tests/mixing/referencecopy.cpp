@@ -200,7 +200,7 @@ void ReferenceMixer::grayCacheCopyPixel(int x, int y, const PlainSource& source)
 void ReferenceMixer::waterCopyPixel(int x, int y, const PlainSource& source) {
     std::int64_t a = sourceCoverage(source, cacheAlpha);
     int m = maskValue(x, y);
-    bool isCovered = sourceCoverage(source, cnOne) != 0;
+    bool isCovered = sourceColor(source, false).a != 0;
     if (isCovered && m != 0)
         waterPixel(a * m / 255, cnOne * m / 255, x, y);
 }

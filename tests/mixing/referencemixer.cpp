@@ -603,7 +603,7 @@ void ReferenceMixer::waterPaint32(std::int64_t b, int x, int y) {
     }
     std::int64_t below = keepAlpha ? 255 : o.a;
     Rgba result = cached;
-    if (composition == cnWaterMultiply)
+    if (composition == cnWaterMultiply && !(b >= cnOne && keepAlpha))
         destination->match(x, y) = Match::withinOne;
     if (b < cnOne) {
         std::int64_t sum = ((cnOne - b) * below + cached.a * b + 16384) >> 15;
