@@ -110,7 +110,7 @@ void PngWriter::begin(const Canvas& canvas, const PixelForm& form) {
         setPalette();
     else
         png_set_sRGB(m_png, m_info, PNG_sRGB_INTENT_PERCEPTUAL);
-    // Strokes on even ground: these two filters find all that the others would, in half the time.
+    // Strokes on even ground: most rows are plain, or like the one above.
     if (form.bitDepth == 8)
         png_set_filter(m_png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE | PNG_FILTER_UP);
     png_write_info(m_png, m_info);

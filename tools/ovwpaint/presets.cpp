@@ -3,6 +3,7 @@
 #include "colour.h"
 
 #include <array>
+#include <cmath>
 #include <numbers>
 
 namespace ovwpaint {
@@ -78,8 +79,20 @@ void makeEraser(Brush& brush) {
     setMethod(brush, Brush::cnMethodErase, cnCacheMaximum);
 }
 
+/// An ellipse as a polygon, whose edges the rasteriser smooths in both directions; those of the circle tip's ellipses
+/// only along the rows, which shows as steps on nearly level strokes.
+void setEllipseTip(Brush& brush) {
+    constexpr int cnVertices = 24;
+    brush.pattern.patternKind = XCPattern::cnKindPolygon;
+    for (int i = 0; i < cnVertices; ++i) {
+        const double angle = 2.0 * std::numbers::pi * i / cnVertices;
+        brush.pattern.polygon.PushBack({std::cos(angle), std::sin(angle)});
+    }
+}
+
 /// The nib grows rounder as it grows smaller, so that it never becomes thinner than its stamps lie apart.
 void makeTaperedEllipse(Brush& brush) {
+    setEllipseTip(brush);
     setSize(brush, 16, 50, cnControlPressure);
     brush.color.drawColor = packColour(90, 20, 40);
     brush.sizeRate = {0.3f, 0.85f, cnControlPressure};
