@@ -92,7 +92,7 @@ std::size_t driveOf(const std::string& posix, std::size_t& covered) {
 std::string toPosixPath(std::string_view path) {
     const std::string text(path.substr(0, path.find('\0')));
     const bool onDrive = text.size() >= 2 && text[1] == ':' && driveIndex(text[0]) < cnDrives;
-    const std::string rest = inSystemEncoding(withSlashes(onDrive ? text.substr(2) : text));
+    std::string rest = inSystemEncoding(withSlashes(onDrive ? text.substr(2) : text));
     if (!onDrive)
         return rest;
     const std::string& root = drives().roots[driveIndex(text[0])];
@@ -101,7 +101,7 @@ std::string toPosixPath(std::string_view path) {
 
 std::string toLibraryPath(std::string_view posixPath) {
     std::error_code error;
-    const std::string given(posixPath);
+    std::string given(posixPath);
     std::string absolute = std::filesystem::absolute(given, error).string();
     if (error)
         absolute = given;

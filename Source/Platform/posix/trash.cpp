@@ -90,7 +90,7 @@ bool makeTrash(const fs::path& trash) {
 /// Claims a name by creating its information file exclusively; "" with errno set when that fails.
 std::string claimName(const fs::path& trash, const fs::path& original) {
     for (int attempt = 1; attempt < cnNameAttempts; ++attempt) {
-        const std::string name =
+        std::string name =
             original.filename().string() + (attempt == 1 ? std::string() : "." + std::to_string(attempt));
         const fs::path info = trash / "info" / (name + ".trashinfo");
         const int file = ::open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);

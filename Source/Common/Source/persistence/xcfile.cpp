@@ -17,7 +17,7 @@ XCFile::~XCFile() { Close(); }
 
 void XCFile::Create(const XCFilePath& path, std::uint32_t creator, std::uint32_t type, std::uint32_t access,
                     std::uint32_t share, std::uint32_t creation, std::uint32_t attributes) {
-    const XCFilePath kept(path); // it may be the path of this very file
+    const XCFilePath kept(path); // NOLINT(performance-unnecessary-copy-initialization): it may be the path of this file
     Close();
     int code = 0;
     m_nHandle = vxOpenFile(kept, creator, type, access, share, creation, attributes, &code);

@@ -81,7 +81,7 @@ std::string relativeFrom(const std::string& base, const std::string& target, std
         return {};
     if (baseEnds && isSeparator(target, position))
         return target.substr(position + 1);
-    const std::string steps = stepsUp(base, position);
+    std::string steps = stepsUp(base, position);
     if (targetEnds && isSeparator(base, position))
         return steps;
     // They part inside a component of the base, which is one more step: C:\a\c and C:\ab give ..\..\ab.

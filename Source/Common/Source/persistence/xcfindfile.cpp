@@ -58,7 +58,7 @@ int findEntry(tagFindInfo& info) {
 XCFindFile::XCFindFile() { clearInfo(m_info); }
 
 int XCFindFile::First(const XCFilePath& folder) {
-    const XCFilePath kept(folder); // it may be one of this search's own paths
+    const XCFilePath kept(folder); // NOLINT(performance-unnecessary-copy-initialization): it may be this search's own
     Close();
     vxSetLastError(0);
     auto names = std::make_shared<std::vector<std::string>>();

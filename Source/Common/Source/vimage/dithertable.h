@@ -34,7 +34,7 @@ inline constexpr auto cnDitherMatrix = bayerMatrix<cnDitherSize>();
 /// The entry for a pixel; negative coordinates continue the pattern.
 constexpr std::uint8_t ditherThreshold(int x, int y) {
     constexpr int cnMask = cnDitherSize - 1;
-    return cnDitherMatrix[static_cast<std::size_t>((y & cnMask) * cnDitherSize + (x & cnMask))];
+    return cnDitherMatrix[static_cast<unsigned>((y & cnMask) * cnDitherSize + (x & cnMask))];
 }
 
 } // namespace ovw::vimage

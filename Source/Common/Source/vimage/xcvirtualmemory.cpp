@@ -270,7 +270,7 @@ void XCVirtualMemory::allocPooled(PoolClass& pools, std::uint32_t size, XCVMHand
         bool isFresh = false;
         std::unique_ptr<VXHANDLE__, decltype(dropMemory)> memory(takeMemory(XCVMHandlePool::cnPoolBytes, isFresh));
         pools.pools.push_back(std::make_unique<XCVMHandlePool>(memory.get(), size, isFresh));
-        memory.release();
+        static_cast<void>(memory.release());
     }
     XCVMHandlePool* const pool = pools.pools[pools.firstFree].get();
     handle = {pool, pool->TakeSlot(), nullptr, size};
