@@ -108,7 +108,19 @@ TEST(XCThread, WakeUpMayComeFromAnyThreadAtAnyTime) {
     waker.join();
 }
 
+std::atomic<int> s_begun = 0;
+std::atomic<int> s_ended = 0;
+
+VXHOOKS countingHooks() {
+    s_begun = s_ended = 0;
+    VXHOOKS hooks{};
+    hooks.threadBegin = [] { ++s_begun; };
+    hooks.threadEnd = [] { ++s_ended; };
+    return hooks;
+}
+
 TEST(XCThread, AClosedThreadRunsOn) {
+    const HooksScope scope(countingHooks());
     std::atomic<bool> isOver = false;
     Worker worker([&](Worker& self, void*) {
         self.Sleep(cnMinute);
@@ -117,12 +129,10 @@ TEST(XCThread, AClosedThreadRunsOn) {
     ASSERT_EQ(worker.CreateThread(nullptr), 1);
     EXPECT_EQ(worker.CloseThread(), 1);
     EXPECT_EQ(worker.WaitForSignal(), cnNoThread);
-    while (!isOver)
+    while (!s_ended)
         std::this_thread::yield();
+    EXPECT_TRUE(isOver);
 }
-
-std::atomic<int> s_begun = 0;
-std::atomic<int> s_ended = 0;
 
 TEST(XCThread, AbortAsksTheOwnersProcedure) {
     static std::atomic<int> s_answer = 0;
@@ -136,10 +146,7 @@ TEST(XCThread, AbortAsksTheOwnersProcedure) {
     });
     EXPECT_EQ(worker.Abort(), 0);
     worker.SetAbortProc([] { return s_answer.load(); });
-    VXHOOKS hooks{};
-    hooks.threadBegin = [] { ++s_begun; };
-    hooks.threadEnd = [] { ++s_ended; };
-    const HooksScope scope(hooks);
+    const HooksScope scope(countingHooks());
     ASSERT_EQ(worker.CreateThread(nullptr), 1);
     s_answer = 7;
     EXPECT_EQ(worker.WaitForSignal(), WAIT_OBJECT_0);
