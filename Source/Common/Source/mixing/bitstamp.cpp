@@ -131,7 +131,7 @@ void SpanPainter::writeBits(const CoverageRow& row, const std::uint8_t* values) 
     CompositeSpan span = compositeSpan();
     span.a = row.a;
     span.values = values;
-    m_kernels.fastest[XCFastPixelMixer::Replace][DepthBits](span);
+    m_kernels->fastest[XCFastPixelMixer::Replace][DepthBits](span);
 }
 
 } // namespace ovw::mixing

@@ -7,8 +7,11 @@
 namespace ovw::mixing {
 namespace {
 
+constexpr int cnWideSpan = 16; // pixels from which on 512 bits are faster than 256
+
 // Null until the first use, so that drawing works in other sources' static constructors too.
 constinit std::atomic<const KernelTable*> s_kernels = nullptr;
+constinit std::atomic<const KernelTable*> s_narrowKernels = nullptr;
 
 bool isSupported(InstructionSet set) {
     if (set == InstructionSet::Base)
@@ -41,29 +44,34 @@ InstructionSet bestSet() {
     return InstructionSet::Base;
 }
 
-const KernelTable* chooseKernels() {
-    const KernelTable* best = &kernelsOf(bestSet());
-    const KernelTable* chosen = nullptr;
-    return s_kernels.compare_exchange_strong(chosen, best) ? best : chosen;
+void chooseKernels() {
+    const InstructionSet best = bestSet();
+    s_narrowKernels = &kernelsOf(best == InstructionSet::Avx512 ? InstructionSet::Avx2 : best);
+    s_kernels = &kernelsOf(best);
 }
 
 } // namespace
 
-const KernelTable& kernels() {
-    const KernelTable* table = s_kernels.load(std::memory_order_relaxed);
-    return table ? *table : *chooseKernels();
+const KernelTable& kernels(int n) {
+    const std::atomic<const KernelTable*>& table = n < cnWideSpan ? s_narrowKernels : s_kernels;
+    // Threads that meet here for the first time make the same choice.
+    if (!table.load(std::memory_order_relaxed))
+        chooseKernels();
+    return *table.load(std::memory_order_relaxed);
 }
 
 bool forceInstructionSet(InstructionSet set) {
     if (!isSupported(set))
         return false;
+    s_narrowKernels = &kernelsOf(set);
     s_kernels = &kernelsOf(set);
     return true;
 }
 
 InstructionSet instructionSet() {
+    const KernelTable* table = &kernels(cnWideSpan);
     for (InstructionSet set : {InstructionSet::Avx512, InstructionSet::Avx2}) {
-        if (&kernels() == &kernelsOf(set))
+        if (table == &kernelsOf(set))
             return set;
     }
     return InstructionSet::Base;

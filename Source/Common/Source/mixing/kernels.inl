@@ -46,7 +46,7 @@ constexpr Compositor none = nullptr;
 constexpr KernelTable cnKernels = {
     startRow, startCoverage, scaleStart, skipFull,
     {scaleByQuarters, scaleByAlpha, scaleBySum, scaleByFixed, scaleByBytes},
-    gateByMask, scaleByMask, scaleByMaskAndCap, scaleByMaskOfBlur, visitByMask,
+    gateByMask, scaleByMask, scaleByMaskAndCap, scaleByMaskOfBlur, visitCovered, visitBySource, visitByMask,
     gaussOfTable, gaussOfLine, scaleByGauss, scaleByGaussWide,
     {scaleByTexture, subtractTexture, limitByTexture, capOnly},
     {nullptr, accumulateOver, accumulateMax, accumulateAdd},

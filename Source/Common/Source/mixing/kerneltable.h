@@ -74,7 +74,10 @@ struct KernelTable {
     void (*scaleByMask)(CoverageRow& row, const std::uint8_t* mask);
     void (*scaleByMaskAndCap)(CoverageRow& row, const std::uint8_t* mask);
     void (*scaleByMaskOfBlur)(CoverageRow& row, const std::uint8_t* mask);
-    /// live = whether the mask lets the pixel through.
+    /// live = whether there is coverage.
+    void (*visitCovered)(CoverageRow& row);
+    /// Clears live where the source has nothing, or the mask lets nothing through.
+    void (*visitBySource)(CoverageRow& row, const std::int32_t* covered);
     void (*visitByMask)(CoverageRow& row, const std::uint8_t* mask);
 
     /// weights[i] = table[(position + i * step) >> 14] * strength >> 10, at most limit.
@@ -126,8 +129,8 @@ const KernelTable& baseKernels();
 const KernelTable& avx2Kernels();
 const KernelTable& avx512Kernels();
 
-/// The table of the instruction set in force.
-const KernelTable& kernels();
+/// The table of the instruction set in force for spans of n pixels: the widest vectors do not pay for short spans.
+const KernelTable& kernels(int n);
 
 /// 256 rows of 256 values: 255 * pow(below / 255, exponent(paint)) at [paint * 256 + below].
 const float* softLightCurves();

@@ -25,12 +25,12 @@ bool SpanPainter::applyCache(CoverageRow& row, const KernelPlan& plan, bool isWi
         break;
     case CacheRule::Color: accumulateColor(row, colors); break;
     default:
-        m_kernels.skipFull(row, reinterpret_cast<std::uint16_t*>(rowOf(m_mixer.m_cache)), startFactor(plan.start));
+        m_kernels->skipFull(row, reinterpret_cast<std::uint16_t*>(rowOf(m_mixer.m_cache)), startFactor(plan.start));
         accumulate(row);
     }
     const bool staysWide = isWide && accumulation() == AccumulateNone;
-    (staysWide ? m_kernels.scaleByOpacityWide
-               : m_kernels.scaleByOpacity)(row, static_cast<std::int32_t>(m_mixer.m_mixAlpha));
+    (staysWide ? m_kernels->scaleByOpacityWide
+               : m_kernels->scaleByOpacity)(row, static_cast<std::int32_t>(m_mixer.m_mixAlpha));
     if (usesTexture(plan) && texturesAfter())
         applyTexture(row, Scale15::cnOne);
     return true;
@@ -45,7 +45,7 @@ Accumulation SpanPainter::accumulation() const {
 }
 
 void SpanPainter::accumulate(CoverageRow& row) const {
-    if (auto add = m_kernels.accumulate[accumulation()])
+    if (auto add = m_kernels->accumulate[accumulation()])
         add(row, reinterpret_cast<std::uint16_t*>(rowOf(m_mixer.m_cache)));
 }
 
@@ -61,7 +61,7 @@ void SpanPainter::sampleBelow(const CoverageRow& row) const {
         return;
     }
     ColorSums sums;
-    m_kernels.sumColors(sums, row, pixels);
+    m_kernels->sumColors(sums, row, pixels);
     average->m_sumAlpha += sums.alpha;
     average->m_sum2 += sums.red;
     average->m_sum1 += sums.green;
@@ -77,12 +77,12 @@ void SpanPainter::accumulateWater(CoverageRow& row) const {
     std::copy_n(row.a, m_n, dab);
     accumulate(row);
     if (m_depth == 8)
-        return m_kernels.mixDensityCache(rowOf(m_mixer.m_cacheColor), dab, row, m_mixer.m_a);
+        return m_kernels->mixDensityCache(rowOf(m_mixer.m_cacheColor), dab, row, m_mixer.m_a);
     alignas(64) std::int32_t share[cnRowPixels];
     alignas(64) std::uint32_t colors[cnRowPixels];
     std::fill_n(colors, m_n, paintColor() | static_cast<std::uint32_t>(m_mixer.m_a) << 24);
-    m_kernels.shareOfDab(share, dab, row);
-    m_kernels.moveColors32(rowOf(m_mixer.m_cacheColor), colors, share, m_n, 0);
+    m_kernels->shareOfDab(share, dab, row);
+    m_kernels->moveColors32(rowOf(m_mixer.m_cacheColor), colors, share, m_n, 0);
 }
 
 /// Colour and coverage together: the larger coverage before the sum, and no addition. With neither, both caches stay.
@@ -90,15 +90,15 @@ void SpanPainter::accumulateColor(CoverageRow& row, const std::uint32_t* colors)
     alignas(64) std::int32_t share[cnRowPixels];
     auto* cache = reinterpret_cast<std::uint16_t*>(rowOf(m_mixer.m_cache));
     if (hasStyle(XCFastPixelMixer::STYLE_CACHE_MAX))
-        m_kernels.accumulateColorMax(row, cache, share);
+        m_kernels->accumulateColorMax(row, cache, share);
     else if (hasStyle(XCFastPixelMixer::STYLE_CACHE_OVER))
-        m_kernels.accumulateColorOver(row, cache, share);
+        m_kernels->accumulateColorOver(row, cache, share);
     else
         return;
     if (m_depth == 24)
-        m_kernels.moveColors24(rowOf(m_mixer.m_cacheColor), colors, share, m_n);
+        m_kernels->moveColors24(rowOf(m_mixer.m_cacheColor), colors, share, m_n);
     else
-        m_kernels.moveColors32(rowOf(m_mixer.m_cacheColor), colors, share, m_n, cnKeepAlphaByte);
+        m_kernels->moveColors32(rowOf(m_mixer.m_cacheColor), colors, share, m_n, cnKeepAlphaByte);
 }
 
 } // namespace ovw::mixing

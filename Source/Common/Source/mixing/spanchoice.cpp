@@ -30,6 +30,7 @@ bool SpanPainter::place(int x1, int x2, int y) {
     m_x = left;
     m_y = y;
     m_n = right - left + 1;
+    m_kernels = &kernels(m_n);
     return true;
 }
 

@@ -110,9 +110,9 @@ void SpanPainter::cloneBits(const CoverageRow& row, const std::uint32_t* colors)
 Compositor SpanPainter::compositorOf(CompositorSet set, bool overNothing) const {
     const DepthColumn column = columnOf(m_depth);
     if (set == CompositorSet::Blur)
-        return m_kernels.blur[column];
+        return m_kernels->blur[column];
     if (set == CompositorSet::Clone)
-        return m_kernels.clone[column];
+        return m_kernels->clone[column];
     const int composition = m_mixer.m_composition;
     const bool exists = composition >= 0 && composition < cnCompositions;
     return exists && !keepsNothing(overNothing) ? tableOf(set, overNothing)[composition][column] : nullptr;
@@ -120,12 +120,12 @@ Compositor SpanPainter::compositorOf(CompositorSet set, bool overNothing) const 
 
 const CompositorTable& SpanPainter::tableOf(CompositorSet set, bool overNothing) const {
     switch (set) {
-    case CompositorSet::Fastest: return m_kernels.fastestRow;
-    case CompositorSet::Direct: return m_kernels.direct;
-    case CompositorSet::Stamp: return m_kernels.stamp;
-    case CompositorSet::Water: return m_kernels.water;
-    case CompositorSet::ColorCache: return overNothing ? m_kernels.colorOverNothing : m_kernels.colorCache;
-    default: return overNothing ? m_kernels.cacheOverNothing : m_kernels.cache;
+    case CompositorSet::Fastest: return m_kernels->fastestRow;
+    case CompositorSet::Direct: return m_kernels->direct;
+    case CompositorSet::Stamp: return m_kernels->stamp;
+    case CompositorSet::Water: return m_kernels->water;
+    case CompositorSet::ColorCache: return overNothing ? m_kernels->colorOverNothing : m_kernels->colorCache;
+    default: return overNothing ? m_kernels->cacheOverNothing : m_kernels->cache;
     }
 }
 

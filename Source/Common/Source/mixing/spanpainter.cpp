@@ -27,7 +27,7 @@ enum TextureMode { cnModeScaleBiased, cnModeScale, cnModeSubtract, cnModeLimit }
 } // namespace
 
 SpanPainter::SpanPainter(XCFastPixelMixer& mixer)
-    : m_mixer(mixer), m_kernels(kernels()), m_depth(mixer.m_dst ? mixer.m_dst->GetDepth() : 0) {}
+    : m_mixer(mixer), m_depth(mixer.m_dst ? mixer.m_dst->GetDepth() : 0) {}
 
 // ---- Entries
 
@@ -94,12 +94,14 @@ void SpanPainter::run(const KernelPlan& plan, const float* coverage) {
     SourceRow source;
     row.n = m_n;
     start(row, plan, coverage);
+    if (plan.cache == CacheRule::Water)
+        m_kernels->visitCovered(row);
     if (m_source && !applySource(row, source, plan))
         return;
     if (m_mixer.m_mask && plan.mask != MaskRule::None)
         applyMask(row, plan);
     if (m_source && source.scale == ScaleByte)
-        m_kernels.scaleBySource[ScaleByte](row, source.weight);
+        m_kernels->scaleBySource[ScaleByte](row, source.weight);
     if (isWeighted)
         applyGauss(row, isWide);
     if (usesTexture(plan) && !texturesAfter())
@@ -117,7 +119,7 @@ void SpanPainter::runUniform() {
     // Full opacity covers: it needs no look at the pixels below.
     const bool covers = span.opacity == Scale8::cnOne && m_mixer.m_composition == XCFastPixelMixer::Normal;
     const int composition = covers ? XCFastPixelMixer::Replace : m_mixer.m_composition;
-    if (Compositor compositor = m_kernels.fastest[composition][columnOf(m_depth)])
+    if (Compositor compositor = m_kernels->fastest[composition][columnOf(m_depth)])
         compositor(span);
 }
 
@@ -125,8 +127,8 @@ void SpanPainter::start(CoverageRow& row, const KernelPlan& plan, const float* c
     const std::int32_t factor = startFactor(plan.start);
     const auto mixAlpha = static_cast<std::int32_t>(m_mixer.m_mixAlpha);
     if (coverage) {
-        m_kernels.startCoverage(row, coverage, static_cast<float>(m_mixer.m_baseAlpha));
-        m_kernels.scaleStart(row, factor, factor);
+        m_kernels->startCoverage(row, coverage, static_cast<float>(m_mixer.m_baseAlpha));
+        m_kernels->scaleStart(row, factor, factor);
         // The coverages scaled the cache alpha, which images only ask whether it is 0.
         if (plan.start == Start::Image && m_mixer.m_cache) {
             for (int i = 0; i < m_n; ++i)
@@ -135,11 +137,7 @@ void SpanPainter::start(CoverageRow& row, const KernelPlan& plan, const float* c
     } else {
         const bool fromCache = plan.cache != CacheRule::None || plan.start == Start::CacheByte;
         const auto alpha = fromCache ? static_cast<std::int32_t>(m_mixer.m_cacheAlpha) : mixAlpha;
-        m_kernels.startRow(row, Scale15::scaled(alpha, factor), factor);
-    }
-    if (plan.cache == CacheRule::Water) {
-        for (int i = 0; i < m_n; ++i)
-            row.live[i] = row.a[i] != 0 ? -1 : 0;
+        m_kernels->startRow(row, Scale15::scaled(alpha, factor), factor);
     }
 }
 
@@ -158,12 +156,10 @@ std::int32_t SpanPainter::startFactor(Start start) const {
 bool SpanPainter::applySource(CoverageRow& row, SourceRow& source, const KernelPlan& plan) const {
     if (!fetchSource(source, m_n, sourceView(plan)))
         return false;
-    if (plan.cache == CacheRule::Water) {
-        for (int i = 0; i < m_n; ++i)
-            row.live[i] = source.covered[i] != 0 ? row.live[i] : 0;
-    }
+    if (plan.cache == CacheRule::Water)
+        m_kernels->visitBySource(row, source.covered);
     if (source.scale != ScaleByte)
-        m_kernels.scaleBySource[source.scale](row, source.weight);
+        m_kernels->scaleBySource[source.scale](row, source.weight);
     return true;
 }
 
@@ -193,19 +189,19 @@ void SpanPainter::applyMask(CoverageRow& row, const KernelPlan& plan) const {
     std::uint8_t values[cnRowPixels];
     fetchMaskValues(values, plan.mask);
     if (plan.cache == CacheRule::Water)
-        m_kernels.visitByMask(row, values);
+        m_kernels->visitByMask(row, values);
     switch (m_mixer.m_mask->GetDepth() == 1 ? MaskRule::Gate : plan.mask) {
-    case MaskRule::Scale: return m_kernels.scaleByMask(row, values);
-    case MaskRule::ScaleAndCap: return m_kernels.scaleByMaskAndCap(row, values);
-    case MaskRule::ScaleBlur: return m_kernels.scaleByMaskOfBlur(row, values);
-    default: return m_kernels.gateByMask(row, values);
+    case MaskRule::Scale: return m_kernels->scaleByMask(row, values);
+    case MaskRule::ScaleAndCap: return m_kernels->scaleByMaskAndCap(row, values);
+    case MaskRule::ScaleBlur: return m_kernels->scaleByMaskOfBlur(row, values);
+    default: return m_kernels->gateByMask(row, values);
     }
 }
 
 void SpanPainter::applyGauss(CoverageRow& row, bool isWide) const {
     alignas(64) std::int32_t weights[cnRowPixels];
-    GaussRow::fetch(weights, m_n, *m_mixer.m_plotGauss, isWide ? cnUnclipped : Scale15::cnOne, m_kernels);
-    (isWide ? m_kernels.scaleByGaussWide : m_kernels.scaleByGauss)(row, weights);
+    GaussRow::fetch(weights, m_n, *m_mixer.m_plotGauss, isWide ? cnUnclipped : Scale15::cnOne, *m_kernels);
+    (isWide ? m_kernels->scaleByGaussWide : m_kernels->scaleByGauss)(row, weights);
 }
 
 bool SpanPainter::usesTexture(const KernelPlan& plan) const {
@@ -219,11 +215,11 @@ void SpanPainter::applyTexture(CoverageRow& row, std::int32_t alpha) const {
                  std::int64_t{m_x} + m_mixer.m_textureOffsetX, std::int64_t{m_y} + m_mixer.m_textureOffsetY);
     const std::int32_t bias = std::clamp(m_mixer.m_textureDensity, -cnTextureBias, cnMaxBias) + cnTextureBias;
     switch (m_mixer.m_textureMode) {
-    case cnModeScaleBiased: return m_kernels.texture[TextureScale](row, texels, bias);
-    case cnModeScale: return m_kernels.texture[TextureScale](row, texels, 255);
-    case cnModeSubtract: return m_kernels.texture[TextureSubtract](row, texels, alpha);
-    case cnModeLimit: return m_kernels.texture[TextureLimit](row, texels, alpha);
-    default: return m_kernels.texture[TextureCap](row, texels, 0);
+    case cnModeScaleBiased: return m_kernels->texture[TextureScale](row, texels, bias);
+    case cnModeScale: return m_kernels->texture[TextureScale](row, texels, 255);
+    case cnModeSubtract: return m_kernels->texture[TextureSubtract](row, texels, alpha);
+    case cnModeLimit: return m_kernels->texture[TextureLimit](row, texels, alpha);
+    default: return m_kernels->texture[TextureCap](row, texels, 0);
     }
 }
 

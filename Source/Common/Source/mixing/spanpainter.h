@@ -89,16 +89,16 @@ private:
     std::uint8_t* rowOf(const XCVOffscreen* image) const;
 
     XCFastPixelMixer& m_mixer;
-    const KernelTable& m_kernels;
     int m_depth;
+    const KernelTable* m_kernels = nullptr;
     // The span, inside the block.
     int m_x = 0;
     int m_y = 0;
     int m_n = 0;
     // Of copies: the image, and where its samples begin.
     const XCSimpleImage* m_source = nullptr;
-    SampleLine m_line{};
-    SampleLine m_lineB{};
+    SampleLine m_line;
+    SampleLine m_lineB;
 };
 
 /// cnDepthColumns for a depth that no kernel paints.

@@ -93,6 +93,16 @@ void scaleByMaskOfBlur(CoverageRow& row, const std::uint8_t* __restrict mask) {
         row.a[i] = Scale15::scaledByByte(row.a[i], mask[i]);
 }
 
+void visitCovered(CoverageRow& row) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.live[i] = row.a[i] != 0 ? -1 : 0;
+}
+
+void visitBySource(CoverageRow& row, const std::int32_t* __restrict covered) {
+    for (int i = 0, n = row.n; i < n; ++i)
+        row.live[i] = covered[i] != 0 ? row.live[i] : 0;
+}
+
 void visitByMask(CoverageRow& row, const std::uint8_t* __restrict mask) {
     for (int i = 0, n = row.n; i < n; ++i)
         row.live[i] = mask[i] != 0 ? row.live[i] : 0;
