@@ -24,10 +24,6 @@ struct Duel {
     double aim = 0.0;                   ///< the share of the limit to reach; 0: none
     double pixels = 0.0;                ///< painted by one call of `work`, for a second figure; 0: none
     double items = 1.0;                 ///< in one call of `work`; allocations are counted by item
-};                                      ///< untimed, before every call of `work`: paint must not pile up
-double aim = 0.0;                       ///< the share of the limit to reach; 0: none
-double pixels = 0.0;                    ///< painted by one call of `work`, for a second figure; 0: none
-double items = 1.0;                     ///< in one call of `work`; allocations are counted by item
 };
 
 /// Times both in turns (A B A B ...), so that other load on the machine meets both alike, and reports the medians.
