@@ -1,5 +1,5 @@
 # The kernels of the mixer: loops that must vectorise, compiled once an instruction set with the same results.
-# -mno-fma, -ffp-contract=off: a fused multiply-add would round differently from one set to the other.
+# -ffp-contract=off: a fused multiply-add would round differently from one set to the other.
 set(ovw_mixing ${CMAKE_CURRENT_LIST_DIR})
 set(ovw_kernel_flags -O3 -ffp-contract=off -fno-math-errno -fno-trapping-math)
 set_source_files_properties(${ovw_mixing}/kernels_base.cpp PROPERTIES COMPILE_OPTIONS "${ovw_kernel_flags}")
