@@ -9,9 +9,9 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 # (pattern, files it is looked for in, files that may, why)
 RULES = [
-    (r'>> 15|\+ 16384|/ 255\b', r'^Source/Common/Source/mixing/', r'fixedpoint\.h$',
+    (r'>> 15|\+ 16384|/ 255(?![.\w])', r'^Source/Common/Source/mixing/', r'fixedpoint\.h$',
      'the fixed-point arithmetic of the mixers stands in mixing/fixedpoint.h'),
-    (r'switch \((\w+(\.|->))?(\w*[dD]epth|GetDepth\(\))\)', r'^Source/Common/Source/', r'withformat\.h$',
+    (r'switch \((\w+(\.|->))?(\w*[dD]epth|GetDepth\(\))\)', r'^Source/Common/Source/(vimage|offscreen)/', r'withformat\.h$',
      'a decision by depth is made by withFormat or by a table'),
     (r'\b(TODO|FIXME|XXX)\b', r'\.(h|cpp|inl|py|cmake)$|^dev$', r'^checks/habits\.py$', 'unfinished work is not committed'),
     (r'\bnew (?!\()|\bdelete ', r'^tools/', r'$^', 'tools own nothing by hand'),

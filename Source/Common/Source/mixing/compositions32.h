@@ -152,9 +152,10 @@ struct Blur15 : ActsEverywhere {
     static constexpr bool cnUsesPaintAlpha = true;
     static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
         const std::int32_t alpha = Scale15::lerp(alphaOf(o), alphaOf(c), a);
-        const bool copies = (a == Scale15::cnOne) | ((alphaOf(o) == 0) & (alphaOf(c | ~keep) != 0));
+        const int shows = int{alphaOf(o) == 0} & int{alphaOf(c | ~keep) != 0};
+        const int copies = int{a == Scale15::cnOne} | shows;
         const std::int32_t fading = alphaOf(c) == 0 ? 0 : a;
-        const std::int32_t w = copies ? Scale15::cnOne : fading;
+        const std::int32_t w = copies != 0 ? Scale15::cnOne : fading;
         return eachChannel(o, c, alpha, [w](std::int32_t p, std::int32_t q) { return Scale15::lerp(p, q, w); });
     }
 };
@@ -170,7 +171,7 @@ struct Clone15 : PaintsImages {
             eachChannel(o, c, Scale15::lerp(below, paint, a), [k](std::int32_t p, std::int32_t q) {
                 return least(rounded(static_cast<float>(p) * (1.0f - k) + static_cast<float>(q) * k), 255);
             });
-        return (a == Scale15::cnOne) & (keep == 0) ? c : mixed;
+        return ((a == Scale15::cnOne) & (keep == 0)) ? c : mixed;
     }
 };
 

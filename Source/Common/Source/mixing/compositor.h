@@ -54,7 +54,7 @@ std::uint32_t composed32(const Mode& mode, std::uint32_t d, std::uint32_t o, std
         color &= ~cnAlphaMask;
     const std::uint32_t pixel = mode.pixel(o, color, a, keep);
     if constexpr (Mode::cnLeavesVanished)
-        kept |= (pixel <= ~cnAlphaMask) & (o > ~cnAlphaMask) & (a != Scale15::cnOne) ? ~cnAlphaMask : 0;
+        kept |= ((pixel <= ~cnAlphaMask) & (o > ~cnAlphaMask) & (a != Scale15::cnOne)) ? ~cnAlphaMask : 0;
     const std::uint32_t result = (pixel & ~kept) | (d & kept);
     bool acts = a != 0;
     if constexpr (!Mode::cnActsOnEmpty)

@@ -218,7 +218,7 @@ void shareOfDab(std::int32_t* __restrict share, const std::int32_t* __restrict d
     for (int i = 0, n = row.n; i < n; ++i) {
         const std::int32_t sum = row.a[i];
         // In double the quotient of the two integers is exact.
-        const double part = (static_cast<double>(dab[i]) * Scale15::cnOne + sum / 2) / most(sum, 1);
+        const double part = (static_cast<double>(dab[i]) * Scale15::cnOne + (sum >> 1)) / most(sum, 1);
         const std::int32_t all = sum != 0 ? Scale15::cnOne : 0;
         share[i] = sum > dab[i] ? static_cast<std::int32_t>(part) : all;
     }
