@@ -159,8 +159,8 @@ TEST_F(SwapFile, FoldersThatCannotHoldItAreErrors) {
 /// The system's file system, but for what a test takes away from it.
 class FailingDisk : public platform::FileSystem {
 public:
-    FailingDisk() : m_system(platform::replaceFileSystem(this)) {}
-    ~FailingDisk() override { platform::replaceFileSystem(m_system); }
+    FailingDisk() : m_system(&platform::fileSystem()) { platform::replaceFileSystem(this); }
+    ~FailingDisk() override { platform::replaceFileSystem(nullptr); }
 
     int writeError = 0;
     int readError = 0;

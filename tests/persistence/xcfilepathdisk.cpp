@@ -1,0 +1,247 @@
+#include "ovwcmn/xcfilepath.h"
+
+#include "ovwcmn/vxwutl.h"
+#include "ovwcmn/xcfile.h"
+#include "ovwcmn/xctime.h"
+#include "support/scopes.h"
+#include "support/tempfolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <ctime>
+#include <string>
+
+namespace {
+
+using namespace ovw::test;
+namespace fs = std::filesystem;
+
+std::string nameOf(const XCFilePath& path) {
+    XCString name;
+    path.GetFileName(name);
+    return name.GetStr();
+}
+
+class XCFilePathDisk : public testing::Test {
+protected:
+    XCFilePath path(const char* name) const { return m_folder.path(name); }
+
+    TempFolder m_folder;
+};
+
+TEST_F(XCFilePathDisk, QueriesAnswerAndNeverThrow) {
+    m_folder.write("file", "12");
+    fs::create_directory(m_folder.posix("folder"));
+    const XCFilePath missing = path("missing\\deeper"), empty, file = path("file"), folder = path("folder");
+    EXPECT_EQ(file.IsExistence(), 1);
+    EXPECT_EQ(folder.IsExistence(), 1);
+    EXPECT_EQ(file.IsFolder(), 0);
+    EXPECT_EQ(folder.IsFolder(), 1);
+    EXPECT_EQ(folder.IsFolderEmpty(), 1);
+    EXPECT_EQ(file.IsFolderEmpty(), 0);
+    EXPECT_EQ(m_folder.path().IsFolderEmpty(), 0);
+    EXPECT_EQ(XCFilePath("C:\\").IsRoot(), 1);
+    EXPECT_EQ(folder.IsRoot(), 0);
+    for (const XCFilePath& none : {missing, empty}) {
+        EXPECT_EQ(none.IsExistence() + none.IsFolder() + none.IsFolderEmpty() + none.IsHidden() + none.GetReadOnly(),
+                  0);
+        EXPECT_EQ(XCFilePath::GetDiskSpace("?:\\"), 0u);
+    }
+    EXPECT_GT(XCFilePath::GetDiskSectorSize(folder), 0u);
+    EXPECT_EQ(XCFilePath::GetDiskClusterSize(folder) % XCFilePath::GetDiskSectorSize(folder), 0u);
+    EXPECT_GT(XCFilePath::GetDiskSpace(folder), XCFilePath::GetDiskFreeSpaceA(folder));
+    EXPECT_GT(XCFilePath::GetDiskFreeSpaceA(folder), 0u);
+}
+
+TEST_F(XCFilePathDisk, AttributesReadAndSet) {
+    m_folder.write("file", "x");
+    m_folder.write(".dot", "x");
+    XCFilePath file = path("file");
+    EXPECT_EQ(file.IsHidden() + file.GetReadOnly(), 0);
+    EXPECT_EQ(path(".dot").IsHidden(), 1);
+    file.SetReadOnly(1);
+    EXPECT_EQ(file.GetReadOnly(), 1);
+    EXPECT_EQ(fs::status(m_folder.posix("file")).permissions() & fs::perms::owner_write, fs::perms::none);
+    file.SetReadOnly(0);
+    EXPECT_EQ(file.GetReadOnly(), 0);
+    const int error = errorOf([&] { file.SetHidden(1); });
+    if (error == 0) {
+        EXPECT_EQ(file.IsHidden(), 1);
+        EXPECT_EQ(file.GetReadOnly(), 0);
+        file.SetHidden(0);
+        EXPECT_EQ(file.IsHidden(), 0);
+    } else {
+        EXPECT_EQ(error, 50); // a volume without extended attributes
+    }
+    XCFilePath missing = path("missing");
+    EXPECT_EQ(errorOf([&] { missing.SetReadOnly(1); }), 2);
+}
+
+TEST_F(XCFilePathDisk, CreateFolder) {
+    path("new").CreateFolder();
+    EXPECT_TRUE(fs::is_directory(m_folder.posix("new")));
+    path("new\\").CreateFolder();
+    m_folder.write("file", "");
+    EXPECT_EQ(errorOf([&] { path("file").CreateFolder(); }), 0x2001000A);
+    EXPECT_EQ(errorOf([&] { path("missing\\deeper").CreateFolder(); }), 3);
+}
+
+TEST_F(XCFilePathDisk, DeleteTakesFilesAndWholeFolders) {
+    m_folder.write("file", "");
+    fs::create_directories(m_folder.posix("folder/deep"));
+    m_folder.write("folder/deep/a", "");
+    m_folder.write("kept", "safe");
+    fs::create_symlink("../kept", m_folder.posix("folder/link"));
+    path("folder").FileDelete(0);
+    EXPECT_TRUE(m_folder.has("folder"));
+    path("file").FileDelete(0);
+    path("folder").Delete(0);
+    path("missing").Delete(0);
+    XCFilePath().Delete(0);
+    EXPECT_EQ(m_folder.names(), std::vector<std::string>{"kept"});
+    EXPECT_EQ(m_folder.read("kept"), "safe");
+}
+
+TEST_F(XCFilePathDisk, CopyAndMoveFiles) {
+    m_folder.write("a", "from");
+    m_folder.write("b", "there already");
+    EXPECT_EQ(errorOf([&] { XCFilePath::CopyFileA(path("b"), path("a"), 1); }), 0x2001000A);
+    EXPECT_EQ(m_folder.read("b"), "there already");
+    XCFilePath::CopyFileA(path("b"), path("a"), 0);
+    EXPECT_EQ(m_folder.read("b"), "from");
+    EXPECT_EQ(errorOf([&] { XCFilePath::CopyFileA(path("c"), path("missing"), 0); }), 2);
+    EXPECT_FALSE(m_folder.has("c"));
+    EXPECT_EQ(errorOf([&] { XCFilePath::CopyFileA(path("no\\c"), path("a"), 0); }), 3);
+    EXPECT_EQ(errorOf([&] { XCFilePath::CopyFileA(path("a"), path("a"), 0); }) != 0, true);
+    EXPECT_EQ(m_folder.read("a"), "from");
+
+    m_folder.write("m", "moved");
+    EXPECT_EQ(errorOf([&] { XCFilePath::MoveFileA(path("a"), path("m"), 1); }), 0x2001000A);
+    XCFilePath::MoveFileA(path("a"), path("m"), 0);
+    EXPECT_EQ(m_folder.read("a"), "moved");
+    EXPECT_FALSE(m_folder.has("m"));
+    EXPECT_EQ(errorOf([&] { XCFilePath::MoveFileA(path("n"), path("m"), 0); }), 2);
+}
+
+TEST_F(XCFilePathDisk, RenameKeepsTheFolder) {
+    m_folder.write("old", "x");
+    XCFilePath file = path("old");
+    file.Rename("OLD");
+    EXPECT_TRUE(m_folder.has("old"));
+    EXPECT_EQ(nameOf(file), "old");
+    file.Rename("new.txt");
+    EXPECT_EQ(m_folder.names(), std::vector<std::string>{"new.txt"});
+    EXPECT_EQ(nameOf(file), "new.txt");
+    XCFilePath missing = path("missing");
+    EXPECT_EQ(errorOf([&] { missing.Rename("other"); }), 2);
+    EXPECT_EQ(nameOf(missing), "missing");
+}
+
+TEST_F(XCFilePathDisk, FoldersCopyAndMoveWhole) {
+    fs::create_directories(m_folder.posix("src/in/deep"));
+    m_folder.write("src/a", "1");
+    m_folder.write("src/in/deep/b", "2");
+    fs::create_directory(m_folder.posix("dest"));
+    XCFilePath::CopyFolder(path("dest"), path("src"), 1, 0);
+    EXPECT_EQ(m_folder.read("dest/src/a"), "1");
+    EXPECT_EQ(m_folder.read("dest/src/in/deep/b"), "2");
+    EXPECT_EQ(errorOf([&] { XCFilePath::CopyFolder(path("dest"), path("src"), 1, 0); }), 0x2001000A);
+    EXPECT_EQ(errorOf([&] { XCFilePath::CopyFolder(path("dest"), path("src"), 0, 0); }), 80); // its files exist
+    fs::create_directory(m_folder.posix("other"));
+    XCFilePath::CopyFolder(path("other\\SRC"), path("src"), 0, 0); // the same name: the target itself
+    EXPECT_EQ(m_folder.read("other/SRC/a"), "1");
+    XCFilePath::MoveFolder(path("other"), path("src"), 1);
+    EXPECT_FALSE(m_folder.has("src"));
+    EXPECT_EQ(m_folder.read("other/src/in/deep/b"), "2");
+    EXPECT_EQ(errorOf([&] { XCFilePath::MoveFolder(path("other"), path("dest\\src"), 1); }), 0x2001000A);
+    EXPECT_NE(errorOf([&] { XCFilePath::MoveFolder(path("other"), path("missing"), 0); }), 0);
+    EXPECT_NE(errorOf([&] { XCFilePath::CopyFolder(path("other\\src"), path("other"), 0, 1); }),
+              0); // into itself: ends
+}
+
+TEST_F(XCFilePathDisk, NumberedNamesFillTheFirstGap) {
+    auto next = [&](int digits, const char* ext, const char* prefix, int maximum = 0) {
+        XCFilePath result("C:\\unset");
+        return result.GetSequencialFilePath2(m_folder.path(), digits, ext, prefix, maximum) ? nameOf(result) : "none";
+    };
+    EXPECT_EQ(next(4, nullptr, "ab"), "ab0001");
+    for (const char* name : {"ab0001", "ab0002", "AB0004", "x9", "ab", "ab0003.txt"})
+        m_folder.write(name, "");
+    m_folder.write(".ab0003", ""); // hidden
+    EXPECT_EQ(next(4, "txt", "ab"), "ab0004.txt");
+    fs::remove(m_folder.posix("ab0003.txt"));
+    EXPECT_EQ(next(4, nullptr, "ab"), "ab0003");
+    EXPECT_EQ(next(0, nullptr, "ab"), "ab3");
+    EXPECT_EQ(next(2, "TXT", nullptr), "01.TXT");
+    EXPECT_EQ(next(9, nullptr, "007"), "003"); // digits only: a pattern
+    EXPECT_EQ(next(9, nullptr, "7"), "3");
+    m_folder.write("ab0003", "");
+    EXPECT_EQ(next(4, nullptr, "ab", 4), "none");
+    EXPECT_EQ(next(4, nullptr, "ab", 5), "ab0005");
+    m_folder.write("p99999999999999999999", "");
+    EXPECT_NE(next(1, nullptr, "p"), "");
+    XCFilePath plain;
+    EXPECT_EQ(plain.GetSequencialFilePath(m_folder.path(), 3, "png", "q"), 1);
+    EXPECT_EQ(nameOf(plain), "q001.png");
+}
+
+TEST_F(XCFilePathDisk, TemporaryNamesAreNewPrivateFiles) {
+    XCFilePath first = path("whatever"), second = path("whatever");
+    ASSERT_EQ(first.MakeTempPath("SWP", 1), 1);
+    ASSERT_EQ(second.MakeTempPath("SWP", 1), 1);
+    EXPECT_TRUE(first != second);
+    EXPECT_EQ(m_folder.names().size(), 2u);
+    struct stat status;
+    ASSERT_EQ(stat(m_folder.posix(nameOf(first)).c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600u);
+    EXPECT_EQ(status.st_size, 0);
+    EXPECT_EQ(nameOf(first).substr(0, 3), "SWP");
+    XCFilePath nowhere = path("missing\\x");
+    EXPECT_EQ(nowhere.MakeTempPath("SWP", 1), 0);
+    EXPECT_EQ(nameOf(nowhere), "x");
+    XCFilePath system;
+    EXPECT_EQ(system.MakeTempPath("abcdef", 0), 1);
+    EXPECT_EQ(nameOf(system).substr(0, 3), "abc");
+    EXPECT_EQ(system.IsExistence(), 1);
+    system.Delete(0);
+}
+
+TEST_F(XCFilePathDisk, CanSaveLeavesNothingBehind) {
+    EXPECT_EQ(path("new file").CanSaveFile(), 1);
+    EXPECT_TRUE(m_folder.names().empty());
+    EXPECT_NE(errorOf([&] { path("missing\\file").CanSaveFile(); }), 0);
+}
+
+TEST_F(XCFilePathDisk, TimesInWinterAndSummer) {
+    TimeZoneScope zone("CET-1CEST,M3.5.0,M10.5.0/3");
+    m_folder.write("file", "x");
+    fs::create_directory(m_folder.posix("folder"));
+    for (std::time_t seconds : {std::time_t(1231135680), std::time_t(1246860480)}) {
+        const timespec times[2] = {{seconds, 0}, {seconds, 0}};
+        for (const char* name : {"file", "folder"}) {
+            ASSERT_EQ(utimensat(AT_FDCWD, m_folder.posix(name).c_str(), times, 0), 0);
+            XCTime time;
+            path(name).GetTime(time);
+            EXPECT_EQ(std::int32_t(time), seconds) << name;
+        }
+    }
+    XCTime time;
+    EXPECT_EQ(errorOf([&] { path("missing").GetTime(time); }), 2);
+}
+
+TEST_F(XCFilePathDisk, NamesOfTheCodePageOnTheDisk) {
+    {
+        CodePageScope japanese(932);
+        path("\x95\x5C").CreateFolder();
+        EXPECT_EQ(path("\x95\x5C").IsFolder(), 1);
+        XCFile file;
+        file.Create(path("\x95\x5C\\\x83\x5C.txt"), 0, 0, GENERIC_WRITE, 0, CREATE_NEW, 0);
+    }
+    EXPECT_TRUE(m_folder.has("\xE8\xA1\xA8/\xE3\x82\xBD.txt"));
+}
+
+} // namespace
