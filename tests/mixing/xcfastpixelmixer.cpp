@@ -472,6 +472,19 @@ TEST(FastPixelMixer, TheDestinationMayBeItsOwnCloneSource) {
     }
 }
 
+TEST(FastPixelMixer, ReadingFromTheDestinationCreatesNoBlocks) {
+    Easel easel(8);
+    XCVOffscreen& image = *easel.destination().get();
+    easel.mixer.SetCloneOffscreen(&image, XCPoint(300, 0));
+    easel.paint(0, 30);
+    easel.mixer.SetCloneOffscreen(nullptr, XCPoint());
+    easel.mixer.SetMask(&image, XCPoint(-300, 0));
+    easel.paint(0, 30);
+    EXPECT_TRUE(image.GetBlockExist(0));
+    EXPECT_FALSE(image.GetBlockExist(1));
+    EXPECT_FALSE(image.CheckBlockEdited(1));
+}
+
 TEST(FastPixelMixer, CopiesOfAMixerPaintAlike) {
     Easel easel(32, true);
     easel.set(0, withAlpha(cnBelow, 128));

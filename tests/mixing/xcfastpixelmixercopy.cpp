@@ -77,6 +77,24 @@ TEST(FastPixelMixerCopy, StepsThroughTheSourceAndBeyond) {
     EXPECT_EQ(stamped(easel, stamp, 6, -2), (Values{10, 10, 10, 20, 30, 30}));
 }
 
+TEST(FastPixelMixerCopy, ASpanThatBeginsLeftOfTheBlockLosesNoMoreThanThat) {
+    for (const bool isSoft : {false, true}) {
+        Easel easel(8);
+        Stamp stamp(easel, 8, {10, 20, 30, 40, 50, 60, 70, 80, 90, 100}, 2);
+        easel.mixer.SetDrawCompositioin(Mixer::Replace);
+        easel.mixer.SetStyleFlag(Mixer::STYLE_ANTIALIAS, isSoft);
+        easel.mixer.MoveCursorToBlock(256, 0);
+        if (isSoft)
+            easel.mixer.SetSrcUVParamAntiAlias(0, 0, 1, 0, 0, 1, 1, 0);
+        else
+            easel.mixer.SetSrcUVParam(0, 0, 1, 0);
+        easel.mixer.DoLineRowCopy(250, 260, 0, stamp.get());
+        EXPECT_EQ(easel.value(255), 0u);
+        for (int x = 256; x < 260; ++x)
+            EXPECT_EQ(easel.value(x), std::uint32_t(10 * (x - 249))) << x << (isSoft ? ", 2 x 2" : "");
+    }
+}
+
 TEST(FastPixelMixerCopy, TheNextRowBeginsAtTheSameColumn) {
     Easel easel(8);
     Stamp stamp(easel, 8, {10, 20, 30, 40}, 2);

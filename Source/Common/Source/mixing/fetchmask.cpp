@@ -1,6 +1,7 @@
 #include "mixing/fetchmask.h"
 
 #include "mixing/imageline.h"
+#include "ovwcmn/xcvoffscreenlock.h"
 
 #include <cstring>
 
@@ -22,6 +23,7 @@ void expandBits(std::uint8_t* values, int n, const std::uint8_t* row, int column
 } // namespace
 
 void fetchMask(std::uint8_t* values, int n, XCVOffscreen& mask, const MaskLine& line) {
+    const XCVOffscreenEditLock onlyReads(&mask);
     const int depth = mask.GetDepth();
     if (line.step != 1 || (depth != 8 && depth != 1)) {
         for (int i = 0; i < n; ++i)

@@ -71,12 +71,21 @@ void SpanPainter::paintCopy(int x1, int x2, int y, const XCSimpleImage* source) 
     m_source = source;
     m_line = {m_mixer.m_u, m_mixer.m_v, m_mixer.m_du, m_mixer.m_dv};
     m_lineB = {m_mixer.m_uB, m_mixer.m_vB, m_mixer.m_duB, m_mixer.m_dvB};
+    skipSamples(std::int64_t{m_x} - x1);
     if (isBits() && !m_mixer.m_cache)
         return stampBits();
     if (isBits() && m_mixer.m_cacheColor)
         return stampColorBits();
     if (const KernelPlan* plan = chooseCopyPlan())
         run(*plan, nullptr);
+}
+
+/// Past the samples of pixels left of the block.
+void SpanPainter::skipSamples(std::int64_t pixels) {
+    // 2 x 2 samples have half steps, as far as the kernel takes them; stamps on 1 and 2 bits never do.
+    const bool isHalved = !isBits() && hasStyle(XCFastPixelMixer::STYLE_ANTIALIAS);
+    m_line.skip(isHalved ? 2 * pixels : pixels);
+    m_lineB.skip(isHalved ? 2 * pixels : pixels);
 }
 
 // ---- The road

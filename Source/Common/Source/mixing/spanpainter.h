@@ -39,6 +39,7 @@ private:
     bool isWater() const;
 
     // spanpainter.cpp: the road
+    void skipSamples(std::int64_t pixels);
     void run(const KernelPlan& plan, const float* coverage);
     void runUniform();
     void start(CoverageRow& row, const KernelPlan& plan, const float* coverage) const;
