@@ -4,6 +4,7 @@
 /// @file
 /// The polygon rasteriser of the brush tips.
 
+#include <cstdint>
 #include <span>
 
 #include "ovwcmn/ovwdefs.h"
@@ -11,7 +12,13 @@
 #include "ovwcmn/xcarray.h"
 
 class XCFastPixelMixer;
+class XCVOffPixelMask;
+class XCVOffPixelMixer;
 class XCVOffscreen;
+
+namespace ovw::brush {
+enum class FillRule;
+}
 
 /// The corners of a triangle.
 struct TTrianglePos {
@@ -38,14 +45,21 @@ private:
 };
 
 /// Fills polygons, triangles, rotated rectangles and ellipses, given in pixels, into an image that is locked for
-/// editing. Hard edges sample a row once, anti-aliased ones four times with exact horizontal coverage. The mixer is not
-/// owned; it holds colour and opacity, and an anti-aliased fill leaves its last coverage in it. Every operation answers
-/// 1 when figure, image and `clip` (may be null) meet, and then stores the figure's bounds, right and bottom exclusive,
-/// in `changed` (may be null). It answers 0 and leaves `changed` alone when they do not, when a coordinate is no finite
-/// number, and when 256 edges meet one sample line: rows above that line are painted by then.
+/// editing. Hard edges sample a row once, anti-aliased ones four times with exact horizontal coverage. Mixers, whose
+/// destination must be that image, and masks are not owned; the mixer holds colour and opacity, and an anti-aliased
+/// fill leaves its last coverage in a fast mixer. Every operation answers 1 when figure, image and `clip` (may be null)
+/// meet, and then stores the figure's bounds, right and bottom exclusive, in `changed` (may be null). It answers 0 and
+/// leaves `changed` alone when they do not, when a coordinate is no finite number, and when 256 edges meet one sample
+/// line: rows above that line are painted by then.
 class OVWCMN_API XCPolygon {
 public:
     explicit XCPolygon(XCFastPixelMixer* mixer) : m_fastMixer(mixer) {}
+    /// Through the per-pixel mixer and a mask (may be null). A clone source is placed so that its clone point shows in
+    /// the middle of the figure's bounds.
+    XCPolygon(XCVOffPixelMixer* mixer, XCVOffPixelMask* mask) : m_pixelMixer(mixer), m_pixelMask(mask) {}
+    /// With one colour, 0xAABBGGRR, under the ink of a mask (may be null): hard edges replace the pixels, anti-aliased
+    /// ones blend over them.
+    XCPolygon(std::uint32_t color, XCVOffPixelMask* mask) : m_pixelMask(mask), m_color(color), m_hasColor(true) {}
 
     int DrawTriangle(tagRECT* changed, XCVOffscreen* image, const TTrianglePos* triangle);
     /// Even-odd rule, hard edges.
@@ -64,7 +78,14 @@ public:
                     int antialias, const tagRECT* clip);
 
 private:
-    XCFastPixelMixer* m_fastMixer;
+    int fill(tagRECT* changed, XCVOffscreen* image, const tagRECT* clip, std::span<const tagPOINTD> vertices,
+             ovw::brush::FillRule rule) const;
+
+    XCFastPixelMixer* m_fastMixer = nullptr;
+    XCVOffPixelMixer* m_pixelMixer = nullptr;
+    XCVOffPixelMask* m_pixelMask = nullptr;
+    std::uint32_t m_color = 0;
+    bool m_hasColor = false;
 };
 
 #endif // OVWCMN_XCPOLYGON_H

@@ -89,8 +89,9 @@ void CoverageRow::addSpan(double low, double high) {
     }
 }
 
-void CoverageRow::paint(XCFastPixelMixer& mixer, int y) {
-    RunPainter runs(mixer, y);
+/// Calls run(from, to, coverage) for the runs of equal coverage up to the last change, and clears the row.
+template <class Run>
+void CoverageRow::takeRuns(Run run) {
     int coverage = 0;
     int from = 0;
     for (std::size_t word = 0; word < m_touched.size(); word++) {
@@ -98,14 +99,29 @@ void CoverageRow::paint(XCFastPixelMixer& mixer, int y) {
             const int cell = static_cast<int>(word) * cnWordBits + std::countr_zero(bits);
             const int end = std::min(cell, m_right - m_left);
             if (from < end)
-                runs.add(m_left + from, m_left + end, std::min(coverage, 255));
+                run(from, end, std::min(coverage, 255));
             coverage += m_steps[cell];
             m_steps[cell] = 0;
             from = cell;
         }
         m_touched[word] = 0;
     }
+}
+
+void CoverageRow::paint(XCFastPixelMixer& mixer, int y) {
+    RunPainter runs(mixer, y);
+    takeRuns([&](int from, int to, int coverage) { runs.add(m_left + from, m_left + to, coverage); });
     runs.flush();
+}
+
+bool CoverageRow::take(std::uint8_t* coverage) {
+    if (std::all_of(m_touched.begin(), m_touched.end(), [](std::uint64_t word) { return word == 0; }))
+        return false;
+    std::fill_n(coverage, m_right - m_left, std::uint8_t{0});
+    takeRuns([coverage](int from, int to, int value) {
+        std::fill(coverage + from, coverage + to, static_cast<std::uint8_t>(value));
+    });
+    return true;
 }
 
 } // namespace ovw::brush

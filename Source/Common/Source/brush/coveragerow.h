@@ -24,6 +24,9 @@ public:
     void addSpan(double low, double high);
     /// Paints what was added since the last time and begins the next row.
     void paint(XCFastPixelMixer& mixer, int y);
+    /// Stores it, 0 to 255 for each pixel of the row, and begins the next row.
+    /// @return false, with nothing stored, when nothing was added
+    bool take(std::uint8_t* coverage);
 
 private:
     static constexpr int cnUnit = static_cast<int>(255.0 / cnSubLines + 0.5); ///< coverage of a sub-line, of 255
@@ -31,6 +34,8 @@ private:
     /// A pixel beyond the last is where its coverage ends, and one more where that one's does.
     static constexpr int cnCells = cnLongestSpan + 2;
 
+    template <class Run>
+    void takeRuns(Run run);
     void addStep(int cell, int change);
     void addPixel(int cell, int coverage);
 

@@ -2,6 +2,7 @@
 
 #include "brush/coveragerow.h"
 #include "brush/edgelist.h"
+#include "brush/rowpainter.h"
 #include "ovwcmn/xcblockgetter.h"
 #include "ovwcmn/xcfastpixelmixer.h"
 #include "ovwcmn/xcgeometry.h"
@@ -32,18 +33,18 @@ int oneAfter(int pixel) { return pixel == INT32_MAX ? pixel : pixel + 1; }
 /// Writes the hard-edged spans of one line, cut to a tile.
 class SpanWriter {
 public:
-    SpanWriter(XCFastPixelMixer& mixer, const XCRect& tile, int y) : m_mixer(mixer), m_tile(tile), m_y(y) {}
+    SpanWriter(RowPainter& painter, const XCRect& tile, int y) : m_painter(painter), m_tile(tile), m_y(y) {}
 
     /// From the pixel of x0 to the pixel of x1, x0 < x1; an end just left of the image counts as its first column.
     void write(double x0, double x1) const {
         const int start = truncateWithin(x0, m_tile.left, m_tile.right);
         const int end = truncateWithin(x1, m_tile.left - 1, m_tile.right - 1);
         if (start <= end)
-            m_mixer.DoLineRow(start, end, m_y);
+            m_painter.paintSpan(start, end, m_y);
     }
 
 private:
-    XCFastPixelMixer& m_mixer;
+    RowPainter& m_painter;
     const XCRect& m_tile;
     int m_y;
 };
@@ -88,18 +89,18 @@ void writeSpans(const CrossingList& crossings, FillRule rule, const SpanWriter& 
 }
 
 /// @return false when a line has too many crossings
-bool fillTileHard(XCFastPixelMixer& mixer, EdgeList& edges, FillRule rule, const XCRect& tile) {
+bool fillTileHard(RowPainter& painter, EdgeList& edges, FillRule rule, const XCRect& tile) {
     CrossingList crossings;
     for (int y = tile.top; y < tile.bottom; y++) {
         if (!edges.crossingsAt(y + cnSampleOffset, crossings))
             return false;
-        writeSpans(crossings, rule, SpanWriter(mixer, tile, y));
+        writeSpans(crossings, rule, SpanWriter(painter, tile, y));
     }
     return true;
 }
 
 /// @return false when a line has too many crossings
-bool fillTileAA(XCFastPixelMixer& mixer, EdgeList& edges, const XCRect& tile) {
+bool fillTileAA(RowPainter& painter, EdgeList& edges, const XCRect& tile) {
     CrossingList crossings;
     CoverageRow row(tile.left, tile.right);
     for (int y = tile.top; y < tile.bottom; y++) {
@@ -108,7 +109,7 @@ bool fillTileAA(XCFastPixelMixer& mixer, EdgeList& edges, const XCRect& tile) {
                 return false;
             forEvenOddSpans(crossings, [&row](double low, double high) { row.addSpan(low, high); });
         }
-        row.paint(mixer, y);
+        painter.paintCoverage(row, y);
     }
     return true;
 }
@@ -127,22 +128,24 @@ tagRECT boundsOfVertices(std::span<const tagPOINTD> vertices) {
     return {truncateToInt(low.x), truncateToInt(low.y), truncateToInt(high.x), truncateToInt(high.y)};
 }
 
-int fillPolygon(tagRECT* changed, const PolygonTarget& target, std::span<const tagPOINTD> vertices, FillRule rule) {
-    if (!target.image || !target.mixer || !isDrawable(vertices))
+int fillPolygon(tagRECT* changed, XCVOffscreen& image, const tagRECT* clip, RowPainter& painter,
+                std::span<const tagPOINTD> vertices, FillRule rule) {
+    if (!isDrawable(vertices))
         return 0;
     tagRECT bounds = boundsOfVertices(vertices);
     bounds.right = oneAfter(bounds.right);
     bounds.bottom = oneAfter(bounds.bottom);
     XCRect area;
-    if (!area.IntersectRect(bounds, target.image->GetRect()) || (target.clip && !area.IntersectRect(*target.clip)))
+    if (!area.IntersectRect(bounds, image.GetRect()) || (clip && !area.IntersectRect(*clip)))
         return 0;
     EdgeList edges(vertices);
-    XCBlockGetter tiles(target.image, area, 1);
+    XCBlockGetter tiles(&image, area, 1);
+    painter.beginFigure(bounds);
     for (XCRect tile; tiles.GetNextBlock(tile);) {
-        target.mixer->MoveCursorToBlock(tile.left, tile.top);
+        painter.enterTile(tile);
         edges.rewind();
-        const bool isFilled = rule == FillRule::EvenOddAA ? fillTileAA(*target.mixer, edges, tile)
-                                                          : fillTileHard(*target.mixer, edges, rule, tile);
+        const bool isFilled =
+            rule == FillRule::EvenOddAA ? fillTileAA(painter, edges, tile) : fillTileHard(painter, edges, rule, tile);
         if (!isFilled)
             return 0;
     }
@@ -151,15 +154,26 @@ int fillPolygon(tagRECT* changed, const PolygonTarget& target, std::span<const t
     return 1;
 }
 
+int fillPolygon(tagRECT* changed, const PolygonTarget& target, std::span<const tagPOINTD> vertices, FillRule rule) {
+    if (!target.image || !target.mixer)
+        return 0;
+    MixerRows painter(*target.mixer);
+    return fillPolygon(changed, *target.image, target.clip, painter, vertices, rule);
+}
+
 int fillRotatedRect(tagRECT* changed, const PolygonTarget& target, tagPOINTD center, double width, double height,
                     double angle, bool antialias) {
+    return fillPolygon(changed, target, rotatedRect(center, width, height, angle),
+                       antialias ? FillRule::EvenOddAA : FillRule::EvenOdd);
+}
+
+std::array<tagPOINTD, 4> rotatedRect(tagPOINTD center, double width, double height, double angle) {
     const double sine = std::sin(angle);
     const double cosine = std::cos(angle);
     const double x = width * 0.5;
     const double y = height * 0.5;
     const auto corner = [&](double cx, double cy) { return turnedAndMoved(cx, cy, sine, cosine, center); };
-    const tagPOINTD corners[] = {corner(-x, -y), corner(x, -y), corner(x, y), corner(-x, y)};
-    return fillPolygon(changed, target, corners, antialias ? FillRule::EvenOddAA : FillRule::EvenOdd);
+    return {corner(-x, -y), corner(x, -y), corner(x, y), corner(-x, y)};
 }
 
 } // namespace ovw::brush

@@ -3,12 +3,15 @@
 
 #include "ovwcmn/wintypes.h"
 
+#include <array>
 #include <span>
 
 class XCFastPixelMixer;
 class XCVOffscreen;
 
 namespace ovw::brush {
+
+class RowPainter;
 
 /// How the crossings of a sample line become spans.
 enum class FillRule {
@@ -24,12 +27,18 @@ struct PolygonTarget {
     const tagRECT* clip; ///< may be null
 };
 
-/// Fills a closed polygon given in pixels; results are those of XCPolygon.
+/// Fills a closed polygon given in pixels; results are those of XCPolygon. `clip` may be null.
+int fillPolygon(tagRECT* changed, XCVOffscreen& image, const tagRECT* clip, RowPainter& painter,
+                std::span<const tagPOINTD> vertices, FillRule rule);
+/// The same through a mixer.
 int fillPolygon(tagRECT* changed, const PolygonTarget& target, std::span<const tagPOINTD> vertices, FillRule rule);
 
 /// The same for a rectangle turned by `angle` radians about its centre, even-odd.
 int fillRotatedRect(tagRECT* changed, const PolygonTarget& target, tagPOINTD center, double width, double height,
                     double angle, bool antialias);
+
+/// The corners of that rectangle.
+std::array<tagPOINTD, 4> rotatedRect(tagPOINTD center, double width, double height, double angle);
 
 /// The smallest rectangle that holds the vertices, each truncated toward zero; all zero without vertices.
 tagRECT boundsOfVertices(std::span<const tagPOINTD> vertices);

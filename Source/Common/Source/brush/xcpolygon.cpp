@@ -1,6 +1,7 @@
 #include "ovwcmn/xcpolygon.h"
 
 #include "brush/polygonfill.h"
+#include "brush/rowpainter.h"
 #include "ovwcmn/xcgeometry.h"
 
 #include <algorithm>
@@ -18,6 +19,8 @@ constexpr int cnMaxEllipseCorners = 512;
 std::span<const tagPOINTD> verticesOf(const XCPolyVertex* polygon) {
     return polygon ? polygon->Vertices() : std::span<const tagPOINTD>();
 }
+
+FillRule edgeRule(int antialias) { return antialias ? FillRule::EvenOddAA : FillRule::EvenOdd; }
 
 } // namespace
 
@@ -42,29 +45,42 @@ std::span<const tagPOINTD> XCPolyVertex::Vertices() const {
     return {m_vertices.GetData(), static_cast<std::size_t>(Num())};
 }
 
+int XCPolygon::fill(tagRECT* changed, XCVOffscreen* image, const tagRECT* clip, std::span<const tagPOINTD> vertices,
+                    FillRule rule) const {
+    const auto fillWith = [&](ovw::brush::RowPainter&& painter) {
+        return ovw::brush::fillPolygon(changed, *image, clip, painter, vertices, rule);
+    };
+    if (!image)
+        return 0;
+    if (m_fastMixer)
+        return fillWith(ovw::brush::MixerRows(*m_fastMixer));
+    if (m_pixelMixer)
+        return fillWith(ovw::brush::PixelMixerRows(*m_pixelMixer, m_pixelMask));
+    return m_hasColor ? fillWith(ovw::brush::ColourRows(*image, m_color, m_pixelMask)) : 0;
+}
+
 int XCPolygon::DrawTriangle(tagRECT* changed, XCVOffscreen* image, const TTrianglePos* triangle) {
-    return ovw::brush::fillPolygon(changed, {image, m_fastMixer, nullptr}, triangle->points, FillRule::Triangle);
+    return fill(changed, image, nullptr, triangle->points, FillRule::Triangle);
 }
 
 int XCPolygon::DrawPolygon(tagRECT* changed, XCVOffscreen* image, const XCPolyVertex* polygon, const tagRECT* clip) {
-    return ovw::brush::fillPolygon(changed, {image, m_fastMixer, clip}, verticesOf(polygon), FillRule::EvenOdd);
+    return fill(changed, image, clip, verticesOf(polygon), FillRule::EvenOdd);
 }
 
 int XCPolygon::DrawPolygonNonZero(tagRECT* changed, XCVOffscreen* image, const XCPolyVertex* polygon,
                                   const tagRECT* clip) {
-    return ovw::brush::fillPolygon(changed, {image, m_fastMixer, clip}, verticesOf(polygon), FillRule::NonZero);
+    return fill(changed, image, clip, verticesOf(polygon), FillRule::NonZero);
 }
 
 int XCPolygon::DrawPolygonAA(tagRECT* changed, XCVOffscreen* image, const XCPolyVertex* polygon, const tagRECT* clip) {
     if (!polygon || polygon->Num() < 3)
         return 0;
-    return ovw::brush::fillPolygon(changed, {image, m_fastMixer, clip}, verticesOf(polygon), FillRule::EvenOddAA);
+    return fill(changed, image, clip, verticesOf(polygon), FillRule::EvenOddAA);
 }
 
 int XCPolygon::DrawRect(tagRECT* changed, XCVOffscreen* image, double cx, double cy, double width, double height,
                         double angle, int antialias, const tagRECT* clip) {
-    return ovw::brush::fillRotatedRect(changed, {image, m_fastMixer, clip}, {cx, cy}, width, height, angle,
-                                       antialias != 0);
+    return fill(changed, image, clip, ovw::brush::rotatedRect({cx, cy}, width, height, angle), edgeRule(antialias));
 }
 
 int XCPolygon::DrawEllipse(tagRECT* changed, XCVOffscreen* image, double cx, double cy, double width, double height,
@@ -80,8 +96,7 @@ int XCPolygon::DrawEllipse(tagRECT* changed, XCVOffscreen* image, double cx, dou
         const double theta = i * 2.0 * std::numbers::pi / count;
         corners[i] = ovw::brush::turnedAndMoved(a * std::cos(theta), b * std::sin(theta), sine, cosine, {cx, cy});
     }
-    return ovw::brush::fillPolygon(changed, {image, m_fastMixer, clip}, std::span(corners).first(count),
-                                   antialias ? FillRule::EvenOddAA : FillRule::EvenOdd);
+    return fill(changed, image, clip, std::span(corners).first(count), edgeRule(antialias));
 }
 
 int XCPolygon::DrawEllipse(tagRECT* changed, XCVOffscreen* image, double cx, double cy, double width, double height,
