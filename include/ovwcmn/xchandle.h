@@ -62,7 +62,8 @@ private:
     int m_lockCount = 0;
 };
 
-/// One fixed block, owned (purge flag set) or borrowed (left alone on cleanup). Otherwise as XCHandle, without locks.
+/// One fixed block, owned (purge flag set) or borrowed (left alone on cleanup). Otherwise as XCHandle, without locks;
+/// copying from an XCHandle without a block throws as locking it does.
 class OVWCMN_API XCPointer {
 public:
     XCPointer() = default;

@@ -39,6 +39,8 @@ public:
     void Merge(XCLookUpTable& first, XCLookUpTable& second);
 
 private:
+    bool hasEntries() const;
+
     int m_type = 0;
 };
 

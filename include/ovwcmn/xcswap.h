@@ -141,8 +141,8 @@ public:
     void SetBeginPos(std::uint64_t begin) { m_nBegin = begin; }
     std::uint64_t GetEndPos() const { return m_nEnd; }
     void SetEndPos(std::uint64_t end) { m_nEnd = end; }
-    void Resize(std::uint64_t grow);
-    void ResizeForward(std::uint64_t grow);
+    void Resize(std::uint64_t grow);        ///< The end moves on by `grow` bytes.
+    void ResizeForward(std::uint64_t grow); ///< The beginning moves back by `grow` bytes.
     bool operator<(const XCGarbageBlock& other) const { return m_nBegin < other.m_nBegin; }
     bool operator==(const XCGarbageBlock& other) const;
 

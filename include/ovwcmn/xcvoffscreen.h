@@ -138,15 +138,20 @@ public:
     XCVOffscreen* CreateAndCopyAll();
 
     // ---- Freeing and protecting blocks
-    int DestroyAllBlock(); ///< 1 when any block was freed.
+    /// Each answers 1 when any block was freed; with countEdit 1 a freed block counts as edited.
+    int DestroyAllBlock();
     int DestroyAllBlock(int countEdit);
     int DestroyBlock(int index, int countEdit);
     int DestroyBlockByIndex(int column, int row, int countEdit);
     int DestroyBlockByXY(int x, int y, int countEdit);
     void UnloadAllBlock(); ///< Sends every resident block to the swap file.
+    /// Keeps exactly the blocks that rect meets from eviction; in protect mode the others then lose their pixels when
+    /// memory is short.
     void SetProtectArea(const XCRect& rect);
     void ClearProtectArea();
+    /// Adds the block of rect's top-left pixel to what is protected; nothing for an empty rect.
     void SetProtectBlockArea(const XCRect& rect);
+
     // ---- Locks
     /// With edit, missing blocks are created and blocks marked edited until the last Unlock. (-1, -1): no current
     /// pixel.

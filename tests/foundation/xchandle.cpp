@@ -194,6 +194,12 @@ TEST(XCHandle, BorrowedBlocksAreOnlyUnlocked) {
     vxFree(block);
 }
 
+TEST(XCPointer, AHandleWithoutABlockIsNoSource) {
+    XCPointer pointer;
+    pointer.Alloc(4);
+    EXPECT_EQ(errorOf([&] { pointer.Copy(XCHandle(), 0, 0, 0); }), cnParameter);
+}
+
 TEST(XCPointer, AttachAsksForTheSize) {
     void* const block = vxAllocPtr(77, 1, nullptr);
     {

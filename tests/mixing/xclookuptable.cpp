@@ -132,6 +132,19 @@ TEST(LookUpTable, ATableOfNoTypeDestroysACopyAndChangesNoMerge) {
     EXPECT_EQ(none.GetMemSize(), 0u);
 }
 
+TEST(LookUpTable, MemoryThatIsTooSmallIsNoTable) {
+    XCLookUpTable table = curve(3, 7);
+    XCLookUpTable other = curve(1, 1);
+    table.Alloc(16);
+    table.Init();
+    table.Reverse(0, 1);
+    EXPECT_EQ(table.Get32BitTable(), nullptr);
+    other.Merge(table);
+    EXPECT_EQ(entries(other), expected([](int i) { return i + 1; }));
+    table.Copy(other);
+    EXPECT_EQ(entries(table), entries(other));
+}
+
 TEST(LookUpTable, CopiesHaveEntriesOfTheirOwn) {
     XCLookUpTable table = curve(3, 7);
     XCLookUpTable copy = table;

@@ -276,6 +276,8 @@ void XCPointer::Copy(const void* src, std::uint32_t size, int dstOffset, int src
 }
 
 void XCPointer::Copy(const XCHandle& src, std::uint32_t size, int dstOffset, int srcOffset) {
+    if (!src.IsValid())
+        xcThrowError(cnCodeParameter);
     copyBytes({m_pointer, m_size}, blockOf(src.GetHandle()), sizeOr(size, src.GetMemSize()), dstOffset, srcOffset);
 }
 

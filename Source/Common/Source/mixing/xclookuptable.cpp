@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <vector>
 
 namespace {
 
@@ -10,6 +9,10 @@ constexpr int cnType8Bit = 1;
 constexpr int cnType16Bit = 2;
 constexpr std::size_t cnEntries8 = 256;
 constexpr std::size_t cnEntries16 = 65536;
+
+constexpr std::size_t bytesOf(int type) {
+    return type == cnType16Bit ? cnEntries16 * sizeof(std::uint16_t) : cnEntries8;
+}
 
 /// Calls work(entries, count) with the entries of a table of this type as they are stored.
 template <class Work>
@@ -31,7 +34,7 @@ XCLookUpTable& XCLookUpTable::operator=(const XCLookUpTable& src) {
 
 void XCLookUpTable::Create(int type) {
     Destroy();
-    Alloc(static_cast<std::uint32_t>(type == cnType16Bit ? cnEntries16 * sizeof(std::uint16_t) : cnEntries8), 1, 1);
+    Alloc(static_cast<std::uint32_t>(bytesOf(type)), 1, 1);
     m_type = type;
     Init();
 }
@@ -41,8 +44,11 @@ void XCLookUpTable::Destroy() {
     m_type = 0;
 }
 
+// The memory can be changed through the base class.
+bool XCLookUpTable::hasEntries() const { return IsValid() && GetMemSize() >= bytesOf(m_type); }
+
 void XCLookUpTable::Init() {
-    if (!IsValid())
+    if (!hasEntries())
         return;
     withEntries(m_type, *this, []<class Entry>(Entry* entries, std::size_t count) {
         for (std::size_t i = 0; i < count; ++i)
@@ -51,15 +57,15 @@ void XCLookUpTable::Init() {
 }
 
 std::uint8_t* XCLookUpTable::Get32BitTable() const {
-    return m_type == cnType8Bit ? static_cast<std::uint8_t*>(static_cast<void*>(*this)) : nullptr;
+    return m_type == cnType8Bit && hasEntries() ? static_cast<std::uint8_t*>(static_cast<void*>(*this)) : nullptr;
 }
 
 std::uint16_t* XCLookUpTable::Get64BitTable() const {
-    return m_type == cnType16Bit ? static_cast<std::uint16_t*>(static_cast<void*>(*this)) : nullptr;
+    return m_type == cnType16Bit && hasEntries() ? static_cast<std::uint16_t*>(static_cast<void*>(*this)) : nullptr;
 }
 
 void XCLookUpTable::Reverse(int mirror, int invert) {
-    if (!IsValid())
+    if (!hasEntries())
         return;
     withEntries(m_type, *this, [mirror, invert]<class Entry>(Entry* entries, std::size_t count) {
         if (mirror)
@@ -74,26 +80,26 @@ void XCLookUpTable::Reverse(int mirror, int invert) {
 void XCLookUpTable::Copy(const XCLookUpTable& src) {
     if (this == &src)
         return;
-    if (!src.IsValid()) {
+    if (!src.hasEntries()) {
         Destroy();
         return;
     }
-    if (!IsValid() || m_type != src.m_type)
+    if (!hasEntries() || m_type != src.m_type)
         Create(src.m_type);
-    Copy(static_cast<const XCPointer&>(src), 0, 0, 0);
+    Copy(static_cast<const XCPointer&>(src), static_cast<std::uint32_t>(bytesOf(m_type)), 0, 0);
 }
 
 void XCLookUpTable::Merge(XCLookUpTable& other) {
-    if (!other.IsValid())
+    if (!other.hasEntries())
         return;
-    if (!IsValid() || m_type != other.m_type)
-        Create(other.m_type);
-    withEntries(m_type, *this, [&other]<class Entry>(Entry* entries, std::size_t count) {
-        // A copy, because a table may be merged with itself.
-        const auto* source = static_cast<const Entry*>(static_cast<void*>(other));
-        const std::vector<Entry> second(source, source + count);
+    // A copy, because a table may be merged with itself.
+    const XCLookUpTable second(other);
+    if (!hasEntries() || m_type != second.m_type)
+        Create(second.m_type);
+    withEntries(m_type, *this, [&second]<class Entry>(Entry* entries, std::size_t count) {
+        const auto* const mapped = static_cast<const Entry*>(second.GetPointer());
         for (std::size_t i = 0; i < count; ++i)
-            entries[i] = second[entries[i]];
+            entries[i] = mapped[entries[i]];
     });
 }
 

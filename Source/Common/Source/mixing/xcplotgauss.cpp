@@ -58,13 +58,13 @@ bool fitsInt(double value) {
     return value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max();
 }
 
-} // namespace
-
 /// Has the shared line built when the library is loaded.
 struct GaussLineLoader : XCPlotGauss {
     GaussLineLoader() { InitLineTable(); }
 };
-static const GaussLineLoader s_gaussLineLoader;
+const GaussLineLoader s_gaussLineLoader;
+
+} // namespace
 
 XCPlotGauss::~XCPlotGauss() = default;
 
@@ -141,7 +141,7 @@ void XCPlotGauss::startTable(float extent, float hardness, float scale) {
             m_table.assign(static_cast<std::size_t>(m_tableSize) * m_tableSize, 0);
         } catch (const std::bad_alloc&) {
             ClearTable();
-            xcThrowError(8);
+            xcThrowError(ovw::foundation::cnCodeNoMemory);
         }
     }
     CreateTable(scale);

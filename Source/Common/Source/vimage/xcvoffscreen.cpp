@@ -35,6 +35,8 @@ void XCVOffscreen::Initialize() {
 
 // ---- Making images
 
+namespace {
+
 template <class Format>
 struct VariantOf;
 template <>
@@ -61,6 +63,8 @@ template <>
 struct VariantOf<Rgba32> {
     using Type = XCVOffscreen32Bit;
 };
+
+} // namespace
 
 XCVOffscreen* XCVOffscreen::CreateOffscreen(int depth) {
     return withFormat(depth, []<class Format>() -> XCVOffscreen* { return new typename VariantOf<Format>::Type; });
