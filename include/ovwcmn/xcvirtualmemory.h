@@ -149,7 +149,7 @@ public:
     /// Blocks that exist, in memory or not.
     std::uint32_t GetUsedBlockCount() const { return m_pSwap->GetUsedBlockCount(); }
     /// The system's page size in bytes.
-    std::uint32_t GetMinimumUnitSize() const { return m_nMinimumUnitSize; }
+    std::uint32_t GetMinimumUnitSize() const { return m_nMinimumUnitSize.load(std::memory_order_relaxed); }
 
 private:
     static constexpr std::uint32_t cnDefaultPageSize = 32768;
@@ -177,8 +177,7 @@ private:
 
     std::unique_ptr<XCSwap> m_pSwap;
     std::atomic<std::uint32_t> m_nPhysicalSize{0};
-    std::uint32_t m_nPageSize = cnDefaultPageSize;
-    std::uint32_t m_nMinimumUnitSize = cnDefaultPageSize;
+    std::atomic<std::uint32_t> m_nMinimumUnitSize{cnDefaultPageSize};
     XCVMCache m_cache;
     std::array<PoolClass, cnSizeClasses> m_arrPools;
     std::vector<VXHANDLE> m_arrSpare; // see Recycling

@@ -22,7 +22,7 @@ std::uint32_t advanceLibrarySeed() {
 } // namespace
 
 double xcRandom(std::uint32_t* seed) {
-    const std::uint32_t next = seed ? * seed = nextSeed(*seed) : advanceLibrarySeed();
+    const std::uint32_t next = seed ? (*seed = nextSeed(*seed)) : advanceLibrarySeed();
     return ((next >> 16) & 0x7FFF) / 32768.0;
 }
 

@@ -81,8 +81,7 @@ void XCVirtualMemory::Create(std::uint32_t size, XCFilePath* folder, int cleanup
     XCCriticalSectionAutoLeave lock(&librarySection());
     Destroy();
     createSwapFile(size, folder, cleanup);
-    m_nPageSize = static_cast<std::uint32_t>(ovw::platform::pageSize());
-    m_nMinimumUnitSize = m_nPageSize;
+    m_nMinimumUnitSize.store(static_cast<std::uint32_t>(ovw::platform::pageSize()), std::memory_order_relaxed);
     m_nPhysicalSize.store(size, std::memory_order_relaxed);
     m_cache.Create(size);
 }
@@ -116,7 +115,7 @@ void XCVirtualMemory::Destroy() {
     trimSpareMemory(0);
     m_pSwap->Destroy();
     m_nPhysicalSize.store(0, std::memory_order_relaxed);
-    m_nPageSize = m_nMinimumUnitSize = cnDefaultPageSize;
+    m_nMinimumUnitSize.store(cnDefaultPageSize, std::memory_order_relaxed);
 }
 
 XCSwapBlock* XCVirtualMemory::Allocate(std::uint32_t size) {
