@@ -4,19 +4,21 @@
 #include "ovwcmn/xcpattern.h"
 
 #include "brush/tiprow.h"
+#include "mixing/stamprows.h"
 #include "ovwcmn/xcblockgetter.h"
 #include "ovwcmn/xcvoffscreen.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 
 namespace {
 
 using ovw::truncateToInt;
-using ovw::brush::paintRimmedSpan;
-using ovw::brush::RimmedSpan;
 using ovw::brush::truncateWithin;
+using ovw::mixing::RimmedSpan;
+using ovw::mixing::StampRows;
 
 constexpr int cnFixBits = 5;
 constexpr std::int64_t cnFixOne = 1 << cnFixBits;
@@ -45,7 +47,7 @@ std::int64_t halfChord(std::int64_t radius, std::int64_t dy) {
     return square > 0 ? static_cast<std::int64_t>(std::sqrt(static_cast<double>(square))) : -1;
 }
 
-void paintRow(XCFastPixelMixer& mixer, const FixedCircle& circle, const XCRect& tile, int y) {
+void paintRow(StampRows& rows, const FixedCircle& circle, const XCRect& tile, int y) {
     const std::int64_t dy = y * cnFixOne - circle.cy;
     const std::int64_t half = halfChord(circle.radius, dy);
     if (half < 0)
@@ -61,7 +63,7 @@ void paintRow(XCFastPixelMixer& mixer, const FixedCircle& circle, const XCRect& 
         span.innerStart = std::clamp(pixelOf(circle.cx - innerHalf), tile.left, tile.right);
         span.innerEnd = std::clamp(pixelOf(circle.cx + innerHalf), tile.left, tile.right);
     }
-    paintRimmedSpan(mixer, y, span, [&](int x) {
+    rows.paint(y, span, [&](int x) {
         const std::int64_t dx = (x + std::int64_t{1}) * cnFixOne - circle.cx;
         const std::int64_t square = dx * dx + dy * dy;
         if (square == 0)
@@ -71,19 +73,17 @@ void paintRow(XCFastPixelMixer& mixer, const FixedCircle& circle, const XCRect& 
     });
 }
 
-/// @return whether the circle meets the image
-template <class PaintRow>
-bool paintTiles(XCVOffscreen* image, const XCRect& bounds, XCFastPixelMixer* mixer, XCRect& drawn, PaintRow paint) {
+/// Calls paint(tile) for the blocks that the circle meets.
+template <class PaintTile>
+void paintTiles(XCVOffscreen* image, const XCRect& bounds, XCFastPixelMixer* mixer, XCRect& drawn, PaintTile paint) {
     XCBlockGetter tiles(image, bounds, 1);
     if (!tiles.IsExist())
-        return false;
+        return;
     for (XCRect tile; tiles.GetNextBlock(tile);) {
         mixer->MoveCursorToBlock(tile.left, tile.top);
-        for (int y = tile.top; y < tile.bottom; y++)
-            paint(tile, y);
+        paint(tile);
     }
     drawn = bounds;
-    return true;
 }
 
 } // namespace
@@ -103,7 +103,11 @@ void XCCirclePattern::CircleFillAA(XCVOffscreen* image, double x, double y, doub
         return;
     const XCRect bounds(pixelOf(circle.cx - circle.radius), pixelOf(circle.cy - circle.radius),
                         oneAfter(pixelOf(circle.cx + circle.radius)), oneAfter(pixelOf(circle.cy + circle.radius)));
-    paintTiles(image, bounds, mixer, drawn, [&](const XCRect& tile, int row) { paintRow(*mixer, circle, tile, row); });
+    paintTiles(image, bounds, mixer, drawn, [&](const XCRect& tile) {
+        StampRows rows(*mixer);
+        for (int row = tile.top; row < tile.bottom; row++)
+            paintRow(rows, circle, tile, row);
+    });
 }
 
 void XCCirclePattern::CircleFill(XCVOffscreen* image, double x, double y, double radius, XCFastPixelMixer* mixer,
@@ -113,7 +117,7 @@ void XCCirclePattern::CircleFill(XCVOffscreen* image, double x, double y, double
     const double center = x + 1.0;
     const XCRect bounds(truncateToInt(center - radius), truncateToInt(y - radius),
                         oneAfter(truncateToInt(center + radius)), oneAfter(truncateToInt(y + radius)));
-    paintTiles(image, bounds, mixer, drawn, [&](const XCRect& tile, int row) {
+    const auto paintChord = [&](const XCRect& tile, int row) {
         const double square = radius * radius - (row - y) * (row - y);
         if (!(square > 0.0))
             return;
@@ -126,5 +130,9 @@ void XCCirclePattern::CircleFill(XCVOffscreen* image, double x, double y, double
         const int last = truncateWithin(end, tile.left, tile.right - 1);
         if (first <= last)
             mixer->DoLineRow(first, last, row);
+    };
+    paintTiles(image, bounds, mixer, drawn, [&](const XCRect& tile) {
+        for (int row = tile.top; row < tile.bottom; row++)
+            paintChord(tile, row);
     });
 }

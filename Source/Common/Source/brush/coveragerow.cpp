@@ -1,11 +1,18 @@
 #include "brush/coveragerow.h"
 
+#include "mixing/coveragespan.h"
+#include "ovwcmn/xcfastpixelmixer.h"
+
 #include <algorithm>
 #include <bit>
+#include <cstddef>
 
 namespace ovw::brush {
 
 namespace {
+
+/// Uniform runs from this length on are cheaper as a span of their own than as a part of a coverage row.
+constexpr int cnRunWorthSpan = 16;
 
 /// What an accumulated coverage of 0 to 255 is to the mixer.
 constexpr std::array<float, 256> coverageFactors() {

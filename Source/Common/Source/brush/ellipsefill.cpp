@@ -4,6 +4,7 @@
 #include "ovwcmn/xcpattern.h"
 
 #include "brush/tiprow.h"
+#include "mixing/stamprows.h"
 #include "ovwcmn/xcblockgetter.h"
 #include "ovwcmn/xcvoffscreen.h"
 
@@ -14,9 +15,9 @@
 namespace {
 
 using ovw::truncateToInt;
-using ovw::brush::paintRimmedSpan;
-using ovw::brush::RimmedSpan;
 using ovw::brush::truncateWithin;
+using ovw::mixing::RimmedSpan;
+using ovw::mixing::StampRows;
 
 /// Keeps a chord that ends at a whole number from reaching the pixel there.
 constexpr double cnEndMargin = 0.001;
@@ -67,7 +68,7 @@ bool isDrawable(double x, double y, double rx, double ry) {
     return std::isfinite(x) && std::isfinite(y) && rx > 0.0 && ry > 0.0;
 }
 
-void paintRow(XCFastPixelMixer& mixer, const XCRect& tile, int y, const Chord& outer, Chord inner) {
+void paintRow(StampRows& rows, const XCRect& tile, int y, const Chord& outer, Chord inner) {
     RimmedSpan span;
     span.start = truncateWithin(outer.left, tile.left, tile.right);
     span.end = truncateWithin(outer.right, tile.left, tile.right);
@@ -85,7 +86,7 @@ void paintRow(XCFastPixelMixer& mixer, const XCRect& tile, int y, const Chord& o
     }
     const double leftRamp = inner.left - outer.left;
     const double rightRamp = outer.right - inner.right;
-    paintRimmedSpan(mixer, y, span, [&](int x) {
+    rows.paint(y, span, [&](int x) {
         const double coverage =
             x < span.innerStart ? (x + 1.0 - outer.left) / leftRamp : (outer.right - x - 1.0) / rightRamp;
         return static_cast<float>(std::min(coverage, 1.0));
@@ -107,10 +108,11 @@ void XCCirclePattern::EllipseFillAA(XCVOffscreen* image, double x, double y, dou
         return;
     for (XCRect tile; tiles.GetNextBlock(tile);) {
         mixer->MoveCursorToBlock(tile.left, tile.top);
+        StampRows rows(*mixer);
         for (int row = tile.top; row < tile.bottom; row++) {
             const Chord chord = outer.chordAt(row - y, center, cnEndMargin);
             if (chord.isHit)
-                paintRow(*mixer, tile, row, chord, inner.chordAt(row - y, center, cnEndMargin));
+                paintRow(rows, tile, row, chord, inner.chordAt(row - y, center, cnEndMargin));
         }
     }
     drawn = bounds;

@@ -5,13 +5,14 @@
 /// The ways in which the rows of a polygon reach the image.
 
 #include "brush/tiprow.h"
+#include "ovwcmn/xcfastpixelmixer.h"
+#include "ovwcmn/xcgeometry.h"
 #include "ovwcmn/xcpixelmixer.h"
 #include "ovwcmn/xcvoffpixelmixer.h"
 
 #include <array>
 #include <cstdint>
 
-class XCFastPixelMixer;
 class XCVOffscreen;
 
 namespace ovw::brush {

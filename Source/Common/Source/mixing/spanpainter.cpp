@@ -125,11 +125,39 @@ void SpanPainter::runUniform() {
     span.opacity = Scale15::scaled(m_mixer.m_a, static_cast<std::int32_t>(m_mixer.m_mixAlpha));
     if (span.opacity == 0 || m_mixer.m_composition < 0 || m_mixer.m_composition >= cnCompositions)
         return;
-    // Full opacity covers: it needs no look at the pixels below.
-    const bool covers = span.opacity == Scale8::cnOne && m_mixer.m_composition == XCFastPixelMixer::Normal;
-    const int composition = covers ? XCFastPixelMixer::Replace : m_mixer.m_composition;
-    if (Compositor compositor = m_kernels->fastest[composition][columnOf(m_depth)])
+    if (Compositor compositor = m_kernels->fastest[uniformComposition(span.opacity)][columnOf(m_depth)])
         compositor(span);
+}
+
+/// Full opacity covers: it needs no look at the pixels below.
+int SpanPainter::uniformComposition(std::int32_t opacity) const {
+    const bool covers = opacity == Scale8::cnOne && m_mixer.m_composition == XCFastPixelMixer::Normal;
+    return covers ? XCFastPixelMixer::Replace : m_mixer.m_composition;
+}
+
+bool SpanPainter::preparePlainRows(PlainRows& rows) const {
+    constexpr float cnAnyCoverage = 1.0f;
+    if (m_depth != 32 || !m_mixer.m_dst->GetBaseAddress())
+        return false;
+    const KernelPlan* plan = choosePlan(&cnAnyCoverage);
+    const int composition = m_mixer.m_composition;
+    if (!plan || plan->start != Start::Byte || composition < 0 || composition >= cnCompositions ||
+        !kernels(cnBlock).fastestRow[composition][Depth32])
+        return false;
+    const auto base = static_cast<std::int32_t>(m_mixer.m_baseAlpha);
+    rows.span = {};
+    rows.span.color = paintColor();
+    rows.span.keep = m_mixer.m_keepAlpha ? 0xFF000000 : 0;
+    rows.span.opacity = Scale15::scaled(m_mixer.m_a, base);
+    rows.composition = composition;
+    rows.uniformComposition = uniformComposition(rows.span.opacity);
+    rows.baseAlpha = static_cast<float>(base);
+    rows.paintAlpha = m_mixer.m_a;
+    rows.rowPixels = m_mixer.m_dst->GetBlockRowBytes() / static_cast<int>(sizeof(Pixel32));
+    rows.block = reinterpret_cast<Pixel32*>(m_mixer.m_dst->GetBaseAddress());
+    rows.left = m_mixer.m_blockLeft;
+    rows.top = m_mixer.m_blockTop;
+    return true;
 }
 
 void SpanPainter::start(CoverageRow& row, const KernelPlan& plan, const float* coverage) const {

@@ -5,12 +5,29 @@
 #include "mixing/fetchsource.h"
 #include "mixing/kernelplan.h"
 #include "mixing/kerneltable.h"
+#include "mixing/pixel32.h"
 #include "ovwcmn/xcfastpixelmixer.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
 namespace ovw::mixing {
+
+/// What rows of plain paint in 32-bit pixels have in common: one colour, and no mask, falloff or cache that has a say.
+struct PlainRows {
+    CompositeSpan span;     ///< opacity is that of full coverage; dst, n and a are each row's
+    int composition;        ///< for an opacity a pixel
+    int uniformComposition; ///< for full coverage
+    float baseAlpha;        ///< what coverages scale
+    std::int32_t paintAlpha;
+    Pixel32* block; ///< the block's pixels
+    int left;       ///< of the block in the image
+    int top;
+    int rowPixels;
+
+    Pixel32* pixelAt(int x, int y) const { return block + std::ptrdiff_t{y - top} * rowPixels + (x - left); }
+};
 
 /// The road of a span through a mixer's kernels: choose the kernel, run the row through the kernel's stages, composite.
 /// Lives for one call; every branch on a setting stands here, once a span.
@@ -24,6 +41,8 @@ public:
     void paintCoverage(int x, int y, std::span<const float> coverage);
     /// A part of the current block.
     void paintPart(const XCRect& part);
+    /// False when the paint is not plain, or paints nothing.
+    bool preparePlainRows(PlainRows& rows) const;
     /// Pixels x1 to x2 - 1 of row y through a source image.
     void paintCopy(int x1, int x2, int y, const XCSimpleImage* source);
 
@@ -64,6 +83,7 @@ private:
     void fetchColors(std::uint32_t* colors, const KernelPlan& plan, const std::uint32_t* ofSource) const;
     void fetchCacheColors(std::uint32_t* colors) const;
     void cloneBits(const CoverageRow& row, const std::uint32_t* colors) const;
+    int uniformComposition(std::int32_t opacity) const;
     Compositor compositorOf(CompositorSet set, bool overNothing) const;
     const CompositorTable& tableOf(CompositorSet set, bool overNothing) const;
     CompositeSpan compositeSpan() const;

@@ -1,0 +1,71 @@
+#ifndef OVW_MIXING_STAMPROWS_H
+#define OVW_MIXING_STAMPROWS_H
+
+#include "mixing/coveragerow.h"
+#include "mixing/pixel32.h"
+#include "mixing/spanpainter.h"
+
+namespace ovw::mixing {
+
+/// Pixels start <= x < end of a row: a rim on both sides, and full coverage from innerStart to innerEnd.
+struct RimmedSpan {
+    int start;
+    int innerStart;
+    int innerEnd;
+    int end;
+};
+
+/// Paints the rows of one stamp in the mixer's current block: what ScaleAntiAlpha and DoLineRow for each pixel of a rim
+/// and then for its interior do, and leave behind. What depends on settings alone is decided once, so the mixer must
+/// not change while this lives. Rims are short, and of plain paint they are gathered over many rows into long spans:
+/// no pixel may be painted twice.
+class StampRows {
+public:
+    explicit StampRows(XCFastPixelMixer& mixer);
+    StampRows(const StampRows&) = delete;
+    StampRows& operator=(const StampRows&) = delete;
+    ~StampRows();
+
+    /// A span inside the block. coverageAt(x) is the coverage of a pixel of the rim, at most 1; the others are skipped
+    /// when it is not above 0.
+    template <class CoverageAt>
+    void paint(int y, const RimmedSpan& span, CoverageAt coverageAt) {
+        if (m_isPlain) {
+            for (int x = span.start; x < span.innerStart; x++)
+                addPixel(x, y, coverageAt(x));
+            for (int x = span.innerEnd; x < span.end; x++)
+                addPixel(x, y, coverageAt(x));
+            return paintInterior(y, span);
+        }
+        float coverage[cnRowPixels];
+        for (int x = span.start; x < span.end; x++)
+            coverage[x - span.start] = x < span.innerStart || x >= span.innerEnd ? coverageAt(x) : 1.0f;
+        paintRow(y, span, coverage);
+    }
+
+private:
+    void addPixel(int x, int y, float coverage) {
+        if (!(coverage > 0.0f))
+            return;
+        m_pixels[m_count] = m_plain.pixelAt(x, y);
+        m_coverage[m_count] = coverage;
+        m_last = coverage;
+        if (++m_count == cnRowPixels)
+            paintPixels();
+    }
+    void paintPixels();
+    void paintInterior(int y, const RimmedSpan& span);
+    void paintRow(int y, const RimmedSpan& span, const float* coverage);
+
+    XCFastPixelMixer& m_mixer;
+    PlainRows m_plain;
+    bool m_isPlain;
+    float m_last = 0.0f; ///< the coverage that the mixer is left with, 0 for none
+    int m_count = 0;
+    Pixel32* m_pixels[cnRowPixels];
+    float m_coverage[cnRowPixels];
+};
+
+} // namespace ovw::mixing
+
+#endif // OVW_MIXING_STAMPROWS_H
