@@ -5,6 +5,8 @@
 #include "mixing/pixel32.h"
 #include "mixing/spanpainter.h"
 
+#include <algorithm>
+
 namespace ovw::mixing {
 
 /// Pixels start <= x < end of a row: a rim on both sides, and full coverage from innerStart to innerEnd.
@@ -38,8 +40,12 @@ public:
             return paintInterior(y, span);
         }
         float coverage[cnRowPixels];
-        for (int x = span.start; x < span.end; x++)
-            coverage[x - span.start] = x < span.innerStart || x >= span.innerEnd ? coverageAt(x) : 1.0f;
+        for (int x = span.start; x < span.innerStart; x++)
+            coverage[x - span.start] = coverageAt(x);
+        for (int x = span.innerEnd; x < span.end; x++)
+            coverage[x - span.start] = coverageAt(x);
+        if (span.innerStart < span.innerEnd)
+            std::fill(coverage + (span.innerStart - span.start), coverage + (span.innerEnd - span.start), 1.0f);
         paintRow(y, span, coverage);
     }
 
