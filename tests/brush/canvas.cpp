@@ -7,9 +7,10 @@ namespace ovw::test {
 Pixels pixelsOf(const TestImage& image, const XCRect& part) {
     Pixels result{part.Width(), part.Height(), {}};
     const int rowBytes = image->GetBlockRowBytes();
+    const std::uint32_t unpainted = image.depth() >= 24 ? 0x00FFFFFF : 0; // what a pixel without a block shows
     for (int y = part.top; y < part.bottom; ++y)
         image.visitRow(part.left, part.right, y, 0, [&](std::uint8_t* base, int column, int row, int) {
-            result.values.push_back(base ? storedPixel(base, rowBytes, image.depth(), column, row) : 0);
+            result.values.push_back(base ? storedPixel(base, rowBytes, image.depth(), column, row) : unpainted);
         });
     return result;
 }
