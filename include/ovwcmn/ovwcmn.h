@@ -34,6 +34,7 @@
 #include "ovwcmn/xcstringarray.h"
 #include "ovwcmn/xcstroke.h"
 #include "ovwcmn/xcswap.h"
+#include "ovwcmn/xctexturemap.h"
 #include "ovwcmn/xcthread.h"
 #include "ovwcmn/xctime.h"
 #include "ovwcmn/xcvirtualmemory.h"

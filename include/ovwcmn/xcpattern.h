@@ -5,6 +5,7 @@
 /// Brush tips: each rasterises one stamp into a tiled image through a fast pixel mixer.
 
 #include <cstdint>
+#include <memory>
 
 #include "ovwcmn/ovwdefs.h"
 #include "ovwcmn/wintypes.h"
@@ -13,7 +14,12 @@
 
 class XCFastPixelMixer;
 class XCGdi; // the window system's drawing interface; the library only passes it on
+class XCSimpleImage;
 class XCVOffscreen;
+
+namespace ovw::brush {
+class RibbonTrail;
+}
 
 /// The base of all tips, and a tip that draws nothing. A plain value that owns no image and no mixer. Colour, opacity
 /// and hardness are the mixer's business, a tip supplies the coverage of every pixel. The image must be locked for
@@ -95,6 +101,62 @@ public:
              float pressure, int antialias) override;
 
     XCTArray<tagPOINTD> vertices;
+};
+
+/// One end of a bended tip.
+struct BENDPATTERNEND {
+    XCPointD position;      ///< pixels
+    double direction = 0.0; ///< of the stroke, radians: 0 up, a quarter turn to the right
+    double width = 0.0;     ///< across the stroke, pixels
+    double along = 0.0;     ///< the place in the image, 1 at its far end; beyond it the image begins again
+};
+
+/// A picture. Densities, bits and dark colours cover; whether the picture's own colours are painted is the mixer's
+/// business. Owns its image; a copy has a copy of it. Without image it draws nothing.
+class OVWCMN_API XCImagePattern : public XCPattern {
+public:
+    /// The longest side of a thumbnail, pixels.
+    static constexpr int cnThumbnailSize = 64;
+
+    XCImagePattern();
+    XCImagePattern(const XCImagePattern& other);
+    XCImagePattern& operator=(const XCImagePattern& other);
+    ~XCImagePattern() override;
+
+    /// Takes a copy of the tiled image; null or an image without pixels leaves the tip empty.
+    void ImportPatternOffscreen(XCVOffscreen* source);
+    /// A new tiled image on the process-wide store; the caller owns it. Null without image. So is CreateThumbnail's.
+    XCVOffscreen* ExportPatternOffscreen() const;
+    /// 0, 0 without image.
+    void GetPatternOffscreenSize(int& width, int& height) const;
+    /// Turns transparent white of a 32-bit image into another colour, 0xAABBGGRR.
+    void ReplaceTransparency(std::uint32_t color);
+    /// Deletes the image.
+    void Cleanup();
+    /// A preview no larger than a square of cnThumbnailSize, each pixel the mean of the area it stands for: 8 bits for
+    /// tips of 1 and 8 bits, 24 for 24, else 32. Small tips keep their size.
+    XCVOffscreen* CreateThumbnail() const;
+    /// Null when empty. The tip keeps it.
+    XCSimpleImage* GetImage() const { return m_image.get(); }
+
+    /// The longer side of the image becomes `size`, at least 1 pixel.
+    int Draw(XCRect* changed, XCVOffscreen* image, XCFastPixelMixer* mixer, XCPointD position, float size,
+             float pressure, int antialias) override;
+    /// Draws the image as a ribbon that leaves the first end in its direction and arrives at the second in its own,
+    /// each end cut square. Ribbons that share an end join without gap or overlap.
+    /// @param side   the side of the image that goes ahead: 0 top, 1 left, 2 bottom, 3 right
+    /// @param trail  (may be null) what the ribbon covered lately; that is not painted again
+    /// @return 1 when something was drawn; `changed` as in Draw
+    int DrawBendedPattern(XCRect* changed, XCVOffscreen* image, XCFastPixelMixer* mixer, const BENDPATTERNEND& first,
+                          const BENDPATTERNEND& second, int side, int antialias,
+                          ovw::brush::RibbonTrail* trail = nullptr);
+
+private:
+    struct PlotMapping;
+
+    bool GetPlotMappingParam(PlotMapping& mapping, XCPointD position, float size) const;
+
+    std::unique_ptr<XCSimpleImage> m_image;
 };
 
 #endif // OVWCMN_XCPATTERN_H

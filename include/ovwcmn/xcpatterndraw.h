@@ -15,6 +15,7 @@
 
 class XCColorAverage;
 class XCFastPixelMixer;
+class XCPattern;
 class XCPatternDrawParam;
 class XCPlotGauss;
 class XCVOffscreen;
@@ -22,6 +23,7 @@ struct PLOTPATTERNPARAM;
 
 namespace ovw::brush {
 struct MethodLocks;
+class BendState;
 class StampSetup;
 } // namespace ovw::brush
 
@@ -44,6 +46,7 @@ public:
     ~XCPatternDrawMethod();
 
     /// Sets the target and readies empty caches for a stroke.
+    /// @param param           (may be null) the brush: tips that paint their own colours need one more cache
     /// @param useCache        stamps of a stroke accumulate in a cache; needs `cacheReference`. Without it a methodKind
     ///                        of 1 becomes 0
     /// @param cacheReference  the image as it was before the stroke
@@ -93,7 +96,8 @@ private:
         int afterCache = 0;
     };
 
-    void prepareCaches();
+    int colorCacheDepth(int tipBitCount) const;
+    void prepareCaches(int tipBitCount);
 
     int m_methodKind = 1;
     int m_cacheKind = 0;
@@ -133,7 +137,8 @@ public:
     /// @param consume uses up the samples, see XCStroke::CreateVertex
     /// @return 1 when something was painted
     int DrawStroke(XCRect* changed, XCStroke* stroke, int consume);
-    /// Draws one stamp position. @param point logical @param direction radians
+    /// Draws one stamp position; with a bending brush, what lies between the previous one and this. @param point
+    /// logical @param direction radians
     /// @return the logical distance to the next position, 0 when not drawing
     double DrawSinglePattern(XCRect* changed, const XCStrokePoint* point, double direction);
     /// Ends the stroke. @param changed (may be null) receives the logical bounds of the whole stroke
@@ -141,6 +146,16 @@ public:
     /// Paints one stamp. @param changed (may be null) as XCPattern::Draw @param noColor only sample the image's colours
     /// @return 1 when something was drawn
     int PlotPattern(XCRect* changed, const PLOTPATTERNPARAM& stamp, float pressure, int noColor);
+
+    /// Paints an ink splatter, as a picture for a tip: round drops on rings around the centre. The image is laid out
+    /// anew on the process-wide store, as a square a little larger than `size`; the numbers come from the library-wide
+    /// generator (xcSetRandomSeed). Sizes below 4 pixels show nothing.
+    /// @param sizeSpread  0 to 1: from small drops to drops of a quarter of the size
+    /// @param softness    of the drops' rims, 0 to 1
+    /// @param density     0 to 1: from 10 to 256 drops
+    /// @param resolution  of the image
+    static void CreateSumiPattern(XCVOffscreen* image, int size, double sizeSpread, double softness, double density,
+                                  int overSampling, double resolution);
 
     /// Asked before every stamp position; 0 stops the stroke. Null: never. The default asks vxAbort.
     void SetAbortProc(int (*proceed)()) { m_abortProc = proceed; }
@@ -183,6 +198,9 @@ private:
     double drawSinglePosition(XCRect& painted, const XCStrokePoint& pixelPoint, double direction);
     double startOfSegment(double length) const;
     void walkSegment(XCRect& painted, const XCStrokePoint& a, const XCStrokePoint& b, double length);
+    void chooseBendPattern();
+    void drawBendedSegment(XCRect& painted, const XCStrokePoint& a, const XCStrokePoint& b, double startDirection,
+                           double endDirection);
     void loadColorAverage(XCRect& painted, const XCStrokePoint& pixelPoint);
     void drawPosition(XCRect& painted, const XCStrokePoint& pixelPoint, double intervalRatio);
 
@@ -196,6 +214,9 @@ private:
     double m_nextInterval = 0.0;  ///< logical distance from there to the next one
     double m_direction = 0.0;     ///< radians
     int m_positionCount = 0;
+    XCPattern* m_currentPattern = nullptr; ///< of a bending brush; not owned
+    XCStrokePoint m_lastPoint;             ///< the previous one of DrawSinglePattern, pixels
+    std::unique_ptr<ovw::brush::BendState> m_bend;
     XCTArray<XCStrokePoint> m_vertices; ///< logical; filled and emptied by every DrawStroke
     XCRect m_dirtyRect;                 ///< logical
     int m_isDrawing = 0;

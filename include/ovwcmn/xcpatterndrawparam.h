@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 
 #include "ovwcmn/ovwdefs.h"
 #include "ovwcmn/wintypes.h"
@@ -190,6 +191,7 @@ public:
     void SetDrawColor(std::uint32_t color) { m_settings.color.drawColor = color; }
     /// A tip that replaces the tip kind; null takes it back. It must outlive its use here.
     void SetDesignatedPattern(XCPattern* pattern) { m_settings.designatedPattern = pattern; }
+    XCPattern* GetDesignatedPattern() const { return m_settings.designatedPattern; }
 
     int IsOverSampling() const { return m_settings.etc.overSampling; }
     int IsContinue() const { return m_settings.etc.continueFlag; }
@@ -201,6 +203,9 @@ public:
     int IsUseMixColorParam() const;
     /// Whether every stamp covers in full what lies inside its outline.
     int IsOpaquePattern() const;
+    /// What the images of the chosen tips are: 1, 2, 8 or 32 bits a pixel (colours of their own count as 32, as do two
+    /// colours beside densities); 0 without image tips.
+    int GetIamgePatternBitCount() const;
 
     // Scales of 0 to 1 and other values at a stroke point. A control with the random bit draws a number each time.
     float ConvertPatternScale(const XCStrokePoint* point);
@@ -268,6 +273,7 @@ private:
     double rotationOffset(const XCStrokePoint* point, double direction, const XCPointD& stampPosition);
     tagPOINTD gaussianScatter(const XCStrokePoint* point, int width);
     XCPattern* nextBackAndForth(int count);
+    std::span<XCPattern* const> chosenTips() const;
     XCPattern* defaultTip();
     void fillTemplate(double intervalRatio);
 

@@ -15,6 +15,13 @@ int grown(int edge, int by) {
 
 } // namespace
 
+void unite(XCRect& bounds, const XCRect& with) {
+    if (bounds.IsRectEmpty())
+        bounds = with;
+    else
+        bounds.UnionRect(with);
+}
+
 int reportStamp(XCRect* changed, const XCVOffscreen* image, const XCRect& drawn) {
     if (drawn.IsRectEmpty())
         return 0;

@@ -1,6 +1,8 @@
 #include "ovwcmn/xcpatterndraw.h"
 
+#include "brush/bendstate.h"
 #include "brush/plotpattern.h"
+#include "brush/stampbounds.h"
 #include "ovwcmn/ovwhooks.h"
 #include "ovwcmn/vxwutl.h"
 #include "ovwcmn/xccoloraverage.h"
@@ -17,6 +19,8 @@
 
 namespace {
 
+using ovw::brush::unite;
+
 constexpr int cnErrorCancelled = 0x20010004;
 /// Interval of a bending brush, logical units.
 constexpr double cnBendInterval = 4.0;
@@ -29,13 +33,6 @@ int proceedUnlessAborted() { return vxAbort() == 0; }
 
 bool isSmudging(int methodKind) {
     return methodKind == XCFastPixelMixer::Water || methodKind == XCFastPixelMixer::WaterMultiply;
-}
-
-void unite(XCRect& bounds, const XCRect& with) {
-    if (bounds.IsRectEmpty())
-        bounds = with;
-    else
-        bounds.UnionRect(with);
 }
 
 XCRect scaled(const XCRect& rect, double factor) {
@@ -98,6 +95,7 @@ int XCPatternDraw::BeginDraw(const XCPatternDrawParam* param) {
     if (!m_plotGauss)
         m_plotGauss = std::make_unique<XCPlotGauss>();
     resetStroke();
+    chooseBendPattern();
     return 1;
 }
 
@@ -106,6 +104,7 @@ void XCPatternDraw::ReStartDraw() {
         return;
     resetStroke();
     m_param->ResetPatternState();
+    chooseBendPattern();
     if (m_colorAverage) {
         m_colorAverage->ClearAverageColor();
         m_colorAverage->StartCountAverage();
@@ -120,6 +119,8 @@ void XCPatternDraw::EndDraw(XCRect* changed) {
     m_isDrawing = 0;
     m_isStopped = 0;
     m_param.reset();
+    m_currentPattern = nullptr;
+    m_bend.reset();
     m_vertices = {};
     m_colorAverage.reset();
     if (changed)
@@ -186,6 +187,7 @@ void XCPatternDraw::drawSegment(XCRect& painted, const XCStrokePoint& a, const X
     const bool isFirst = m_positionCount == 0;
     if (isFirst)
         loadColorAverage(part.pixels, toPixels(a));
+    const double keptDirection = m_direction;
     if (needsDirection()) {
         if (isFirst) {
             m_positionCount = 1;
@@ -195,7 +197,9 @@ void XCPatternDraw::drawSegment(XCRect& painted, const XCStrokePoint& a, const X
     }
     if (m_param->IsBendPattern()) {
         throwIfAborted();
-        m_positionCount++; // tips that do not bend paint nothing
+        const double startDirection = m_positionCount == 1 ? m_direction : keptDirection;
+        m_positionCount++;
+        drawBendedSegment(part.pixels, toPixels(a), toPixels(b), startDirection, m_direction);
     } else if (std::isfinite(length)) {
         walkSegment(part.pixels, a, b, length);
     }
@@ -269,9 +273,14 @@ double XCPatternDraw::drawSinglePosition(XCRect& painted, const XCStrokePoint& p
     const bool isFirst = m_positionCount == 0;
     if (isFirst)
         loadColorAverage(part.pixels, pixelPoint);
+    const double startDirection = m_positionCount == 1 ? direction : m_direction;
     m_direction = direction;
     double interval = cnBendInterval;
-    if (!m_param->IsBendPattern()) {
+    if (m_param->IsBendPattern()) {
+        if (!isFirst)
+            drawBendedSegment(part.pixels, m_lastPoint, pixelPoint, startDirection, direction);
+        m_lastPoint = pixelPoint;
+    } else {
         double intervalRatio = 1.0;
         interval = m_param->GetNextInterval(&pixelPoint, intervalRatio, m_info.scale);
         if (!isFirst || !m_param->IsUseParamControl(cnRotateDirection))

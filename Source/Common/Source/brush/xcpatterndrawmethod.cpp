@@ -2,12 +2,15 @@
 
 #include "brush/methodlocks.h"
 #include "ovwcmn/xcfastpixelmixer.h"
+#include "ovwcmn/xcpatterndrawparam.h"
 #include "ovwcmn/xcvirtualmemory.h"
 #include "ovwcmn/xcvoffscreen.h"
 
 namespace {
 
 constexpr int cnCacheDepth = 16;
+/// Holds how much of which of two colours a pixel of 2 bits got.
+constexpr int cnToneDepth = 24;
 
 bool isSmudging(int methodKind) {
     return methodKind == XCFastPixelMixer::Water || methodKind == XCFastPixelMixer::WaterMultiply;
@@ -40,7 +43,7 @@ XCPatternDrawMethod::XCPatternDrawMethod() = default;
 XCPatternDrawMethod::~XCPatternDrawMethod() = default;
 
 void XCPatternDrawMethod::SetOffscreen(XCVOffscreen* target, int useCache, XCVOffscreen* cacheReference,
-                                       XCPatternDrawParam*, int methodKind, int cacheKind, int methodFlag,
+                                       XCPatternDrawParam* param, int methodKind, int cacheKind, int methodFlag,
                                        int densityFlag, int lowDepthSoft) {
     EndMethod();
     m_target = target;
@@ -50,17 +53,33 @@ void XCPatternDrawMethod::SetOffscreen(XCVOffscreen* target, int useCache, XCVOf
     m_methodFlag = methodFlag;
     m_densityFlag = densityFlag;
     m_lowDepthSoft = lowDepthSoft;
-    prepareCaches();
+    prepareCaches(param ? param->GetIamgePatternBitCount() : 0);
 }
 
-/// A smudging method also keeps the stroke's colours, in the target's depth.
-void XCPatternDrawMethod::prepareCaches() {
+/// The depth of the image that keeps a stroke's colours, as the mixer takes it; 0 when it keeps none. Smudging methods
+/// do, and those that paint a tip's own colours, where there is room for more than one.
+int XCPatternDrawMethod::colorCacheDepth(int tipBitCount) const {
+    const int depth = m_target ? m_target->GetDepth() : 0;
+    if (isSmudging(m_methodKind))
+        return depth;
+    if (!m_methodFlag || m_methodKind == XCFastPixelMixer::Erase || (tipBitCount != 2 && tipBitCount != 32))
+        return 0;
+    switch (depth) {
+    case 2: return cnToneDepth;
+    case 24:
+    case 32: return depth;
+    default: return 0;
+    }
+}
+
+void XCPatternDrawMethod::prepareCaches(int tipBitCount) {
     if (m_cacheReference)
         prepareCache(m_cache, *m_cacheReference, cnCacheDepth);
     else
         m_cache.reset();
-    if (m_cacheReference && m_target && isSmudging(m_methodKind))
-        prepareCache(m_colorCache, *m_cacheReference, m_target->GetDepth());
+    const int colorDepth = colorCacheDepth(tipBitCount);
+    if (m_cacheReference && colorDepth != 0)
+        prepareCache(m_colorCache, *m_cacheReference, colorDepth);
     else
         m_colorCache.reset();
 }

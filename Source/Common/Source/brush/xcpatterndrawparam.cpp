@@ -3,10 +3,30 @@
 #include "ovwcmn/xcpatterndrawparam.h"
 
 #include "ovwcmn/vxmath.h"
+#include "ovwcmn/xcsimpleimage.h"
 #include "ovwcmn/xcstroke.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numbers>
+
+namespace {
+
+/// Bits a pixel of a tip's image, 32 for every image with colours of its own; 0 for other tips and empty ones.
+int bitCountOf(const XCPattern* tip) {
+    const auto* imageTip = dynamic_cast<const XCImagePattern*>(tip);
+    const int bitCount = imageTip && imageTip->GetImage() ? imageTip->GetImage()->GetOrgBitCount() : 0;
+    return bitCount >= 24 ? 32 : bitCount;
+}
+
+/// The bits that hold the pixels of both kinds of images: two colours and densities together need all 32.
+int combinedBitCount(int a, int b) {
+    const int larger = std::max(a, b);
+    const int smaller = std::min(a, b);
+    return smaller == 2 && larger > 2 ? 32 : larger;
+}
+
+} // namespace
 
 XCPatternDrawParam::XCPatternDrawParam() { InitRandom(); }
 
@@ -67,10 +87,35 @@ int XCPatternDrawParam::IsUseMixColorParam() const {
 int XCPatternDrawParam::IsOpaquePattern() const {
     if (m_settings.color.opacity < 255 || m_settings.color.opacityControl != 0)
         return 0;
-    if (m_settings.pattern.patternKind == XCPattern::cnKindCircle)
+    switch (m_settings.pattern.patternKind) {
+    case XCPattern::cnKindCircle:
         return m_settings.hardness.hardness == 255 && m_settings.hardness.hardnessControl == 0;
-    return m_settings.pattern.patternKind >= XCPattern::cnKindRect &&
-           m_settings.pattern.patternKind <= XCPattern::cnKindImage;
+    case XCPattern::cnKindRect:
+    case XCPattern::cnKindPolygon: return 1;
+    case XCPattern::cnKindImage: {
+        const std::span<XCPattern* const> tips = chosenTips();
+        return std::none_of(tips.begin(), tips.end(), [](const XCPattern* tip) { return bitCountOf(tip) >= 8; });
+    }
+    default: return 0;
+    }
+}
+
+int XCPatternDrawParam::GetIamgePatternBitCount() const {
+    if (!m_settings.designatedPattern && m_settings.pattern.patternKind != XCPattern::cnKindImage)
+        return 0;
+    int combined = 0;
+    for (const XCPattern* tip : chosenTips())
+        combined = combinedBitCount(combined, bitCountOf(tip));
+    return combined;
+}
+
+/// The designated tip, else the tips of the list.
+std::span<XCPattern* const> XCPatternDrawParam::chosenTips() const {
+    if (m_settings.designatedPattern)
+        return {&m_settings.designatedPattern, 1};
+    const PDPARAM_PATTERN& pattern = m_settings.pattern;
+    const int count = std::clamp(pattern.patternCount, 0, static_cast<int>(std::size(pattern.patterns)));
+    return {pattern.patterns, static_cast<std::size_t>(count)};
 }
 
 /// The tip of the tip kind as if newly built, or null when designated or listed tips are used.

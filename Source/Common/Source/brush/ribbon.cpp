@@ -1,0 +1,210 @@
+#include "brush/ribbon.h"
+
+#include "brush/stampbounds.h"
+#include "ovwcmn/vxmath.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace ovw::brush {
+
+namespace {
+
+constexpr tagPOINT cnImageOrigin{0, 0};
+/// A bend is drawn in pieces that turn by no more than this, radians.
+constexpr double cnTurnOfPiece = 0.12;
+constexpr int cnMostTurns = 64;
+constexpr double cnMostRepeats = 512.0;
+/// What an anti-aliased ribbon covers in part lies within this many pixels of its sides.
+constexpr double cnSoftMargin = 1.0;
+/// Cross edges that are parallel within this do not meet.
+constexpr double cnParallel = 1e-9;
+/// Pieces are remembered that much narrower, pixels: the next one keeps the pixels on their common edge.
+constexpr double cnShrink = 1e-6;
+
+double turnBetween(double from, double to) { return vxRotOffCalc(vxRotNormal(from), vxRotNormal(to)); }
+
+} // namespace
+
+void RibbonTrail::clear() {
+    m_pieces.clear();
+    m_next = 0;
+    m_length = 0.0;
+}
+
+void RibbonTrail::add(const MapOutline& piece, double length, double width) {
+    m_length += length;
+    m_width = width;
+    const Piece added{piece, piece.pixels(cnImageOrigin), m_length};
+    if (m_pieces.size() < cnMostPieces) {
+        m_pieces.push_back(added);
+        return;
+    }
+    m_pieces[m_next] = added;
+    m_next = (m_next + 1) % cnMostPieces;
+}
+
+void RibbonTrail::markCovered(CoveredPixels& covered, std::int64_t y, std::int64_t from, std::int64_t to,
+                              double offset) const {
+    for (const Piece& piece : m_pieces) {
+        if (y < piece.pixels.top || y >= piece.pixels.bottom || m_length - piece.end > cnMemory * m_width)
+            continue;
+        double left = 0.0;
+        double right = 0.0;
+        if (!piece.outline.stretch(left, right, static_cast<double>(y) + offset))
+            continue;
+        const std::int64_t start = std::clamp(pixelsBefore(left + cnShrink, offset), from, to);
+        const std::int64_t end = std::clamp(pixelsBefore(right - cnShrink, offset), start, to);
+        std::fill(covered.begin() + (start - from), covered.begin() + (end - from), true);
+    }
+}
+
+/// The way of a ribbon from one end to the other: a cubic curve that leaves and arrives in the ends' directions.
+class Ribbon::Course {
+public:
+    Course(const BENDPATTERNEND& first, const BENDPATTERNEND& second)
+        : m_first(first), m_second(second), m_turn(turnBetween(first.direction, second.direction)),
+          m_length(std::hypot(second.position.x - first.position.x, second.position.y - first.position.y)) {}
+
+    /// @param t 0 at the first end, 1 at the second: these are exactly as given
+    CrossEdge edgeAt(double t) const {
+        const double direction = t >= 1.0 ? m_second.direction : m_first.direction + t * m_turn;
+        const double width = t >= 1.0 ? m_second.width : m_first.width + t * (m_second.width - m_first.width);
+        return {placeAt(t), {std::cos(direction), std::sin(direction)}, width * 0.5};
+    }
+    /// In how many pieces it is smooth.
+    int turns() const {
+        double turning = std::abs(m_turn);
+        if (m_length > cnParallel) {
+            const double chord =
+                std::atan2(m_second.position.x - m_first.position.x, m_first.position.y - m_second.position.y);
+            turning = std::max(turning, std::abs(turnBetween(m_first.direction, chord)) +
+                                            std::abs(turnBetween(chord, m_second.direction)));
+        }
+        return std::clamp(1 + static_cast<int>(turning / cnTurnOfPiece), 1, cnMostTurns);
+    }
+    double length() const { return m_length; }
+
+private:
+    tagPOINTD placeAt(double t) const {
+        if (t <= 0.0 || t >= 1.0)
+            return t <= 0.0 ? m_first.position : m_second.position;
+        const double rest = 1.0 - t;
+        // Hermite's basis.
+        const double atFirst = rest * rest * (1.0 + 2.0 * t);
+        const double leaving = t * rest * rest * m_length;
+        const double arriving = -t * t * rest * m_length;
+        const auto blend = [&](double a, double b, double leave, double arrive) {
+            return a * atFirst + b * (1.0 - atFirst) + leave * leaving + arrive * arriving;
+        };
+        return {
+            blend(m_first.position.x, m_second.position.x, std::sin(m_first.direction), std::sin(m_second.direction)),
+            blend(m_first.position.y, m_second.position.y, -std::cos(m_first.direction),
+                  -std::cos(m_second.direction))};
+    }
+
+    const BENDPATTERNEND& m_first;
+    const BENDPATTERNEND& m_second;
+    double m_turn;
+    double m_length;
+};
+
+Ribbon::Ribbon(TexturePainter& painter, int imageWidth, int imageHeight, int side, RibbonTrail* trail)
+    : m_painter(painter), m_imageWidth(imageWidth), m_imageHeight(imageHeight), m_side(side), m_trail(trail) {}
+
+XCRect Ribbon::paint(const BENDPATTERNEND& first, const BENDPATTERNEND& second) {
+    const Course course(first, second);
+    const int turns = course.turns();
+    const double advance = std::clamp(second.along - first.along, 0.0, cnMostRepeats);
+    // The image begins again at every whole number.
+    double repeat = std::floor(first.along);
+    const auto timeOfRepeatEnd = [&] {
+        return advance > 0.0 ? (repeat + 1.0 - first.along) / advance : std::numeric_limits<double>::infinity();
+    };
+    CrossEdge from = course.edgeAt(0.0);
+    double along = first.along - repeat;
+    for (int turn = 0; turn < turns;) {
+        const double nextTurn = turn + 1 == turns ? 1.0 : static_cast<double>(turn + 1) / turns;
+        const double nextRepeat = timeOfRepeatEnd();
+        const double t = std::min(nextTurn, nextRepeat);
+        const CrossEdge to = course.edgeAt(t);
+        const double alongTo = nextRepeat <= nextTurn ? 1.0 : first.along + t * advance - repeat;
+        paintPiece(from, to, along, alongTo);
+        from = to;
+        along = alongTo;
+        if (nextTurn <= nextRepeat)
+            turn++;
+        if (nextRepeat <= nextTurn) {
+            repeat += 1.0;
+            along = 0.0;
+        }
+    }
+    return m_painted;
+}
+
+void Ribbon::paintPiece(const CrossEdge& from, const CrossEdge& to, double alongFrom, double alongTo) {
+    const MapOutline outline = outlineOf(from, to, alongFrom, alongTo, m_painter.isAntialiased() ? cnSoftMargin : 0.0);
+    const XCRect pixels = outline.pixels(cnImageOrigin);
+    bool isDrawn = false;
+    m_painter.forEachRow(pixels, [&](std::int64_t y) {
+        std::array<TextureSpan, 2> spans;
+        std::int64_t start = 0;
+        std::int64_t end = 0;
+        if (!outline.spans(spans, y, m_painter.offset(), true, m_painter.isAntialiased()) ||
+            !m_painter.cutToBlock(spans[0], start, end))
+            return;
+        const auto paint = [&](std::int64_t x, std::int64_t xEnd) { isDrawn |= m_painter.paint(spans[0], x, xEnd); };
+        if (m_trail)
+            m_trail->forEachUncovered(y, start, end, m_painter.offset(), paint);
+        else
+            paint(start, end);
+    });
+    if (isDrawn)
+        unite(m_painted, pixels);
+    if (m_trail)
+        m_trail->add(outlineOf(from, to, alongFrom, alongTo, 0.0),
+                     std::hypot(to.center.x - from.center.x, to.center.y - from.center.y), 2.0 * to.half);
+}
+
+MapOutline Ribbon::outlineOf(const CrossEdge& from, const CrossEdge& to, double alongFrom, double alongTo,
+                             double margin) const {
+    Reach reachFrom{-from.half - margin, from.half + margin};
+    Reach reachTo{-to.half - margin, to.half + margin};
+    cutFold(from, to, reachFrom, reachTo);
+    const std::array<TTexMapVertex, 4> corners{corner(from, reachFrom.left, alongFrom),
+                                               corner(to, reachTo.left, alongTo), corner(to, reachTo.right, alongTo),
+                                               corner(from, reachFrom.right, alongFrom)};
+    return MapOutline(corners);
+}
+
+/// Inside a sharp bend the cross edges meet, and what lies beyond belongs to the pieces before and after.
+void Ribbon::cutFold(const CrossEdge& from, const CrossEdge& to, Reach& reachFrom, Reach& reachTo) {
+    const double turn = from.right.x * to.right.y - from.right.y * to.right.x;
+    if (std::abs(turn) < cnParallel)
+        return;
+    const tagPOINTD way{to.center.x - from.center.x, to.center.y - from.center.y};
+    const double meetFrom = (way.x * to.right.y - way.y * to.right.x) / turn;
+    const double meetTo = (way.x * from.right.y - way.y * from.right.x) / turn;
+    const auto isWithin = [](double place, const Reach& reach) { return place >= reach.left && place <= reach.right; };
+    if (!isWithin(meetFrom, reachFrom) || !isWithin(meetTo, reachTo))
+        return;
+    const bool isRight = meetFrom + meetTo > 0.0 || (meetFrom + meetTo == 0.0 && turn > 0.0);
+    (isRight ? reachFrom.right : reachFrom.left) = meetFrom;
+    (isRight ? reachTo.right : reachTo.left) = meetTo;
+}
+
+/// @param offset from the middle of the ribbon, to the right, pixels
+TTexMapVertex Ribbon::corner(const CrossEdge& edge, double offset, double along) const {
+    const double across = (offset + edge.half) / (2.0 * edge.half);
+    const double x = edge.center.x + offset * edge.right.x;
+    const double y = edge.center.y + offset * edge.right.y;
+    switch (m_side) {
+    case 1: return {x, y, (1.0 - along) * m_imageWidth, (1.0 - across) * m_imageHeight};
+    case 2: return {x, y, (1.0 - across) * m_imageWidth, along * m_imageHeight};
+    case 3: return {x, y, along * m_imageWidth, across * m_imageHeight};
+    default: return {x, y, across * m_imageWidth, (1.0 - along) * m_imageHeight};
+    }
+}
+
+} // namespace ovw::brush

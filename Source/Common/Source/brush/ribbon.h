@@ -1,0 +1,97 @@
+#ifndef OVW_BRUSH_RIBBON_H
+#define OVW_BRUSH_RIBBON_H
+
+#include "brush/mapoutline.h"
+#include "ovwcmn/xcgeometry.h"
+#include "ovwcmn/xcpattern.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace ovw::brush {
+
+/// What a ribbon covered on its last stretch, so that it does not paint there again where it bends sharply. A ribbon
+/// that comes back after a longer way is painted over itself.
+class RibbonTrail {
+public:
+    /// Adds a piece of the ribbon, its corners being pixels of the image.
+    void add(const MapOutline& piece, double length, double width);
+    /// Forgets everything.
+    void clear();
+    /// Calls paint(from, to) for the runs of from <= x < to, at most a block's width, that are not covered in row y.
+    template <class Paint>
+    void forEachUncovered(std::int64_t y, std::int64_t from, std::int64_t to, double offset, Paint paint) const {
+        CoveredPixels covered{};
+        markCovered(covered, y, from, to, offset);
+        for (std::int64_t x = from; x < to;) {
+            const std::int64_t start = x;
+            const bool isCovered = covered[static_cast<std::size_t>(start - from)];
+            while (x < to && covered[static_cast<std::size_t>(x - from)] == isCovered)
+                x++;
+            if (!isCovered)
+                paint(start, x);
+        }
+    }
+
+private:
+    static constexpr std::size_t cnMostPieces = 128;
+    /// Pieces further behind than this many widths are forgotten.
+    static constexpr double cnMemory = 3.0;
+
+    struct Piece {
+        MapOutline outline;
+        XCRect pixels;
+        double end; ///< its distance from the start of the ribbon
+    };
+    using CoveredPixels = std::array<bool, 256>;
+
+    void markCovered(CoveredPixels& covered, std::int64_t y, std::int64_t from, std::int64_t to, double offset) const;
+
+    std::vector<Piece> m_pieces; ///< a ring
+    std::size_t m_next = 0;
+    double m_length = 0.0;
+    double m_width = 0.0;
+};
+
+/// The image turned so that one of its sides goes ahead, painted as a ribbon through a painter whose origin is (0, 0).
+class Ribbon {
+public:
+    /// @param side as XCImagePattern::DrawBendedPattern has it
+    Ribbon(TexturePainter& painter, int imageWidth, int imageHeight, int side, RibbonTrail* trail);
+
+    /// @return the pixels that may have been painted, empty when none was
+    XCRect paint(const BENDPATTERNEND& first, const BENDPATTERNEND& second);
+
+private:
+    /// A line across the ribbon.
+    struct CrossEdge {
+        tagPOINTD center;
+        tagPOINTD right; ///< unit vector
+        double half;     ///< half the ribbon's width
+    };
+    /// How far a piece reaches to both sides at one end.
+    struct Reach {
+        double left;
+        double right;
+    };
+    class Course;
+
+    void paintPiece(const CrossEdge& from, const CrossEdge& to, double alongFrom, double alongTo);
+    MapOutline outlineOf(const CrossEdge& from, const CrossEdge& to, double alongFrom, double alongTo,
+                         double margin) const;
+    TTexMapVertex corner(const CrossEdge& edge, double offset, double along) const;
+    static void cutFold(const CrossEdge& from, const CrossEdge& to, Reach& reachFrom, Reach& reachTo);
+
+    TexturePainter& m_painter;
+    double m_imageWidth;
+    double m_imageHeight;
+    int m_side;
+    RibbonTrail* m_trail;
+    XCRect m_painted;
+};
+
+} // namespace ovw::brush
+
+#endif // OVW_BRUSH_RIBBON_H
