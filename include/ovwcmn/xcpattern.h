@@ -143,7 +143,7 @@ public:
     int Draw(XCRect* changed, XCVOffscreen* image, XCFastPixelMixer* mixer, XCPointD position, float size,
              float pressure, int antialias) override;
     /// Draws the image as a ribbon that leaves the first end in its direction and arrives at the second in its own,
-    /// each end cut square. Ribbons that share an end join without gap or overlap.
+    /// each end cut square. Ribbons that share an end join without gap; a trail keeps a sharp bend from overlapping.
     /// @param side   the side of the image that goes ahead: 0 top, 1 left, 2 bottom, 3 right
     /// @param trail  (may be null) what the ribbon covered lately; that is not painted again
     /// @return 1 when something was drawn; `changed` as in Draw

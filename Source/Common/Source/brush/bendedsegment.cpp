@@ -99,8 +99,9 @@ void XCPatternDraw::drawBendedSegment(XCRect& painted, const XCStrokePoint& a, c
     XCFastPixelMixer mixer;
     setup.configure(mixer, *m_plotGauss, m_colorAverage.get(), 0);
     keepLargerCoverage(mixer);
+    m_bend->trail().setInset(mixer.IsUseCache() || stamp.opacity == 255 ? 1.0 : 0.0);
     XCRect changed;
     if (tip->DrawBendedPattern(&changed, m_method->GetOffscreen(), &mixer, first, second, side, setup.antialias(),
-                               mixer.IsUseCache() ? nullptr : &m_bend->trail()))
+                               &m_bend->trail()))
         ovw::brush::unite(painted, changed);
 }

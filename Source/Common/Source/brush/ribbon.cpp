@@ -27,12 +27,6 @@ double turnBetween(double from, double to) { return vxRotOffCalc(vxRotNormal(fro
 
 } // namespace
 
-void RibbonTrail::clear() {
-    m_pieces.clear();
-    m_next = 0;
-    m_length = 0.0;
-}
-
 void RibbonTrail::add(const MapOutline& piece, double length, double width) {
     m_length += length;
     m_width = width;
@@ -130,7 +124,9 @@ XCRect Ribbon::paint(const BENDPATTERNEND& first, const BENDPATTERNEND& second) 
         const double t = std::min(nextTurn, nextRepeat);
         const CrossEdge to = course.edgeAt(t);
         const double alongTo = nextRepeat <= nextTurn ? 1.0 : first.along + t * advance - repeat;
-        paintPiece(from, to, along, alongTo);
+        Piece piece{from, to, along, alongTo, false, 0.0, 0.0};
+        findMeeting(piece);
+        paintPiece(piece);
         from = to;
         along = alongTo;
         if (nextTurn <= nextRepeat)
@@ -143,8 +139,34 @@ XCRect Ribbon::paint(const BENDPATTERNEND& first, const BENDPATTERNEND& second) 
     return m_painted;
 }
 
-void Ribbon::paintPiece(const CrossEdge& from, const CrossEdge& to, double alongFrom, double alongTo) {
-    const MapOutline outline = outlineOf(from, to, alongFrom, alongTo, m_painter.isAntialiased() ? cnSoftMargin : 0.0);
+double Ribbon::margin() const { return m_painter.isAntialiased() ? cnSoftMargin : 0.0; }
+
+/// Finds where the cross edges meet, if they do.
+void Ribbon::findMeeting(Piece& piece) const {
+    const tagPOINTD& rightFrom = piece.from.right;
+    const tagPOINTD& rightTo = piece.to.right;
+    const double turn = rightFrom.x * rightTo.y - rightFrom.y * rightTo.x;
+    piece.meets = false;
+    if (std::abs(turn) < cnParallel)
+        return;
+    const tagPOINTD way{piece.to.center.x - piece.from.center.x, piece.to.center.y - piece.from.center.y};
+    piece.meetFrom = (way.x * rightTo.y - way.y * rightTo.x) / turn;
+    piece.meetTo = (way.x * rightFrom.y - way.y * rightFrom.x) / turn;
+    piece.meets =
+        std::abs(piece.meetFrom) <= piece.from.half + margin() && std::abs(piece.meetTo) <= piece.to.half + margin();
+}
+
+void Ribbon::paintPiece(const Piece& piece) {
+    if (!piece.meets)
+        return paintHalf(piece, Half::Both);
+    // The outside of the bend first: the inside is mostly covered by what came before.
+    const bool isLeftOutside = piece.meetFrom + piece.meetTo >= 0.0;
+    paintHalf(piece, isLeftOutside ? Half::Left : Half::Right);
+    paintHalf(piece, isLeftOutside ? Half::Right : Half::Left);
+}
+
+void Ribbon::paintHalf(const Piece& piece, Half half) {
+    const MapOutline outline = outlineOf(piece, half, margin());
     const XCRect pixels = outline.pixels(cnImageOrigin);
     bool isDrawn = false;
     m_painter.forEachRow(pixels, [&](std::int64_t y) {
@@ -163,35 +185,26 @@ void Ribbon::paintPiece(const CrossEdge& from, const CrossEdge& to, double along
     if (isDrawn)
         unite(m_painted, pixels);
     if (m_trail)
-        m_trail->add(outlineOf(from, to, alongFrom, alongTo, 0.0),
-                     std::hypot(to.center.x - from.center.x, to.center.y - from.center.y), 2.0 * to.half);
+        m_trail->add(outlineOf(piece, half, -m_trail->inset()),
+                     half == Half::Right
+                         ? 0.0
+                         : std::hypot(piece.to.center.x - piece.from.center.x, piece.to.center.y - piece.from.center.y),
+                     2.0 * piece.to.half);
 }
 
-MapOutline Ribbon::outlineOf(const CrossEdge& from, const CrossEdge& to, double alongFrom, double alongTo,
-                             double margin) const {
-    Reach reachFrom{-from.half - margin, from.half + margin};
-    Reach reachTo{-to.half - margin, to.half + margin};
-    cutFold(from, to, reachFrom, reachTo);
-    const std::array<TTexMapVertex, 4> corners{corner(from, reachFrom.left, alongFrom),
-                                               corner(to, reachTo.left, alongTo), corner(to, reachTo.right, alongTo),
-                                               corner(from, reachFrom.right, alongFrom)};
+/// @param growth of the ribbon on both sides, pixels
+MapOutline Ribbon::outlineOf(const Piece& piece, Half half, double growth) const {
+    const double reachFrom = std::max(piece.from.half + growth, 0.0);
+    const double reachTo = std::max(piece.to.half + growth, 0.0);
+    const double leftFrom = half == Half::Right ? piece.meetFrom : -reachFrom;
+    const double leftTo = half == Half::Right ? piece.meetTo : -reachTo;
+    const double rightFrom = half == Half::Left ? piece.meetFrom : reachFrom;
+    const double rightTo = half == Half::Left ? piece.meetTo : reachTo;
+    const std::array<TTexMapVertex, 4> corners{corner(piece.from, std::min(leftFrom, rightFrom), piece.alongFrom),
+                                               corner(piece.to, std::min(leftTo, rightTo), piece.alongTo),
+                                               corner(piece.to, rightTo, piece.alongTo),
+                                               corner(piece.from, rightFrom, piece.alongFrom)};
     return MapOutline(corners);
-}
-
-/// Inside a sharp bend the cross edges meet, and what lies beyond belongs to the pieces before and after.
-void Ribbon::cutFold(const CrossEdge& from, const CrossEdge& to, Reach& reachFrom, Reach& reachTo) {
-    const double turn = from.right.x * to.right.y - from.right.y * to.right.x;
-    if (std::abs(turn) < cnParallel)
-        return;
-    const tagPOINTD way{to.center.x - from.center.x, to.center.y - from.center.y};
-    const double meetFrom = (way.x * to.right.y - way.y * to.right.x) / turn;
-    const double meetTo = (way.x * from.right.y - way.y * from.right.x) / turn;
-    const auto isWithin = [](double place, const Reach& reach) { return place >= reach.left && place <= reach.right; };
-    if (!isWithin(meetFrom, reachFrom) || !isWithin(meetTo, reachTo))
-        return;
-    const bool isRight = meetFrom + meetTo > 0.0 || (meetFrom + meetTo == 0.0 && turn > 0.0);
-    (isRight ? reachFrom.right : reachFrom.left) = meetFrom;
-    (isRight ? reachTo.right : reachTo.left) = meetTo;
 }
 
 /// @param offset from the middle of the ribbon, to the right, pixels

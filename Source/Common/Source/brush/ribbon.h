@@ -18,8 +18,10 @@ class RibbonTrail {
 public:
     /// Adds a piece of the ribbon, its corners being pixels of the image.
     void add(const MapOutline& piece, double length, double width);
-    /// Forgets everything.
-    void clear();
+    /// How far from its sides the ribbon counts as covered, pixels: 0, or 1 where painting twice does no harm, so that
+    /// what covers in part is completed.
+    void setInset(double pixels) { m_inset = pixels; }
+    double inset() const { return m_inset; }
     /// Calls paint(from, to) for the runs of from <= x < to, at most a block's width, that are not covered in row y.
     template <class Paint>
     void forEachUncovered(std::int64_t y, std::int64_t from, std::int64_t to, double offset, Paint paint) const {
@@ -51,6 +53,7 @@ private:
 
     std::vector<Piece> m_pieces; ///< a ring
     std::size_t m_next = 0;
+    double m_inset = 0.0;
     double m_length = 0.0;
     double m_width = 0.0;
 };
@@ -71,18 +74,26 @@ private:
         tagPOINTD right; ///< unit vector
         double half;     ///< half the ribbon's width
     };
-    /// How far a piece reaches to both sides at one end.
-    struct Reach {
-        double left;
-        double right;
+    /// A piece between two cross edges. In a sharp bend the edges meet: the piece is then two triangles, one to the
+    /// left of the meeting point and one to the right.
+    struct Piece {
+        CrossEdge from;
+        CrossEdge to;
+        double alongFrom;
+        double alongTo;
+        bool meets;
+        double meetFrom; ///< the meeting point's offset from the middle of each edge, to the right
+        double meetTo;
     };
+    enum class Half { Both, Left, Right };
     class Course;
 
-    void paintPiece(const CrossEdge& from, const CrossEdge& to, double alongFrom, double alongTo);
-    MapOutline outlineOf(const CrossEdge& from, const CrossEdge& to, double alongFrom, double alongTo,
-                         double margin) const;
+    void findMeeting(Piece& piece) const;
+    void paintPiece(const Piece& piece);
+    void paintHalf(const Piece& piece, Half half);
+    MapOutline outlineOf(const Piece& piece, Half half, double growth) const;
+    double margin() const;
     TTexMapVertex corner(const CrossEdge& edge, double offset, double along) const;
-    static void cutFold(const CrossEdge& from, const CrossEdge& to, Reach& reachFrom, Reach& reachTo);
 
     TexturePainter& m_painter;
     double m_imageWidth;
