@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -313,6 +314,73 @@ TEST_F(XCVOffscreenFill, SimpleLinesAndSegments) {
             }
             ASSERT_EQ(expected.difference(image), "") << depth << ' ' << vertical;
         }
+}
+
+TEST_F(XCVOffscreenFill, FillBlockFillsTheCurrentBlock) {
+    for (int depth : cnDepths) {
+        TestImage image(m_store, depth, 600, 300);
+        Picture expected(image);
+        XCVOffscreenAutoLock lock(image.get(), 300, 5, 1);
+        image->FillBlock(1, 0xFF204060);
+        EXPECT_EQ(image->GetBlockExist(0) + image->GetBlockExist(2), 0);
+        expected.fill(XCRect(256, 0, 512, 256), filled(depth, 0xFF204060));
+        EXPECT_EQ(expected.difference(image), "") << depth;
+        image->MoveCursor(300, 5);
+        image->FillBlock(0, 0xFF204060);
+        expected.fill(XCRect(256, 0, 512, 256), clearOf(depth));
+        EXPECT_EQ(expected.difference(image), "") << depth;
+    }
+}
+
+// Rectangles as large as an int allows: no overflow, and no walk over blocks that are not there.
+TEST_F(XCVOffscreenFill, ExtremeRectanglesAreClipped) {
+    constexpr int far = 2147483647;
+    const XCRect all(-far - 1, -far - 1, far, far);
+    for (int depth : cnDepths) {
+        TestImage image(m_store, depth, 300, 300);
+        Picture expected(image);
+        image->RectFill(all, 0, 0xFF102030);
+        expected.fill(XCRect(0, 0, 300, 300), filled(depth, 0xFF102030));
+        ASSERT_EQ(expected.difference(image), "") << depth;
+        image->RectFill(XCRect(far - 1, far - 1, far, far), 0, 0xFF102030, 1);
+        image->ClrRect(XCRect(far - 9, 0, far, far));
+        ASSERT_EQ(expected.difference(image), "") << depth;
+        image->RectFill(all, 0, 0xFF102030, 1);
+        image->CheckClearBlock(all);
+        image->ClrRect(all);
+        EXPECT_EQ(image->GetBlockExist(0), 0);
+        expected.fill(XCRect(0, 0, 300, 300), clearOf(depth));
+        EXPECT_EQ(expected.difference(image), "") << depth;
+    }
+}
+
+TEST_F(XCVOffscreenFill, CopiesOfImagesKeepSizeAndPixels) {
+    for (int depth : cnDepths) {
+        TestImage image(m_store, depth, 600, 300);
+        image->SetResolution(144);
+        image->SetClearColor(0x40);
+        scribble(image, XCRect(200, 10, 300, 60));
+        const std::unique_ptr<XCVOffscreen> empty(image->CreateSameSizeOffscr()),
+            scaled(image->CreateSameSizeOffscr(72));
+        EXPECT_EQ(empty->GetWidth() + scaled->GetHeight(), 900);
+        EXPECT_EQ(empty->IsBlockExist(), 0);
+        EXPECT_EQ(empty->GetResolution(), 144);
+        EXPECT_EQ(scaled->GetResolution(), 72);
+        const std::unique_ptr<XCVOffscreen> copy(image->CreateAndCopyAll());
+        ASSERT_EQ(copy->GetDepth(), depth);
+        EXPECT_EQ(copy->GetBlockExist(2), 0);
+        std::uint32_t colour = 0, copied = 1;
+        image->GetClearColor(&colour);
+        copy->GetClearColor(&copied);
+        EXPECT_EQ(copied, colour);
+        XCVOffscreenAutoLock lock(image.get(), 0), copyLock(copy.get(), 0);
+        for (int y = 10; y < 60; ++y)
+            for (int x = 190; x < 310; ++x) {
+                image->MoveCursor(x, y);
+                copy->MoveCursor(x, y);
+                ASSERT_EQ(copy->Get32BitColor(), image->Get32BitColor()) << depth << ": " << x << ',' << y;
+            }
+    }
 }
 
 } // namespace
