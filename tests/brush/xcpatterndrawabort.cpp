@@ -49,6 +49,7 @@ struct Stoppable : Studio {
         engine.EndDraw(&later);
         EXPECT_EQ(later, changed);
         EXPECT_EQ(messages(), std::vector<std::string>{"A stroke was stopped.\n"});
+        EXPECT_EQ(engine.GetStopCode(), 0x20010004);
     }
 
     /// The engine draws again.
