@@ -15,6 +15,8 @@
 class XCFastPixelMixer;
 class XCSwapBlock;
 class XCVirtualMemory;
+class XCVOffPixelMask;
+class XCVOffPixelMixer;
 
 /// A raster image of 1, 2, 8, 16, 24 or 32 bits a pixel, cut into blocks that exist only where something was painted.
 /// The blocks' memory comes from an XCVirtualMemory, which the image does not own and which must outlive its pixels;
@@ -230,6 +232,25 @@ public:
     void RectFill(const XCRect& rect, XCFastPixelMixer* mixer, const tagRECT* clip);
     /// Erases r; blocks that r covers are released.
     void ClrRect(const tagRECT& r);
+
+    // ---- Round shapes; clip null: the whole image. Nothing is drawn outside the image.
+    /// An outline, one pixel wide, where the mask (may be null) is free. The mixer paints into this image, which the
+    /// caller locks for editing; the points on the axes and diagonals are mixed more than once.
+    void Circle(int cx, int cy, int r, int unused, XCVOffPixelMixer* mixer, XCVOffPixelMask* mask, const tagRECT* clip,
+                std::uint8_t* unusedToo);
+    /// A disc of diameter d with its left-top corner at (x, y), d + 1 pixels wide up to d = 3. Modes, mask and screen
+    /// (16 x 16 thresholds) are those of FillLineRowForPolygon; the caller locks both images.
+    void CircleFill(int x, int y, int d, const std::uint32_t& colour, int mode, XCVOffscreen* maskImage,
+                    const tagPOINT& maskOffset, const tagRECT* clip, std::uint8_t* pattern, int patternLevel);
+    /// The ellipse that touches the pixels x1 <= x2 and y1 <= y2. Locks for editing.
+    void ArcFill(int x1, int y1, int x2, int y2, std::uint32_t colour, const tagRECT* clip);
+
+    // ---- Compositing
+    /// Mixes the mixer's colour into the pixels of src, w x h from (sx, sy), weighted by alpha's ink, and stores them
+    /// from (dx, dy) of this image, for which the mixer is set up. Nothing happens unless alpha has 8 bits and src's
+    /// size and resolution. Locks all three.
+    void CompositAlpha(int dx, int dy, int w, int h, XCVOffscreen* src, XCVOffscreen* alpha, int sx, int sy,
+                       XCVOffPixelMixer* mixer);
 
     // ---- Ordered dither; the forms without a position use the cursor's. 1 = on.
     static const std::uint8_t* GetDitherTable256(); ///< 16 x 16 Bayer matrix, row by row.

@@ -1,0 +1,62 @@
+// The members that paint shapes and images into an image: they check, lock and hand on.
+
+#include "ovwcmn/xcvoffscreen.h"
+#include "ovwcmn/xcvoffscreenlock.h"
+#include "vimage/compositealpha.h"
+#include "vimage/pixelformats.h"
+#include "vimage/roundshapes.h"
+
+using namespace ovw::vimage;
+
+namespace {
+
+/// The part of the image to draw in.
+XCRect drawnArea(const XCVOffscreen& image, const tagRECT* clip) {
+    XCRect area = image.GetRect();
+    if (clip)
+        area.IntersectRect(*clip);
+    return area;
+}
+
+bool haveOneShape(const XCVOffscreen& a, const XCVOffscreen& b) {
+    return a.GetWidth() == b.GetWidth() && a.GetHeight() == b.GetHeight() && a.GetResolution() == b.GetResolution();
+}
+
+} // namespace
+
+void XCVOffscreen::Circle(int cx, int cy, int r, int, XCVOffPixelMixer* mixer, XCVOffPixelMask* mask,
+                          const tagRECT* clip, std::uint8_t*) {
+    const XCRect area = drawnArea(*this, clip);
+    if (mixer && r >= 0 && !area.IsRectEmpty())
+        drawCircle(*this, cx, cy, r, *mixer, mask, area);
+}
+
+void XCVOffscreen::CircleFill(int x, int y, int d, const std::uint32_t& colour, int mode, XCVOffscreen* maskImage,
+                              const tagPOINT& maskOffset, const tagRECT* clip, std::uint8_t* pattern,
+                              int patternLevel) {
+    const DiscPaint paint{colour, mode, maskImage, maskOffset, pattern, patternLevel};
+    fillDisc(*this, x, y, d, paint, drawnArea(*this, clip));
+}
+
+void XCVOffscreen::ArcFill(int x1, int y1, int x2, int y2, std::uint32_t colour, const tagRECT* clip) {
+    const XCRect box(x1, y1, x2, y2);
+    const XCRect area = drawnArea(*this, clip);
+    if (!GetRect().IsIntersectRect(box) || area.IsRectEmpty())
+        return;
+    const XCVOffscreenAutoLock lock(this, 1);
+    fillEllipse(*this, box, colour, area);
+}
+
+void XCVOffscreen::CompositAlpha(int dx, int dy, int w, int h, XCVOffscreen* src, XCVOffscreen* alpha, int sx, int sy,
+                                 XCVOffPixelMixer* mixer) {
+    if (!src || !alpha || !mixer || !haveOneShape(*src, *alpha) || alpha->GetDepth() != Density8::cnBits)
+        return;
+    const AlphaCopy copy = AlphaCopy{dx, dy, w, h, sx, sy}.clippedTo(*this);
+    if (copy.width <= 0 || copy.height <= 0)
+        return;
+    // This image last: where it is also read from, it is to stay locked for editing.
+    const XCVOffscreenAutoLock sourceLock(src, 0);
+    const XCVOffscreenAutoLock alphaLock(alpha, 0);
+    const XCVOffscreenAutoLock destinationLock(this, 1);
+    compositeAlpha(*this, copy, *src, *alpha, *mixer);
+}
