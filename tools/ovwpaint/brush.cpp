@@ -15,6 +15,14 @@ int scaledLength(int length, double factor) {
 
 } // namespace
 
+void Brush::setComposition(int composition) {
+    method.methodKind = composition;
+    if (composition == XCFastPixelMixer::Replace)
+        method.useCache = 0;
+    else if (composition > XCFastPixelMixer::LightenStep)
+        method.useCache = 1;
+}
+
 Brush Brush::scaled(double factor) const {
     constexpr int cnIntervalInPixels = 1;
     Brush brush = *this;

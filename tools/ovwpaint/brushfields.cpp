@@ -1,5 +1,7 @@
 #include "brushfields.h"
 
+#include "ovwcmn/xcfastpixelmixer.h"
+
 #include <array>
 
 namespace ovwpaint {
@@ -9,8 +11,9 @@ namespace {
 constexpr int cnMaxByte = 255;
 constexpr int cnMaxLength = 10000;  // pixels
 constexpr int cnMaxPercent = 10000; // of the stamp's size
-constexpr int cnMaxComposition = 18;
+constexpr int cnMaxComposition = XCFastPixelMixer::AddFade;
 constexpr int cnMaxCacheKind = 3;
+constexpr int cnMaxTextureMode = 3;
 constexpr int cnScaleBits = cnControlRandom | cnControlPressure | cnControlAuxScale | cnControlSpeed;
 constexpr int cnRotateBits = cnRotateRandom | cnRotateAngleA | cnRotateAngleB | cnRotateDirection | cnRotateRadial;
 constexpr int cnSprayBits = cnSprayScatter | cnSprayFixedPlots | cnSprayTrailing;
@@ -22,7 +25,7 @@ constexpr double cnMaxAngle = 100.0; // radians
 #field, [](Brush & brush) -> auto& { return brush.record.field; }
 
 constexpr std::array cnIntegerFields = {
-    IntegerField{FIELD(pattern, patternKind), 0, XCPattern::cnKindPolygon},
+    IntegerField{FIELD(pattern, patternKind), 0, XCPattern::cnKindPolygon, false, tipNames},
     IntegerField{FIELD(size, size), 1, cnMaxLength},
     IntegerField{FIELD(size, sizeMin), 0, cnMaxByte},
     IntegerField{FIELD(size, sizeControl), 0, cnScaleBits, true},
@@ -58,11 +61,14 @@ constexpr std::array cnIntegerFields = {
     IntegerField{FIELD(etc, continueFlag), 0, 1},
     IntegerField{FIELD(etc, etcValue), 0, cnMaxLength},
     IntegerField{FIELD(method, useCache), 0, 1},
-    IntegerField{FIELD(method, methodKind), 0, cnMaxComposition},
-    IntegerField{FIELD(method, cacheKind), 0, cnMaxCacheKind},
+    IntegerField{FIELD(method, methodKind), 0, cnMaxComposition, false, compositionNames},
+    IntegerField{FIELD(method, cacheKind), 0, cnMaxCacheKind, false, cacheNames},
     IntegerField{FIELD(method, methodFlag), 0, 1},
     IntegerField{FIELD(method, densityFlag), 0, 1},
     IntegerField{FIELD(method, lowDepthSoft), 0, 1},
+    IntegerField{FIELD(texture, textureMode), 0, cnMaxTextureMode, false, textureModeNames},
+    IntegerField{FIELD(texture, textureDensity), -cnMaxTextureDensity, cnMaxTextureDensity},
+    IntegerField{FIELD(texture, textureAfter), 0, 1},
 };
 
 constexpr std::array cnNumberFields = {

@@ -5,19 +5,22 @@
 /// The fields of a brush by name, with the values that a brush file may give them.
 
 #include "brush.h"
+#include "names.h"
 
 #include <cstdint>
 #include <span>
 
 namespace ovwpaint {
 
-/// A whole number from `least` to `most`; with `bits`, any combination of the bits of `most`.
+/// A whole number from `least` to `most`; with `bits`, any combination of the bits of `most`; with `names`, a brush
+/// file may also give it by name.
 struct IntegerField {
     const char* name;
     int& (*in)(Brush&);
     int least;
     int most;
     bool bits = false;
+    std::span<const NamedValue> (*names)() = nullptr;
 
     bool accepts(std::int64_t value) const { return value >= least && value <= most && (!bits || !(value & ~most)); }
 };
@@ -38,6 +41,10 @@ std::span<const IntegerField> integerFields();
 std::span<const NumberField> numberFields();
 std::span<const ColourField> colourFields();
 
+/// What a texture's density is at most, either way.
+inline constexpr int cnMaxTextureDensity = 256;
+
+inline constexpr const char* cnTextureField = "texture";
 /// The two lists of points.
 inline constexpr const char* cnPolygonField = "polygon";
 inline constexpr const char* cnFixedPlotsField = "fixedPlots";

@@ -3,12 +3,14 @@
 #include "brushfields.h"
 #include "colour.h"
 #include "failure.h"
+#include "texture.h"
 
 #include <nlohmann/json.hpp>
 
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
@@ -24,7 +26,7 @@ constexpr std::size_t cnMaxFileBytes = 1 << 20;
 /// Fills a brush from the members of a JSON object.
 class BrushParser {
 public:
-    explicit BrushParser(const std::string& name) : m_name(name) {}
+    BrushParser(const std::string& name, const std::filesystem::path& folder) : m_name(name), m_folder(folder) {}
 
     Brush parse(std::string_view text) {
         const Json json = parseJson(text);
@@ -38,17 +40,21 @@ public:
 private:
     Json parseJson(std::string_view text);
     void assign(const std::string& field, const Json& value);
+    void assignName(const IntegerField& field, const std::string& name);
     void assignInteger(const IntegerField& field, const Json& value);
     void assignNumber(const NumberField& field, const Json& value);
     void assignColour(const ColourField& field, const Json& value);
+    void assignTexture(const Json& value);
     void assignPolygon(const Json& value);
     void assignFixedPlots(const Json& value);
+    std::string fileName(const std::string& field, const Json& value) const;
     tagPOINTD point(const std::string& field, const Json& value, double limit) const;
     [[noreturn]] void fail(const std::string& field, const std::string& what) const {
         throw Failure(m_name + ": field \"" + field + "\": " + what);
     }
 
     const std::string m_name;
+    const std::filesystem::path m_folder; ///< where the names of files start
     Brush m_brush;
 };
 
@@ -89,6 +95,8 @@ void BrushParser::assign(const std::string& name, const Json& value) {
         if (name == field.name)
             return assignColour(field, value);
     }
+    if (name == cnTextureField)
+        return assignTexture(value);
     if (name == cnPolygonField)
         return assignPolygon(value);
     if (name == cnFixedPlotsField)
@@ -96,7 +104,16 @@ void BrushParser::assign(const std::string& name, const Json& value) {
     fail(name, "no such field");
 }
 
+void BrushParser::assignName(const IntegerField& field, const std::string& name) {
+    const std::optional<int> value = valueNamed(field.names(), name);
+    if (!value)
+        fail(field.name, Json(name).dump() + " is none of " + listOf(field.names()));
+    field.in(m_brush) = *value;
+}
+
 void BrushParser::assignInteger(const IntegerField& field, const Json& value) {
+    if (field.names && value.is_string())
+        return assignName(field, value.get_ref<const std::string&>());
     if (!value.is_number_integer())
         fail(field.name, std::string("a whole number is needed, not ") + value.type_name());
     // A number beyond 63 bits is unsigned and would wrap to a negative one, which no field takes either.
@@ -128,6 +145,20 @@ void BrushParser::assignColour(const ColourField& field, const Json& value) {
     if (!colour)
         fail(field.name, value.dump() + " is no colour");
     field.in(m_brush) = *colour;
+}
+
+std::string BrushParser::fileName(const std::string& field, const Json& value) const {
+    if (!value.is_string())
+        fail(field, std::string("the name of a PNG file is needed, not ") + value.type_name());
+    const std::string& name = value.get_ref<const std::string&>();
+    if (name.empty() || name.find('\0') != std::string::npos)
+        fail(field, value.dump() + " is no file name");
+    return (m_folder / name).string();
+}
+
+void BrushParser::assignTexture(const Json& value) {
+    const bool isBuiltIn = value.is_string() && value.get_ref<const std::string&>() == cnGrainTexture;
+    m_brush.texture.texture = isBuiltIn ? cnGrainTexture : fileName(cnTextureField, value);
 }
 
 tagPOINTD BrushParser::point(const std::string& field, const Json& value, double limit) const {
@@ -186,20 +217,29 @@ Brush readBrushFile(const std::string& path) {
     text.resize(static_cast<std::size_t>(file.gcount()));
     if (text.size() > cnMaxFileBytes)
         throw Failure(path + ": too large for a brush");
-    return parseBrush(text, path);
+    return parseBrush(text, path, std::filesystem::path(path).parent_path().string());
 }
 
-Brush parseBrush(std::string_view json, const std::string& name) { return BrushParser(name).parse(json); }
+Brush parseBrush(std::string_view json, const std::string& name, const std::string& folder) {
+    return BrushParser(name, folder).parse(json);
+}
 
 std::string formatBrush(const Brush& brush) {
     Brush copy = brush; // the fields hand out references
     nlohmann::ordered_json json;
     for (const ColourField& field : colourFields())
         json[field.name] = formatColour(field.in(copy));
-    for (const IntegerField& field : integerFields())
-        json[field.name] = field.in(copy);
+    for (const IntegerField& field : integerFields()) {
+        const char* name = field.names ? nameOf(field.names(), field.in(copy)) : nullptr;
+        if (name)
+            json[field.name] = name;
+        else
+            json[field.name] = field.in(copy);
+    }
     for (const NumberField& field : numberFields())
         json[field.name] = shortest(field.in(copy));
+    if (!copy.texture.texture.empty())
+        json[cnTextureField] = copy.texture.texture;
     if (copy.pattern.polygon.GetSize() > 0)
         json[cnPolygonField] = pointList(&copy.pattern.polygon[0], copy.pattern.polygon.GetSize());
     if (copy.airbrush.sprayFlags & cnSprayFixedPlots)

@@ -1,16 +1,16 @@
 #include "canvas.h"
 
+#include "picture.h"
+
 #include "ovwcmn/xcblockgetter.h"
-#include "ovwcmn/xcvirtualmemory.h"
 #include "ovwcmn/xcvoffscreenlock.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace ovwpaint {
 
 namespace {
-
-constexpr double cnResolution = 96.0; // pixels an inch
 
 std::size_t blockBytes(const XCVOffscreen& image) {
     return static_cast<std::size_t>(image.GetBlockRowBytes()) * XCVOffscreen::cnBlockSize;
@@ -20,15 +20,11 @@ std::size_t blockBytes(const XCVOffscreen& image) {
 
 Canvas::Canvas(int width, int height, int depth, Colour background, bool keepBefore)
     : m_background(shownColour(background, depth)), m_image(makeImage(width, height, depth)) {
-    if (keepBefore)
+    setBackground(*m_image);
+    if (keepBefore) {
         m_before = makeImage(width, height, depth);
-}
-
-std::unique_ptr<XCVOffscreen> Canvas::makeImage(int width, int height, int depth) const {
-    std::unique_ptr<XCVOffscreen> image(XCVOffscreen::CreateOffscreen(depth));
-    image->Create(xcGetVirtualMemory(), width, height, cnResolution);
-    setBackground(*image);
-    return image;
+        setBackground(*m_before);
+    }
 }
 
 /// New blocks get the clear colour, which for 1 and 8 bits is a byte.
@@ -76,6 +72,14 @@ void Canvas::settle(const XCRect& area) {
         std::memcpy(m_before->GetBaseAddress(), m_image->GetBaseAddress(), blockBytes(*m_image));
         m_image->ResetBlockEdited(index);
     }
+}
+
+void Canvas::paste(PngReader& picture) {
+    const XCRect area(0, 0, std::min(width(), picture.width()), std::min(height(), picture.height()));
+    prepare(area);
+    const auto onBackground = [this](Colour colour) { return over(colour, m_background); };
+    picture.read([&](const PngRow& row) { storeRow(*m_image, row, onBackground); });
+    settle(area);
 }
 
 Colour shownColour(Colour colour, int depth) {

@@ -12,6 +12,8 @@
 
 namespace ovwpaint {
 
+class PngReader;
+
 /// A tiled image on a background, and a second one with the picture as it was before the stroke under way, from which
 /// strokes with a cache are composed. The background is there wherever something is painted; elsewhere no block exists.
 /// Both images live on the process-wide block store, whose failures pass through as XCException.
@@ -33,8 +35,10 @@ public:
     /// To be called after a stroke that changed the area: the second image catches up.
     void settle(const XCRect& area);
 
+    /// Puts the picture over the background, at the left and top; what is too large is cut off.
+    void paste(PngReader& picture);
+
 private:
-    std::unique_ptr<XCVOffscreen> makeImage(int width, int height, int depth) const;
     void makeBlock(XCVOffscreen& image, int x, int y) const;
     void setBackground(XCVOffscreen& image) const;
 

@@ -57,6 +57,19 @@ Colour fromLongForm(std::uint32_t value, bool withAlpha) {
 
 } // namespace
 
+Colour over(Colour top, Colour bottom) {
+    constexpr std::uint32_t cnFull = 255;
+    // What each contributes, in parts of 255 * 255.
+    const std::uint32_t upper = alphaOf(top) * cnFull;
+    const std::uint32_t lower = (cnFull - alphaOf(top)) * alphaOf(bottom);
+    const std::uint32_t both = upper + lower;
+    if (both == 0)
+        return bottom;
+    const auto mixed = [=](std::uint32_t a, std::uint32_t b) { return (a * upper + b * lower + both / 2) / both; };
+    return packColour(mixed(redOf(top), redOf(bottom)), mixed(greenOf(top), greenOf(bottom)),
+                      mixed(blueOf(top), blueOf(bottom)), (both + cnFull / 2) / cnFull);
+}
+
 std::optional<Colour> parseColour(std::string_view text) {
     for (const NamedColour& known : cnNamedColours) {
         if (equalIgnoringCase(known.name, text))

@@ -22,6 +22,11 @@ constexpr std::uint32_t greenOf(Colour colour) { return colour >> 8 & 0xFF; }
 constexpr std::uint32_t blueOf(Colour colour) { return colour >> 16 & 0xFF; }
 constexpr std::uint32_t alphaOf(Colour colour) { return colour >> 24; }
 
+/// The brightness by which the library's images of few bits go.
+constexpr std::uint32_t greyOf(Colour colour) { return (redOf(colour) + 4 * greenOf(colour) + 2 * blueOf(colour)) / 7; }
+/// One colour painted over another.
+Colour over(Colour top, Colour bottom);
+
 /// Reads a colour name, #RGB, #RGBA, #RRGGBB or #RRGGBBAA (letters in either case); nothing for any other text.
 std::optional<Colour> parseColour(std::string_view text);
 /// "#RRGGBBAA"

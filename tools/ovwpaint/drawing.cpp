@@ -8,6 +8,7 @@
 #include "outputfile.h"
 #include "painter.h"
 #include "pngexport.h"
+#include "pngimport.h"
 #include "presets.h"
 #include "progress.h"
 
@@ -40,37 +41,69 @@ public:
     Store& operator=(const Store&) = delete;
 };
 
+void changeTexture(BrushTexture& texture, const DrawOptions& options) {
+    if (!options.texture.empty())
+        texture.texture = options.texture;
+    texture.textureMode = options.textureMode.value_or(texture.textureMode);
+    texture.textureDensity = options.textureDensity.value_or(texture.textureDensity);
+    if (options.textureAfter)
+        texture.textureAfter = 1;
+}
+
 Brush chooseBrush(const DrawOptions& options) {
     const Preset* preset = findPreset(options.preset);
     if (options.brushFile.empty() && !preset)
         throw Failure("there is no preset \"" + options.preset + "\" (see ovwpaint presets)");
-    const Brush brush = options.brushFile.empty() ? brushOf(*preset) : readBrushFile(options.brushFile);
+    Brush brush = options.brushFile.empty() ? brushOf(*preset) : readBrushFile(options.brushFile);
+    if (options.composition)
+        brush.setComposition(*options.composition);
+    brush.method.cacheKind = options.cacheKind.value_or(brush.method.cacheKind);
+    changeTexture(brush.texture, options);
+    if (!options.pictures.clone.empty())
+        brush.method.useCache = 0; // cloned pixels never meet the cache, nor does the opacity there
     return options.brushSize ? brush.scaled(static_cast<double>(*options.brushSize) / brush.size.size) : brush;
 }
 
-/// An eraser needs something to take away.
+/// An eraser needs something to take away; a backdrop is that.
 Colour chooseBackground(const DrawOptions& options, const Brush& brush) {
     const Colour ink = packColour(0, 0, 0);
     const Colour paper = packColour(255, 255, 255);
-    return options.background.value_or(brush.erases() ? ink : paper);
+    return options.background.value_or(brush.erases() && options.backdrop.empty() ? ink : paper);
 }
 
-Layout chooseLayout(const DrawOptions& options, const InkSurvey& survey, const Brush& brush) {
+/// A backdrop is as large as the picture unless that has a size of its own.
+Layout chooseLayout(const DrawOptions& options, const InkSurvey& survey, const Brush& brush,
+                    const PngReader* backdrop) {
+    SizeWish size = options.size;
+    if (backdrop && !size.width && !size.height) {
+        size.width = backdrop->width();
+        size.height = backdrop->height();
+    }
     try {
-        return layOut(survey, brush, options.size);
+        return layOut(survey, brush, size);
     } catch (const Failure& failure) {
         throw Failure(options.strokes + ": " + failure.what());
     }
 }
 
-/// The library's brushes do not paint into images of 16 bits, grey with coverage: those are painted in 32.
-int paintingDepth(int depth) { return depth == 16 ? 32 : depth; }
+/// Pictures are painted in 32 bits where the library's brushes do not paint at their depth: in 16 bits, grey with
+/// coverage; in 24 bits beyond the plainest compositions; below 8 bits what smudges.
+int paintingDepth(const DrawOptions& options, const Brush& brush) {
+    constexpr int cnColourDepth = 32;
+    const bool isPlain = brush.method.methodKind <= XCFastPixelMixer::Erase && options.pictures.clone.empty();
+    switch (options.depth) {
+    case 1:
+    case 2: return brush.smudges() ? cnColourDepth : options.depth;
+    case 16: return cnColourDepth;
+    case 24: return isPlain ? options.depth : cnColourDepth;
+    default: return options.depth;
+    }
+}
 
 /// A picture without transparency cannot be erased to nothing: there the eraser paints the paper's white.
 Brush adaptToDepth(Brush brush, int depth) {
-    constexpr int cnMethodNormal = 1;
     if (depth == 24 && brush.erases()) {
-        brush.method.methodKind = cnMethodNormal;
+        brush.method.methodKind = XCFastPixelMixer::Normal;
         brush.color.drawColor = packColour(255, 255, 255);
     }
     return brush;
@@ -78,7 +111,8 @@ Brush adaptToDepth(Brush brush, int depth) {
 
 void refuseToReplaceInput(const DrawOptions& options) {
     std::error_code ignored;
-    for (const std::string& input : {options.strokes, options.brushFile}) {
+    for (const std::string& input : {options.strokes, options.brushFile, options.texture, options.pictures.mask,
+                                     options.pictures.clone, options.backdrop}) {
         if (!input.empty() && std::filesystem::equivalent(input, options.output, ignored))
             throw Failure(options.output + ": the output would replace the input");
     }
@@ -119,14 +153,20 @@ void drawPicture(const DrawOptions& options) {
     const Brush chosen = chooseBrush(options);
     InkDocument document(options.strokes);
     const InkSurvey survey = document.survey();
-    const Layout layout = chooseLayout(options, survey, chosen);
+    std::optional<PngReader> backdrop;
+    if (!options.backdrop.empty())
+        backdrop.emplace(options.backdrop);
+    const Layout layout = chooseLayout(options, survey, chosen, backdrop ? &*backdrop : nullptr);
     OutputFile output(options.output); // before the work, so that a bad path is known at once
     const Store store(options.memory, options.swapFolder);
-    Canvas canvas(layout.width, layout.height, paintingDepth(options.depth), chooseBackground(options, chosen),
-                  chosen.method.useCache != 0);
+    const int depth = paintingDepth(options, chosen);
+    Materials materials(chosen, options.pictures, depth);
+    Canvas canvas(layout.width, layout.height, depth, chooseBackground(options, chosen), chosen.method.useCache != 0);
+    if (backdrop)
+        canvas.paste(*backdrop);
     xcSetRandomSeed(options.seed);
     {
-        Painter painter(canvas, adaptToDepth(chosen, options.depth).scaled(layout.scale), options.joining);
+        Painter painter(canvas, adaptToDepth(chosen, options.depth).scaled(layout.scale), materials, options.joining);
         paint(document, painter, layout.mapping(Painter::cnUnitsPerPixel), options.joining, progress,
               survey.sampleCount);
     }

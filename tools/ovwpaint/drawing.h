@@ -6,6 +6,7 @@
 
 #include "colour.h"
 #include "layout.h"
+#include "materials.h"
 #include "strokeshaper.h"
 
 #include <cstdint>
@@ -24,8 +25,16 @@ struct DrawOptions {
     std::string swapFolder;           ///< empty: the system's temporary folder
     std::uint32_t seed = 1;
     std::string preset = "ink-pen";
-    std::string brushFile;        ///< empty: the preset
-    std::optional<int> brushSize; ///< pixels of the drawing, instead of the brush's own size
+    std::string brushFile;          ///< empty: the preset
+    std::optional<int> brushSize;   ///< pixels of the drawing, instead of the brush's own size
+    std::optional<int> composition; ///< instead of the brush's own; likewise below
+    std::optional<int> cacheKind;
+    std::string texture;
+    std::optional<int> textureMode;
+    std::optional<int> textureDensity;
+    bool textureAfter = false; ///< set it; else the brush's own
+    PictureWish pictures;
+    std::string backdrop; ///< a picture to paint on
     Joining joining = Joining::Smooth;
     bool quiet = false;
 };

@@ -35,10 +35,11 @@ int toPixel(double units) {
 
 } // namespace
 
-Painter::Painter(Canvas& canvas, const Brush& brush, Joining joining)
+Painter::Painter(Canvas& canvas, const Brush& brush, Materials& materials, Joining joining)
     : m_canvas(canvas), m_brush(brush), m_reach(brush.reach() * cnUnitsPerPixel),
       m_stroke(joining == Joining::Straight ? static_cast<XCStroke&>(m_polyline) : m_bezier) {
     m_brush.applyTo(m_param);
+    materials.applyTo(m_method);
     PDOFFSCREENINFO info;
     info.scale = cnUnitsPerPixel;
     info.clip = canvas.image().GetRect();

@@ -6,6 +6,7 @@
 
 #include "brush.h"
 #include "canvas.h"
+#include "materials.h"
 #include "strokeshaper.h"
 
 #include "ovwcmn/xcpatterndraw.h"
@@ -20,7 +21,7 @@ public:
     static constexpr double cnUnitsPerPixel = 4.0;
 
     /// @param brush with lengths in the canvas' pixels
-    Painter(Canvas& canvas, const Brush& brush, Joining joining);
+    Painter(Canvas& canvas, const Brush& brush, Materials& materials, Joining joining);
     ~Painter() override;
 
     void start(const XCStrokePoint& point) override;

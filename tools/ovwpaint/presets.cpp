@@ -1,6 +1,7 @@
 #include "presets.h"
 
 #include "colour.h"
+#include "texture.h"
 
 #include <array>
 #include <cmath>
@@ -10,8 +11,7 @@ namespace ovwpaint {
 
 namespace {
 
-// The kinds of drawing method and of stroke cache, as XCPatternDrawMethod::SetOffscreen numbers them.
-constexpr int cnMethodNormal = 1;
+// The kinds of stroke cache, as XCPatternDrawMethod::SetOffscreen numbers them.
 constexpr int cnCacheOver = 0;      // every stamp covers some more of what is left
 constexpr int cnCacheOverFixed = 1; // the same, below one opacity for the whole stroke
 constexpr int cnCacheMaximum = 2;   // the strongest stamp counts
@@ -39,7 +39,7 @@ void makeInkPen(Brush& brush) {
     setSize(brush, 6, 40, cnControlPressure);
     brush.color.drawColor = packColour(20, 24, 40);
     setSpacing(brush, 8);
-    setMethod(brush, cnMethodNormal, cnCacheMaximum);
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheMaximum);
 }
 
 void makePencil(Brush& brush) {
@@ -47,7 +47,7 @@ void makePencil(Brush& brush) {
     brush.color = {packColour(52, 52, 56), brush.color.subColor, 220, 50, cnControlPressure};
     brush.hardness.hardness = 200;
     setSpacing(brush, 25);
-    setMethod(brush, cnMethodNormal, cnCacheOver);
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheOver);
     brush.method.lowDepthSoft = 1;
 }
 
@@ -56,7 +56,7 @@ void makeMarker(Brush& brush) {
     brush.color.drawColor = packColour(250, 205, 40);
     brush.color.opacity = 150;
     setSpacing(brush, 5);
-    setMethod(brush, cnMethodNormal, cnCacheMaximum);
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheMaximum);
     brush.method.lowDepthSoft = 1;
 }
 
@@ -68,7 +68,7 @@ void makeAirbrush(Brush& brush) {
     brush.airbrush.sprayWidthAtFull = 40;
     brush.airbrush.plotCountAtFull = 6;
     setSpacing(brush, 12);
-    setMethod(brush, cnMethodNormal, cnCacheOver);
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheOver);
     brush.method.lowDepthSoft = 1;
 }
 
@@ -76,7 +76,7 @@ void makeEraser(Brush& brush) {
     setSize(brush, 16, 100, cnControlPressure);
     brush.hardness.hardness = 220;
     setSpacing(brush, 6);
-    setMethod(brush, Brush::cnMethodErase, cnCacheMaximum);
+    setMethod(brush, XCFastPixelMixer::Erase, cnCacheMaximum);
 }
 
 /// An ellipse as a polygon, whose edges the rasteriser smooths in both directions; those of the circle tip's ellipses
@@ -98,7 +98,41 @@ void makeTaperedEllipse(Brush& brush) {
     brush.sizeRate = {0.3f, 0.85f, cnControlPressure};
     brush.rotate.angle = cnPi / 4.0f;
     setSpacing(brush, 3);
-    setMethod(brush, cnMethodNormal, cnCacheMaximum);
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheMaximum);
+}
+
+/// The grain takes from the paint, so that pressing harder fills it.
+void makeChalk(Brush& brush) {
+    constexpr int cnModeSubtract = 2;
+    setSize(brush, 22, 200, cnControlPressure);
+    brush.color = {packColour(60, 80, 130), brush.color.subColor, 255, 90, cnControlPressure};
+    brush.hardness.hardness = 170;
+    setSpacing(brush, 6);
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheMaximum);
+    brush.texture = {cnGrainTexture, cnModeSubtract, 0, 0};
+    brush.method.lowDepthSoft = 1;
+}
+
+/// Takes up some of what it goes over and carries it along.
+void makeWater(Brush& brush) {
+    setSize(brush, 26, 150, cnControlPressure);
+    brush.color.drawColor = packColour(40, 110, 190);
+    brush.hardness.hardness = 120;
+    brush.mixColor.mixColor = 60;
+    brush.mixColor.smudge = 20;
+    setSpacing(brush, 5);
+    setMethod(brush, XCFastPixelMixer::Water, cnCacheOver);
+}
+
+/// Adds nothing of its own.
+void makeSmudge(Brush& brush) {
+    setSize(brush, 30, 200, cnControlPressure);
+    brush.hardness.hardness = 100;
+    brush.mixColor.mixColor = 0;
+    brush.mixColor.mixAlpha = 0;
+    brush.mixColor.smudge = 15;
+    setSpacing(brush, 5);
+    setMethod(brush, XCFastPixelMixer::Water, cnCacheOver);
 }
 
 constexpr std::array cnPresets = {
@@ -108,6 +142,9 @@ constexpr std::array cnPresets = {
     Preset{"airbrush", "soft blue spray, scattered around the pen", makeAirbrush},
     Preset{"eraser", "takes away what is there (see ovwpaint draw --help)", makeEraser},
     Preset{"tapered-ellipse", "slanted flat nib, thick and thin by direction and pressure", makeTaperedEllipse},
+    Preset{"chalk", "grainy, fuller under pressure", makeChalk},
+    Preset{"water", "wet blue paint that takes up the colours it goes over", makeWater},
+    Preset{"smudge", "drags along the colours of the picture, has none itself", makeSmudge},
 };
 
 } // namespace

@@ -1,10 +1,14 @@
 #include "program.h"
 
+#include "brushfields.h"
 #include "brushfile.h"
+#include "drawhelp.h"
 #include "drawing.h"
 #include "failure.h"
 #include "interrupt.h"
+#include "names.h"
 #include "presets.h"
+#include "texture.h"
 
 #include "ovwcmn/ovwdefs.h"
 #include "ovwcmn/xcexception.h"
@@ -12,6 +16,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -27,32 +32,6 @@ namespace {
 constexpr const char* cnMainFooter =
     "Exit status: 0 done, 1 failure, 2 wrong usage, 130 interrupted.\n"
     "Example: ovwpaint draw examples/strokes/signature.inkml -o signature.png --scale 2";
-
-constexpr const char* cnDrawFooter =
-    "Size: without --width and --height the picture is the drawing at 96 pixels an inch with a margin around it. With\n"
-    "one or both, the drawing is fitted into the picture; with --scale as well, it is centred at that scale. The "
-    "brush\n"
-    "grows with the drawing.\n"
-    "\n"
-    "Depth: pictures of 16 bits are painted in colour and turned grey at the end, since brushes do not paint into "
-    "such\n"
-    "images. Brushes with lowDepthSoft dither at 1 and 2 bits, others paint solid.\n"
-    "\n"
-    "Background: white; for the eraser (and for brushes of methodKind 2) black ink, so that there is something to "
-    "take\n"
-    "away. Where the eraser went the picture is transparent, or white at depths without transparency (1, 8, 24).\n"
-    "Colours are names such as white, black or transparent, #RGB, #RGBA, #RRGGBB or #RRGGBBAA.\n"
-    "\n"
-    "Pen: the channel F is the pressure; the azimuth (OA, or from OTx and OTy) becomes angleA, the lean away from "
-    "upright\n"
-    "(from OE, or OTx and OTy) angleB, both in degrees; auxScale is 1 for an upright pen and 0 for a lying one; speed "
-    "is\n"
-    "that of the pen in pixels a millisecond, from T. Pen-up traces are not painted.\n"
-    "\n"
-    "Brush files are JSON, one object with the fields of the brush by name; ovwpaint presets --json NAME prints one.\n"
-    "\n"
-    "The output appears when it is complete; until then, and after a failure, a file of that name stays as it was.\n"
-    "Exit status: 0 done, 1 failure, 2 wrong usage, 130 interrupted.";
 
 std::string versionText() {
     return "ovwpaint " + std::to_string(OVWCMN_VERSION_MAJOR) + "." + std::to_string(OVWCMN_VERSION_MINOR) + "." +
@@ -79,6 +58,20 @@ std::string checkScale(const std::string& text) {
     return "\"" + text + "\" is no factor from 0.001 to 1000";
 }
 
+/// "X,Y", both whole numbers no further from 0 than pictures are large.
+std::optional<XCPoint> parsePoint(const std::string& text) {
+    XCPoint point;
+    const char* const end = text.data() + text.size();
+    const auto [comma, badX] = std::from_chars(text.data(), end, point.x);
+    if (badX != std::errc() || comma == end || *comma != ',')
+        return std::nullopt;
+    const auto [rest, badY] = std::from_chars(comma + 1, end, point.y);
+    const auto isNear = [](std::int32_t value) { return value >= -cnMaxSide && value <= cnMaxSide; };
+    if (badY != std::errc() || rest != end || !isNear(point.x) || !isNear(point.y))
+        return std::nullopt;
+    return point;
+}
+
 /// The command line as CLI11 knows it, and what it filled in.
 struct CommandLine {
     CLI::App app{"Paints recorded pen strokes into pictures."};
@@ -101,6 +94,11 @@ struct CommandLine {
     void addDraw();
     void addPictureOptions();
     void addBrushOptions();
+    void addTextureOptions();
+    void addMaterialOptions();
+    void addName(const char* option, std::optional<int>& value, std::span<const NamedValue> names,
+                 const char* description);
+    void addPoint(const char* option, XCPoint& value, const char* description, CLI::Option* owner);
     void addPresets();
 };
 
@@ -110,6 +108,8 @@ void CommandLine::addDraw() {
     draw->add_option("-o,--output", options.output, "The picture to write")->required()->type_name("OUT.png");
     addPictureOptions();
     addBrushOptions();
+    addTextureOptions();
+    addMaterialOptions();
     draw->add_option("--memory", options.memory, "Memory for the picture, in MiB; the rest goes to a swap file")
         ->check(CLI::Range(1, 2047))
         ->type_name("MIB")
@@ -117,7 +117,7 @@ void CommandLine::addDraw() {
     draw->add_option("--swap", options.swapFolder, "Folder of the swap file (default: the temporary folder)")
         ->type_name("FOLDER");
     draw->add_flag("--quiet", options.quiet, "No progress bar");
-    draw->footer(cnDrawFooter);
+    draw->footer(drawHelp());
 }
 
 void CommandLine::addPictureOptions() {
@@ -148,6 +148,8 @@ void CommandLine::addBrushOptions() {
     draw->add_option("--size", options.brushSize, "Diameter of the brush in pixels, before --scale")
         ->check(CLI::Range(1, 10000))
         ->type_name("N");
+    addName("--composition", options.composition, compositionNames(), "How the paint meets the picture (see below)");
+    addName("--cache", options.cacheKind, cacheNames(), "How the stamps of a stroke add up (see below)");
     draw->add_option("--seed", options.seed, "Start of the random numbers, for scatter")
         ->check(CLI::Range(std::uint32_t{0}, std::numeric_limits<std::uint32_t>::max()))
         ->type_name("N")
@@ -155,6 +157,60 @@ void CommandLine::addBrushOptions() {
     draw->add_flag(
         "--straight", [this](std::int64_t) { options.joining = Joining::Straight; },
         "Join the samples by straight lines instead of smooth curves");
+}
+
+void CommandLine::addTextureOptions() {
+    draw->add_option("--texture", options.texture,
+                     "A picture whose grain the brush shows, or " + std::string(cnGrainTexture))
+        ->type_name("FILE.png");
+    addName("--texture-mode", options.textureMode, textureModeNames(), "How the texture works (see below)");
+    draw->add_option("--texture-density", options.textureDensity, "For the mode bias: the higher, the more paint")
+        ->check(CLI::Range(-cnMaxTextureDensity, cnMaxTextureDensity))
+        ->type_name("N");
+    draw->add_flag("--texture-after", options.textureAfter, "Let the texture work on the stroke, not on each stamp");
+}
+
+void CommandLine::addMaterialOptions() {
+    draw->add_option("--backdrop", options.backdrop, "A picture to paint on, at the left and top")
+        ->type_name("FILE.png");
+    CLI::Option* mask =
+        draw->add_option("--mask", options.pictures.mask, "A selection: white is painted, black and all outside is not")
+            ->type_name("FILE.png");
+    addPoint("--mask-offset", options.pictures.maskOffset, "Where the selection's corner lies in the picture", mask);
+    CLI::Option* clone = draw->add_option("--clone", options.pictures.clone, "Paint with the pixels of this picture")
+                             ->type_name("FILE.png");
+    addPoint("--clone-offset", options.pictures.cloneOffset, "What to add to a place for the place to clone", clone);
+}
+
+void CommandLine::addPoint(const char* option, XCPoint& value, const char* description, CLI::Option* owner) {
+    draw->add_option_function<std::string>(
+            option,
+            [&value, option](const std::string& text) {
+                const std::optional<XCPoint> point = parsePoint(text);
+                if (!point)
+                    throw CLI::ValidationError(option, "\"" + text + "\" is no point such as 30,-20");
+                value = *point;
+            },
+            description)
+        ->type_name("X,Y")
+        ->needs(owner);
+}
+
+/// An option that takes one of the names or its number.
+void CommandLine::addName(const char* option, std::optional<int>& value, std::span<const NamedValue> names,
+                          const char* description) {
+    const auto toNumber = [names](std::string& text) -> std::string {
+        std::optional<int> number = valueNamed(names, text);
+        for (const NamedValue& named : names) {
+            if (text == std::to_string(named.value))
+                number = named.value;
+        }
+        if (!number)
+            return "\"" + text + "\" is none of " + listOf(names);
+        text = std::to_string(*number);
+        return "";
+    };
+    draw->add_option(option, value, description)->transform(CLI::Validator(toNumber, ""))->type_name("NAME");
 }
 
 void CommandLine::addPresets() {
