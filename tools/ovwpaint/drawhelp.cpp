@@ -44,7 +44,8 @@ the last two fill the grain under pressure. At 1 and 2 bits there is no texture.
 
 constexpr const char* cnPictures =
     R"(With a backdrop and neither --width nor --height the picture is as large as the backdrop. A brush that clones
-paints without a cache and with any composition alike, and clears where the picture to clone has no pixels. Pictures may be PNG of every kind, up to 2^28 pixels.
+paints without a cache and with any composition alike, and clears where the picture to clone has no pixels. Pictures
+may be PNG of every kind, up to 2^28 pixels.
 
 )";
 
