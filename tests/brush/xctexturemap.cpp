@@ -148,12 +148,12 @@ TEST(XCTextureMap, MappingsThatShareAnEdgeLeaveNoGap) {
 TEST(XCTextureMap, NeighboursOfASourceRectangleDoNotBleedIn) {
     TestStore store;
     Mapping mapping(store, 9, 9, 40, 40);
-    mapping.rectPart(20.3, 20.3, 0.0, 1.0, 1.0, 1, {3, 3, 6, 6});
+    mapping.rectPart(20.1, 20.1, 0.0, 1.0, 1.0, 1, {3, 3, 6, 6});
     int covered = 0;
     for (int y = 0; y < 40; y++)
         for (int x = 0; x < 40; x++)
             covered += mapping.target.value(x, y) != 0;
-    EXPECT_EQ(covered, 4); // pixels that lie in the 3 x 3 rectangle with all of their quarters
+    EXPECT_EQ(covered, 4); // those whose four samples all lie in the rectangle from 18.6 to 21.6
 }
 
 TEST(XCTextureMap, DrawsNothingFromBadInput) {
