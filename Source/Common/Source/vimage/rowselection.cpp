@@ -31,6 +31,7 @@ void RowSource::select(const XCVOffscreen& image, const XCRect& part, bool asksM
     selection.isAll = state == 1 && !pattern;
     if (selection.isNone || selection.isAll)
         return;
+    selection.isNone = true;
     for (int x = part.left; x < part.right; ++x) {
         bool isSelected = !pattern || patternLevel >= pattern[x & cnPatternMask];
         if (isSelected && state == cnMixed) {
@@ -38,6 +39,7 @@ void RowSource::select(const XCVOffscreen& image, const XCRect& part, bool asksM
             isSelected = mask->Get1BitColor() != 0;
         }
         selection.is[static_cast<std::size_t>(x - part.left)] = isSelected;
+        selection.isNone &= !isSelected;
     }
 }
 
