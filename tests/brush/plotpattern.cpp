@@ -366,8 +366,8 @@ TEST(XCPatternDrawMethod, SmudgingLoadsTheColourFirst) {
 }
 
 TEST(XCPatternDrawMethod, MaskTextureAndCloneReachTheMixer) {
-    Studio studio(32, {.useCache = 1, .cacheKind = 1});
     TestImage mask(sharedStore(), 1, Studio::cnWidth, Studio::cnHeight);
+    Studio studio(32, {.useCache = 1, .cacheKind = 1});
     for (int y = 0; y < Studio::cnHeight; ++y)
         mask.fillRow(0, 150, y, 1);
     std::uint8_t texels[4] = {255, 0, 255, 0}; // 2 x 2: columns of full and no paint
@@ -383,8 +383,8 @@ TEST(XCPatternDrawMethod, MaskTextureAndCloneReachTheMixer) {
     for (int x = 140; x < 300; ++x)
         EXPECT_EQ(alphaAt(studio, x, 100), 0u) << "masked: reads the mask at " << x + 10;
 
-    Studio cloning(32);
     TestImage source(sharedStore(), 32, Studio::cnWidth, Studio::cnHeight);
+    Studio cloning(32);
     source.setValue(203, 107, 0xFF0000FF);
     cloning.method.EndMethod();
     cloning.method.SetCloneSrcOffscreen(source.get(), tagPOINT{100, 5});

@@ -5,12 +5,13 @@
 namespace ovw::test {
 namespace {
 
-/// The caches of a stroke live in the library's own store.
+/// The caches of a stroke live in the library's own store, which other tests of the process may have destroyed.
 void createLibraryStore() {
-    static const struct Store {
-        Store() { xcGetVirtualMemory()->Create(256u << 20, nullptr, 0); }
-        ~Store() { xcDestroyVirtualMemory(); }
-    } s_store;
+    static const struct AtExit {
+        ~AtExit() { xcDestroyVirtualMemory(); }
+    } s_atExit;
+    _CREATEVMPARAM settings{0, nullptr, 0, 0};
+    xcCreateVirtualMemory(&settings);
 }
 
 TestStore& storeOfImages() {
