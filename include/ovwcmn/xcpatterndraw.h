@@ -161,8 +161,11 @@ public:
     void SetAbortProc(int (*proceed)()) { m_abortProc = proceed; }
     /// A flag (may be null) that any thread may set to stop the stroke.
     void SetAbortFlag(std::int32_t* flag) { m_abortFlag = flag; }
-    void ProcessAbort() { m_isStopped = 1; }
+    void ProcessAbort();
     int IsDrawing() const { return m_isDrawing; }
+    /// Why the last stroke stopped before its end: 0 when it did not, 0x20010004 when it was cancelled, else the code
+    /// of the error that was caught. EndDraw keeps it, BeginDraw and ReStartDraw clear it.
+    int GetStopCode() const { return m_stopCode; }
 
     // Logical units to pixels and back. Integers are truncated toward zero.
     int ValueLogToOffscr(int value) const;
@@ -187,6 +190,7 @@ private:
     class PaintedPart;
 
     void resetStroke();
+    void stop(int code);
     bool isReady() const;
     bool abortStroke() const;
     void throwIfAborted() const;
@@ -221,6 +225,7 @@ private:
     XCRect m_dirtyRect;                 ///< logical
     int m_isDrawing = 0;
     int m_isStopped = 0;
+    int m_stopCode = 0;
     std::unique_ptr<XCColorAverage> m_colorAverage; ///< of the smudging methods
     std::unique_ptr<XCPlotGauss> m_plotGauss;
     double m_logToOffscr = 1.0;

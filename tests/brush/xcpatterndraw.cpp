@@ -167,7 +167,8 @@ TEST(XCPatternDraw, SampleBySampleIsTheSameAsAtOnce) {
             pieces.engine.DrawStroke(nullptr, &stroke, 1);
         }
         pieces.engine.EndDraw(nullptr);
-        EXPECT_NE(differenceOf(whole.pixels(), Studio(32).pixels()), XCRect());
+        EXPECT_NE(differenceOf(whole.pixels(), Studio(32).pixels()), XCRect())
+            << "stopped by " << whole.engine.GetStopCode();
         EXPECT_TRUE(isSame(pieces.pixels(), whole.pixels()));
     }
 }

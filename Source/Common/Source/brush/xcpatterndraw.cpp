@@ -16,18 +16,19 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <new>
 
 namespace {
 
 using ovw::brush::unite;
 
-constexpr int cnErrorCancelled = 0x20010004;
+constexpr int cnErrorNotEnoughMemory = 8;
 /// Interval of a bending brush, logical units.
 constexpr double cnBendInterval = 4.0;
 /// A segment shorter than this has one stamp position at most.
 constexpr double cnPointLength = 1e-8;
 /// The least advance along a segment: keeps one of absurd length from being walked for hours.
-constexpr double cnLeastAdvance = 1.0 / (1 << 24);
+constexpr double cnLeastAdvance = 1.0 / (1 << 20);
 
 int proceedUnlessAborted() { return vxAbort() == 0; }
 
@@ -83,6 +84,7 @@ void XCPatternDraw::resetStroke() {
     m_dirtyRect.SetRectEmpty();
     m_isDrawing = 1;
     m_isStopped = 0;
+    m_stopCode = 0;
 }
 
 int XCPatternDraw::BeginDraw(const XCPatternDrawParam* param) {
@@ -139,7 +141,7 @@ bool XCPatternDraw::abortStroke() const {
 
 void XCPatternDraw::throwIfAborted() const {
     if (abortStroke())
-        xcThrowError(cnErrorCancelled);
+        xcThrowError(ovw::foundation::cnCodeCancelled);
 }
 
 /// Whether a first point alone cannot be drawn, because the direction of the stroke is needed.
@@ -154,6 +156,13 @@ XCStrokePoint XCPatternDraw::toPixels(const XCStrokePoint& point) const {
     return pixelPoint;
 }
 
+void XCPatternDraw::stop(int code) {
+    m_isStopped = 1;
+    m_stopCode = code;
+}
+
+void XCPatternDraw::ProcessAbort() { stop(ovw::foundation::cnCodeCancelled); }
+
 int XCPatternDraw::DrawStroke(XCRect* changed, XCStroke* stroke, int consume) {
     if (changed)
         changed->SetRectEmpty();
@@ -162,8 +171,10 @@ int XCPatternDraw::DrawStroke(XCRect* changed, XCStroke* stroke, int consume) {
     XCRect painted;
     try {
         drawVertices(painted, *stroke, consume);
-    } catch (const XCException&) {
-        m_isStopped = 1;
+    } catch (const XCException& error) {
+        stop(error.GetErrorCode());
+    } catch (const std::bad_alloc&) {
+        stop(cnErrorNotEnoughMemory);
     }
     m_vertices.Clear();
     if (changed)
@@ -203,7 +214,8 @@ void XCPatternDraw::drawSegment(XCRect& painted, const XCStrokePoint& a, const X
     } else if (std::isfinite(length)) {
         walkSegment(part.pixels, a, b, length);
     }
-    m_strokeLength += length;
+    if (std::isfinite(length))
+        m_strokeLength += length;
 }
 
 /// Where on the segment the next stamp position lies: 0 at its start, 1 at its end.

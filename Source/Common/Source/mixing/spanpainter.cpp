@@ -39,12 +39,19 @@ void SpanPainter::paintSpan(int x1, int x2, int y) {
 }
 
 void SpanPainter::paintCoverage(int x, int y, std::span<const float> coverage) {
+    if (const KernelPlan* plan = planOfCoverage())
+        paintCoverage(*plan, x, y, coverage);
+}
+
+const KernelPlan* SpanPainter::planOfCoverage() const {
+    constexpr float cnAny = 1.0f;
+    return choosePlan(&cnAny);
+}
+
+void SpanPainter::paintCoverage(const KernelPlan& plan, int x, int y, std::span<const float> coverage) {
     const std::int64_t last = x + static_cast<std::int64_t>(coverage.size()) - 1;
-    if (!place(x, static_cast<int>(std::min<std::int64_t>(last, std::numeric_limits<int>::max())), y))
-        return;
-    const float* first = coverage.data() + (std::int64_t{m_x} - x);
-    if (const KernelPlan* plan = choosePlan(first))
-        run(*plan, first);
+    if (place(x, static_cast<int>(std::min<std::int64_t>(last, std::numeric_limits<int>::max())), y))
+        run(plan, coverage.data() + (std::int64_t{m_x} - x));
 }
 
 void SpanPainter::paintPart(const XCRect& part) {
@@ -136,10 +143,9 @@ int SpanPainter::uniformComposition(std::int32_t opacity) const {
 }
 
 bool SpanPainter::preparePlainRows(PlainRows& rows) const {
-    constexpr float cnAnyCoverage = 1.0f;
     if (m_depth != 32 || !m_mixer.m_dst->GetBaseAddress())
         return false;
-    const KernelPlan* plan = choosePlan(&cnAnyCoverage);
+    const KernelPlan* plan = planOfCoverage();
     const int composition = m_mixer.m_composition;
     if (!plan || plan->start != Start::Byte || composition < 0 || composition >= cnCompositions ||
         !kernels(cnBlock).fastestRow[composition][Depth32])
@@ -165,7 +171,8 @@ void SpanPainter::start(CoverageRow& row, const KernelPlan& plan, const float* c
     const auto mixAlpha = static_cast<std::int32_t>(m_mixer.m_mixAlpha);
     if (coverage) {
         m_kernels->startCoverage(row, coverage, static_cast<float>(m_mixer.m_baseAlpha));
-        m_kernels->scaleStart(row, factor, factor);
+        if (factor != Scale15::cnOne || plan.cache != CacheRule::None) // only caches have a cap
+            m_kernels->scaleStart(row, factor, factor);
         // The coverages scaled the cache alpha, which images only ask whether it is 0.
         if (plan.start == Start::Image && m_mixer.m_cache) {
             for (int i = 0; i < m_n; ++i)

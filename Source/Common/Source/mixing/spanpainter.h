@@ -43,6 +43,11 @@ public:
     void paintPart(const XCRect& part);
     /// False when the paint is not plain, or paints nothing.
     bool preparePlainRows(PlainRows& rows) const;
+    /// The kernel of spans with coverages of their own in the current block, null when they paint nothing. It stays the
+    /// same while the settings and the block do.
+    const KernelPlan* planOfCoverage() const;
+    /// paintCoverage with that kernel.
+    void paintCoverage(const KernelPlan& plan, int x, int y, std::span<const float> coverage);
     /// Pixels x1 to x2 - 1 of row y through a source image.
     void paintCopy(int x1, int x2, int y, const XCSimpleImage* source);
 

@@ -1,13 +1,14 @@
 #include "mixing/stamprows.h"
 
-#include "mixing/coveragespan.h"
-
+#include <algorithm>
 #include <cstddef>
+#include <span>
 
 namespace ovw::mixing {
 
 StampRows::StampRows(XCFastPixelMixer& mixer)
-    : m_mixer(mixer), m_isPlain(SpanPainter(mixer).preparePlainRows(m_plain)) {}
+    : m_mixer(mixer), m_painter(mixer), m_isPlain(m_painter.preparePlainRows(m_plain)),
+      m_plan(m_painter.planOfCoverage()) {}
 
 StampRows::~StampRows() {
     paintPixels();
@@ -51,9 +52,15 @@ void StampRows::paintInterior(int y, const RimmedSpan& span) {
 }
 
 void StampRows::paintRow(int y, const RimmedSpan& span, const float* coverage) {
-    paintCoverageRow(m_mixer, span.start, y, {coverage, static_cast<std::size_t>(span.end - span.start)});
-    if (span.innerStart < span.innerEnd)
-        m_mixer.ScaleAntiAlpha(1.0f);
+    const std::span<const float> row(coverage, static_cast<std::size_t>(span.end - span.start));
+    if (m_plan)
+        m_painter.paintCoverage(*m_plan, span.start, y, row);
+    if (span.innerStart < span.innerEnd) {
+        m_last = 1.0f;
+        return;
+    }
+    const auto last = std::find_if(row.rbegin(), row.rend(), [](float value) { return value > 0.0f; });
+    m_last = last != row.rend() ? *last : m_last;
 }
 
 } // namespace ovw::mixing

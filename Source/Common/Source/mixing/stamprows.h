@@ -64,9 +64,11 @@ private:
     void paintRow(int y, const RimmedSpan& span, const float* coverage);
 
     XCFastPixelMixer& m_mixer;
+    SpanPainter m_painter;
     PlainRows m_plain;
     bool m_isPlain;
-    float m_last = 0.0f; ///< the coverage that the mixer is left with, 0 for none
+    const KernelPlan* m_plan; ///< of rows that are not plain; null paints nothing
+    float m_last = 0.0f;      ///< the coverage that the mixer is left with, 0 for none
     int m_count = 0;
     Pixel32* m_pixels[cnRowPixels];
     float m_coverage[cnRowPixels];
