@@ -12,9 +12,8 @@ namespace ovwpaint {
 namespace {
 
 // The kinds of stroke cache, as XCPatternDrawMethod::SetOffscreen numbers them.
-constexpr int cnCacheOver = 0;      // every stamp covers some more of what is left
-constexpr int cnCacheOverFixed = 1; // the same, below one opacity for the whole stroke
-constexpr int cnCacheMaximum = 2;   // the strongest stamp counts
+constexpr int cnCacheOver = 0;    // every stamp covers some more of what is left
+constexpr int cnCacheMaximum = 2; // the strongest stamp counts
 
 constexpr int cnIntervalByFields = 3;
 constexpr int cnIntervalPercent = 2;
