@@ -5,7 +5,7 @@
 
 namespace ovw::platform {
 
-/// Moves a file or folder into the user's trash as the freedesktop.org trash specification (1.0) lays it out: the home
+/// Moves a file or folder into the user's trash in the layout that freedesktop.org describes (version 1.0): the home
 /// trash, or .Trash-UID at the top of another volume. 0 or the system code; the file is untouched on failure.
 int moveFileToTrash(const std::string& posix);
 
