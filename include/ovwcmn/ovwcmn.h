@@ -29,6 +29,7 @@
 #include "ovwcmn/xcpixelmixer.h"
 #include "ovwcmn/xcplotgauss.h"
 #include "ovwcmn/xcpolygon.h"
+#include "ovwcmn/xcprogress.h"
 #include "ovwcmn/xcsimpleimage.h"
 #include "ovwcmn/xcstring.h"
 #include "ovwcmn/xcstringarray.h"
