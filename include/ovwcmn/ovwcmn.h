@@ -21,8 +21,10 @@
 #include "ovwcmn/xcfindfile.h"
 #include "ovwcmn/xcgeometry.h"
 #include "ovwcmn/xchandle.h"
+#include "ovwcmn/xclength.h"
 #include "ovwcmn/xclookuptable.h"
 #include "ovwcmn/xcmatrix.h"
+#include "ovwcmn/xcnumber.h"
 #include "ovwcmn/xcpattern.h"
 #include "ovwcmn/xcpatterndraw.h"
 #include "ovwcmn/xcpatterndrawparam.h"
@@ -42,6 +44,7 @@
 #include "ovwcmn/xcvoffpixelmixer.h"
 #include "ovwcmn/xcvoffscreen.h"
 #include "ovwcmn/xcvoffscreenblock.h"
+#include "ovwcmn/xcvoffscreenedits.h"
 #include "ovwcmn/xcvoffscreenlock.h"
 #include "ovwcmn/xcvoffscreenvariants.h"
 // IWYU pragma: end_exports
