@@ -105,6 +105,10 @@ public:
     virtual int createFolder(const std::string& path) = 0;
     /// Renames a file or folder, replacing an existing file in one step. Error 17 between volumes.
     virtual int rename(const std::string& from, const std::string& to) = 0;
+    /// Puts a finished file in the place of another, or of none, in one step: the name leads to the old contents or to
+    /// the new ones, also after a crash, provided that `from` was flushed. The file takes over the permissions and
+    /// attributes of the one it replaces, else those of any new file. Error 5 when `to` is read-only or a folder.
+    virtual int replaceFile(const std::string& from, const std::string& to) = 0;
     /// The names in a folder, "." and ".." included, in the order of the file system.
     virtual int list(const std::string& folder, std::vector<std::string>& names) = 0;
     /// Of the volume that holds the path, which must exist.

@@ -47,6 +47,18 @@ Converted toUtf16(std::uint32_t page, const char* text, std::size_t bytes, char1
 /// suffice. A surrogate without its partner is unmappable.
 Converted fromUtf16(std::uint32_t page, const char16_t* text, std::size_t units, char* out, std::size_t room);
 
+/// While it lives, the calling thread prints and reads numbers with a decimal point, whatever the process's locale.
+class PlainNumbers {
+public:
+    PlainNumbers();
+    ~PlainNumbers();
+    PlainNumbers(const PlainNumbers&) = delete;
+    PlainNumbers& operator=(const PlainNumbers&) = delete;
+
+private:
+    void* m_before;
+};
+
 /// Language of the user's locale: cnLanguageJapanese or, for every other, cnLanguageEnglish.
 std::uint32_t userLanguage();
 

@@ -283,6 +283,7 @@ public:
     int removeFolder(const std::string& path) override;
     int createFolder(const std::string& path) override;
     int rename(const std::string& from, const std::string& to) override;
+    int replaceFile(const std::string& from, const std::string& to) override;
     int list(const std::string& folder, std::vector<std::string>& names) override;
     int volume(const std::string& path, VolumeInformation& out) override;
     int temporaryFolder(std::string& out) override;
@@ -381,6 +382,43 @@ int PosixFileSystem::rename(const std::string& from, const std::string& to) {
     if (::rename(source.c_str(), toPosixPath(to).c_str()) == 0)
         return 0;
     return pathError(source);
+}
+
+/// The mode of a file made without any wish of its own. (The umask can be read only by setting it; the kernel tells it
+/// in a file, without a moment in which another thread creates files under the wrong one.)
+mode_t newFileMode() {
+    mode_t mask = S_IWGRP | S_IWOTH;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> status(std::fopen("/proc/self/status", "re"), std::fclose);
+    std::array<char, 256> line;
+    while (status && std::fgets(line.data(), line.size(), status.get()))
+        if (std::sscanf(line.data(), "Umask: %o", &mask) == 1)
+            break;
+    return cnOrdinaryMode & ~mask;
+}
+
+/// Makes a change of names in the folder lasting. Volumes that cannot do that are left to themselves.
+void flushFolder(const std::string& posix) {
+    const Descriptor folder(::open(posix.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.isOpen())
+        retryInterrupted([&] { return ::fsync(folder.get()); });
+}
+
+int PosixFileSystem::replaceFile(const std::string& from, const std::string& to) {
+    const std::string source = toPosixPath(from), target = toPosixPath(to);
+    struct stat status;
+    const bool exists = ::stat(target.c_str(), &status) == 0;
+    if (exists && (S_ISDIR(status.st_mode) || !(status.st_mode & cnAnyWrite)))
+        return cnErrorAccessDenied;
+    const mode_t mode = exists ? status.st_mode & 0777 : newFileMode();
+    if (::chmod(source.c_str(), mode) != 0)
+        return pathError(source);
+    if (exists)
+        if (const std::uint32_t attributes = dosAttributes(target) & ~attributeReadOnly)
+            setDosAttributes(source, attributes); // a volume without attributes still takes the file
+    if (::rename(source.c_str(), target.c_str()) != 0)
+        return pathError(source);
+    flushFolder(parentOf(target));
+    return 0;
 }
 
 int PosixFileSystem::list(const std::string& folder, std::vector<std::string>& names) {

@@ -13,6 +13,7 @@
 #include <type_traits>
 
 #include <iconv.h>
+#include <locale.h>
 
 namespace ovw::platform {
 
@@ -338,6 +339,16 @@ Converted fromUtf16(std::uint32_t page, const char16_t* text, std::size_t units,
                                             : encodeWithSystem(*found, source.subspan(ascii), target.subspan(ascii));
     rest.length += ascii;
     return rest;
+}
+
+PlainNumbers::PlainNumbers() {
+    static const locale_t s_plain = ::newlocale(LC_ALL_MASK, "C", nullptr);
+    m_before = s_plain ? ::uselocale(s_plain) : nullptr;
+}
+
+PlainNumbers::~PlainNumbers() {
+    if (m_before)
+        ::uselocale(static_cast<locale_t>(m_before));
 }
 
 std::uint32_t userLanguage() {
