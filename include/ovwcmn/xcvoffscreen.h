@@ -8,15 +8,13 @@
 #include "ovwcmn/wintypes.h"
 #include "ovwcmn/xcgeometry.h"
 #include "ovwcmn/xcvoffscreenblock.h"
-#include "ovwcmn/xcvoffscreengrid.h"
+#include "ovwcmn/xcvoffscreenedits.h"
 
 #include <cstdint>
 
 class XCFastPixelMixer;
 class XCSwapBlock;
 class XCVirtualMemory;
-class XCVOffPixelMask;
-class XCVOffPixelMixer;
 
 /// A raster image of 1, 2, 8, 16, 24 or 32 bits a pixel, cut into blocks that exist only where something was painted.
 /// The blocks' memory comes from an XCVirtualMemory, which the image does not own and which must outlive its pixels;
@@ -28,106 +26,21 @@ class XCVOffPixelMixer;
 /// Cursor movements have three speeds: plain (checks everything), Fast (the point must lie in the image) and Fastest
 /// (it must lie in the current block). All return the new address, null outside the image and in a block that is
 /// missing. Colour values are 0xAABBGGRR.
-class OVWCMN_API XCVOffscreen : public XCVOffscreenGrid {
+class OVWCMN_API XCVOffscreen : public XCVOffscreenEdits {
 public:
     XCVOffscreen();
-    virtual ~XCVOffscreen();
+    ~XCVOffscreen() override;
 
-    // ---- Virtual operations, in the order that the interface fixes. The base class answers 0 and does nothing where
-    // an operation depends on the depth.
 protected:
-    virtual void Initialize();
+    void Initialize() override;
 
 public:
-    /// Lays out the grid; no block memory is taken. resolution is in the caller's unit, e.g. pixels an inch. An
-    /// existing grid is destroyed first. Throws 0x20010008 for negative sizes and for grids beyond 32 bits.
-    virtual void Create(XCVirtualMemory* vm, int width, int height, double resolution);
-    /// Frees every block; thresholds, index colours and the specialty flag stay.
-    virtual void Destroy();
-    /// Grows the image by whole blocks on the left and top, by pixels on the right and bottom, until it holds rect.
-    /// *out (may be null) becomes (L, T, L + width, T + height) with the pixels L, T added left and above.
-    virtual int AllocateRect(const XCRect& rect, XCRect* out);
-    /// Removes one block column or row with its pixels; 0 when only one is left.
-    virtual int DeallocateBlock(DEALLOCATE_BLOCK_TYPE type);
-    /// Removes the whole blocks around rect. offset: the pixels removed left and above. 0 when a step failed.
-    virtual int DeallocateRect(XCRect rect, XCPoint& offset);
-    /// Fills the block memory at block (the current block when null) with the clear colour.
-    virtual void ClearBlock(std::uint8_t* /*block*/) {}
-    virtual std::uint8_t* NextCursorX() { return nullptr; }
-    virtual std::uint8_t* NextCursorXFastest() { return nullptr; }
-    virtual std::uint8_t* PrevCursorX() { return nullptr; }
-    virtual std::uint8_t* PrevCursorXFastest() { return nullptr; }
-
-    /// The pixel under the cursor as a value of the image's own depth.
-    virtual std::uint32_t GetColor() const { return 0; }
-    // Readers of the pixel under the cursor as another depth's value. The plain forms answer a default at a null
-    // address, the Fast forms require an address.
-    virtual std::uint8_t Get1BitColorFast() const { return 0; }
-    virtual std::uint8_t Get1BitColor() const { return 0; }
-    virtual std::uint8_t Get2BitColorFast() const { return 0; }
-    virtual std::uint8_t Get2BitColor() const { return 0; }
-    virtual std::uint8_t Get8BitColorFast() const { return 0; }
-    virtual std::uint8_t Get8BitColor() const { return 0; }
-    virtual std::uint32_t Get16BitColorFast() const { return 0; }
-    virtual std::uint32_t Get16BitColor() const { return 0; }
-    virtual std::uint32_t Get24BitColorFast() const { return 0; }
-    virtual std::uint32_t Get24BitColor() const { return 0; }
-    /// The 24-bit reading of the pixel at address; 1- and 2-bit images read the pixel under the cursor.
-    virtual std::uint32_t Get24BitColorAddress(const std::uint8_t* /*address*/) const { return 0; }
-    virtual std::uint32_t Get32BitColorFast() const { return 0; }
-    virtual std::uint32_t Get32BitColor() const { return 0; }
-    // Writers of the pixel under the cursor; all require an address. SetColor takes a value of the image's own depth.
-    virtual void SetColor(std::uint32_t /*value*/) {}
-    virtual void Set1BitColor(std::uint8_t /*value*/) {}
-    virtual void Set2BitColor(std::uint8_t /*value*/) {}
-    virtual void Set8BitColor(std::uint8_t /*density*/) {}
-    virtual void Set16BitColor(std::uint32_t /*colour*/) {}
-    virtual void Set24BitColor(std::uint32_t /*colour*/) {}
-    virtual void Set32BitColor(std::uint32_t /*colour*/) {}
-    /// Copies the pixel under the cursor of source, an image of the same depth.
-    virtual void CopyCurrentColor(XCVOffscreen* /*source*/) {}
-    virtual void CopyCurrentColorFast(XCVOffscreen* /*source*/) {}
-    /// A colour as a value of the image's own depth, as SetColor takes it.
-    virtual std::uint32_t MakeNativeColor(std::uint32_t /*colour*/) const { return 0; }
-    // The pixel as a picture, without its coverage, and the coverage alone.
-    virtual std::uint8_t Get8BitImageFast() const { return 0; }
-    virtual std::uint8_t Get8BitImage() const { return 0; }
-    virtual std::uint32_t Get24BitImageFast() const { return 0; }
-    virtual std::uint32_t Get24BitImage() const { return 0; }
-    virtual std::uint8_t Get8BitMaskFast() const { return 0; }
-    virtual std::uint8_t Get8BitMask() const { return 0; }
-
-    /// Fills rect with colour, or with the clear value when erase is set. With behind the colour goes behind the pixels
-    /// that are there. Locks for editing.
-    virtual void RectFill(const XCRect& /*rect*/, int /*erase*/, std::uint32_t /*colour*/, int /*behind*/) {}
-    virtual void RectFill(const XCRect& /*rect*/, int /*erase*/, std::uint32_t /*colour*/) {}
-    /// Fills the whole current block with colour, or with the clear colour when useColour is 0. Locks for editing.
-    virtual void FillBlock(int /*useColour*/, std::uint32_t /*colour*/) {}
-    // One pixel thick, a column when vertical is 1, else a row; clipped to the image. The caller locks for editing.
-    virtual void DrawSimpleLine(int /*vertical*/, int /*position*/, std::uint32_t /*colour*/) {}
-    virtual void DrawSimpleSegment(int /*vertical*/, int /*position*/, int /*start*/, int /*length*/,
-                                   std::uint32_t /*colour*/) {}
-    /// 1- and 8-bit images: 1 when pixels x1 to x2 of row y are all ink, 0 when none is, else -1, which x1 and x2 may
-    /// then enclose more closely: test every pixel between. 1 bit goes by whole bytes, and x2 comes back exclusive.
-    virtual int CheckLinePixel(int /*y*/, int& /*x1*/, int& /*x2*/) { return -1; }
-    /// The address that (x, y) has in the current block if that block lies at base.
-    virtual std::uint8_t* SetCurrentCursorAddress(int /*x*/, int /*y*/, std::uint8_t* base) const { return base; }
-    /// Sets the cursor's address (not its position) to pixel (x, y) of the current block.
-    virtual std::uint8_t* SetCurrentCursorAddress(int /*x*/, int /*y*/) { return nullptr; }
-    /// Fills pixels x1 to x2 (inclusive) of the cursor's row where the screen row pattern (16 thresholds, by x) and the
-    /// mask's ink let it (both may be null). Modes: 0 replace, 1 raise, 2 blend, 3 erase. The caller locks both images
-    /// and sets both cursors' rows; mask pixel x + maskOffsetX belongs to pixel x.
-    virtual void FillLineRowForPolygon(int /*x1*/, int /*x2*/, std::uint32_t /*colour*/, int /*mode*/,
-                                       XCVOffscreen* /*mask*/, int /*maskOffsetX*/, const std::uint8_t* /*pattern*/,
-                                       int /*patternLevel*/) {}
-    /// 2-bit images: as above, but white never covers black.
-    virtual void FillLineRowForPolygonClipBlack(int /*x1*/, int /*x2*/, std::uint32_t /*colour*/, int /*mode*/,
-                                                XCVOffscreen* /*mask*/, int /*maskOffsetX*/,
-                                                const std::uint8_t* /*pattern*/, int /*patternLevel*/) {}
-    /// Fills pixels x1 to x2 (inclusive) of row y, clipped to the image and *clip (may be null). The caller locks.
-    virtual void FillLineRow(int /*x1*/, int /*x2*/, int /*y*/, std::uint32_t /*colour*/, const tagRECT* /*clip*/) {}
-    /// The largest coverage (on 24 bits: red byte) of pixels x1 to x2 of the cursor's row. The caller locks.
-    virtual int SearchLineRowForPolygon(int /*x1*/, int /*x2*/) { return 0; }
+    void Create(XCVirtualMemory* vm, int width, int height, double resolution) override;
+    void Destroy() override;
+    int AllocateRect(const XCRect& rect, XCRect* out) override;
+    int DeallocateBlock(DEALLOCATE_BLOCK_TYPE type) override;
+    int DeallocateRect(XCRect rect, XCPoint& offset) override;
+    using XCVOffscreenInterface::RectFill;
 
     // ---- Making images
     /// A new empty image of depth 1, 2, 8, 16, 24 or 32; null for any other. The caller owns it.
@@ -138,6 +51,40 @@ public:
     XCVOffscreen* CreateSameSizeOffscr(double resolution) const;
     /// A new image with the same size, clear colours and pixels; the caller owns it.
     XCVOffscreen* CreateAndCopyAll();
+    /// A new image, turned so that pixel (x, y) is at (y, width - 1 - x), on the process's store; the caller owns it.
+    XCVOffscreen* CreateAndRotate90();
+    /// A new image of this one's turned block grid, on the process's store: turned clockwise by 0, 90, 180 or 270
+    /// degrees (else 0x20010008), then mirrored. shift: where this image's pixels begin in it. The caller owns it.
+    XCVOffscreen* CreateAndRotateOffscreen(int angle, int flipX, int flipY, XCPoint& shift);
+
+    // ---- Copies and resolution. merge: the new pixels go behind those that are there. Each locks both images.
+    /// Makes this image's pixels those of src, an image of the same size and depth, and releases blocks that src lacks.
+    /// 1 when a block was copied.
+    int CopyAll(XCVOffscreen* src);
+    /// A copy between any depths, by the accessors of this image's depth. Where src has no block, pixels are cleared
+    /// unless merge is set; flag and extra change nothing. 1 when the rectangle meets both images.
+    int CommonCopy(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int flag, int merge, int extra);
+    /// Fits a rectangle of src into one of this image, each cut to its image first.
+    void ChangeResolution(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int sw, int sh,
+                          CHANGE_RESOLUTION_MODE mode, int merge);
+    /// The same, but nearly exact factors of 2, 4, 1/2, 1/4 and 1/8 are taken for exact ones.
+    void ChangeResolution2(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int sw, int sh,
+                           CHANGE_RESOLUTION_MODE mode, int merge);
+    /// The table entry of a pixel that covers the source coordinates from to to, from <= to.
+    static void SetResolutionTable(_XCRESOLUTIONTABLE* table, const double& from, const double& to);
+    /// Puts colour behind current and stores the result, if it differs, at the cursor.
+    void AlphaMergePixel(std::uint32_t colour, std::uint32_t current);
+    void AlphaMergePixel(std::uint32_t colour, std::uint32_t current, int x, int y);
+    /// The same for 32-bit pixels in memory; the result goes to dst.
+    static void AlphaMergePixelCore(const std::uint8_t* src, std::uint8_t* dst);
+    /// As AlphaMergePixel, but only where current has some alpha; an opaque current is tinted too.
+    void AlphaMergeColorPixel(std::uint32_t colour, std::uint32_t current);
+
+    // ---- Moving pixels
+    /// Takes the pixels of a rectangle out of src, an image of the same size and depth, into the same place here; src
+    /// is cleared there. From 16 bits on, pixels without coverage stay on both sides. Nothing happens for other images.
+    void Move(int x, int y, int w, int h, XCVOffscreen* src);
+    void MoveAndRevision(int x, int y, int w, int h, XCVOffscreen* src);
 
     // ---- Freeing and protecting blocks
     /// Each answers 1 when any block was freed; with countEdit 1 a freed block counts as edited.
@@ -232,25 +179,6 @@ public:
     void RectFill(const XCRect& rect, XCFastPixelMixer* mixer, const tagRECT* clip);
     /// Erases r; blocks that r covers are released.
     void ClrRect(const tagRECT& r);
-
-    // ---- Round shapes; clip null: the whole image. Nothing is drawn outside the image.
-    /// An outline, one pixel wide, where the mask (may be null) is free. The mixer paints into this image, which the
-    /// caller locks for editing; the points on the axes and diagonals are mixed more than once.
-    void Circle(int cx, int cy, int r, int unused, XCVOffPixelMixer* mixer, XCVOffPixelMask* mask, const tagRECT* clip,
-                std::uint8_t* unusedToo);
-    /// A disc of diameter d with its left-top corner at (x, y), d + 1 pixels wide up to d = 3. Modes, mask and screen
-    /// (16 x 16 thresholds) are those of FillLineRowForPolygon; the caller locks both images.
-    void CircleFill(int x, int y, int d, const std::uint32_t& colour, int mode, XCVOffscreen* maskImage,
-                    const tagPOINT& maskOffset, const tagRECT* clip, std::uint8_t* pattern, int patternLevel);
-    /// The ellipse that touches the pixels x1 <= x2 and y1 <= y2. Locks for editing.
-    void ArcFill(int x1, int y1, int x2, int y2, std::uint32_t colour, const tagRECT* clip);
-
-    // ---- Compositing
-    /// Mixes the mixer's colour into the pixels of src, w x h from (sx, sy), weighted by alpha's ink, and stores them
-    /// from (dx, dy) of this image, for which the mixer is set up. Nothing happens unless alpha has 8 bits and src's
-    /// size and resolution. Locks all three.
-    void CompositAlpha(int dx, int dy, int w, int h, XCVOffscreen* src, XCVOffscreen* alpha, int sx, int sy,
-                       XCVOffPixelMixer* mixer);
 
     // ---- Ordered dither; the forms without a position use the cursor's. 1 = on.
     static const std::uint8_t* GetDitherTable256(); ///< 16 x 16 Bayer matrix, row by row.

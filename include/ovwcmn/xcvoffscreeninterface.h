@@ -125,16 +125,16 @@ public:
     /// The tight bounds of what is not empty in the image and *limit (may be null); 0 and an empty rectangle without
     /// any. 24 bits: those of the blocks. With useStored 1, delayed pixels answer with their stored extent and stay
     /// delayed.
-    virtual int GetExtentRect(tagRECT& out, tagRECT* limit, int useStored);
+    virtual int GetExtentRect(tagRECT& out, tagRECT* limit, int useStored) = 0;
     /// The address that (x, y) has in the current block if that block lies at base.
     virtual std::uint8_t* SetCurrentCursorAddress(int /*x*/, int /*y*/, std::uint8_t* base) const { return base; }
     /// Sets the cursor's address (not its position) to pixel (x, y) of the current block.
     virtual std::uint8_t* SetCurrentCursorAddress(int /*x*/, int /*y*/) { return nullptr; }
     /// Frees the blocks that are empty in the image, never on 24 bits. Not while the image is locked or delayed.
-    virtual void Optimize();
+    virtual void Optimize() = 0;
     /// The same for the block of r's top-left pixel, when r covers what the image shows of it. The block under the
     /// cursor of a locked image stays.
-    virtual void OptimizeBlock(tagRECT r);
+    virtual void OptimizeBlock(tagRECT r) = 0;
     /// Fills pixels x1 to x2 (inclusive) of the cursor's row where the screen row pattern (16 thresholds, by x) and the
     /// mask's ink let it (both may be null). Modes: 0 replace, 1 raise, 2 blend, 3 erase. The caller locks both images
     /// and sets both cursors' rows; mask pixel x + maskOffsetX belongs to pixel x.

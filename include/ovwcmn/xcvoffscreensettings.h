@@ -33,6 +33,7 @@ public:
     void SetTransparency(int transparency) { m_transparency = transparency; }
     int GetSpecialtyOffscr() const { return m_specialty; } ///< Kept for the caller.
     void SetSpecialtyOffscr(int value) { m_specialty = value; }
+    const ovw::vimage::PixelRules& GetPixelRules() const { return m_rules; } ///< What conversions depend on.
     int GetMonoBWThreshold() const { return m_rules.blackWhite; }
     int GetMonoTransThreshold() const { return m_rules.transparency; }
     void SetMonoBWThreshold(int threshold) { m_rules.blackWhite = threshold; }
@@ -74,6 +75,7 @@ protected:
     int m_specialty = 0;
     ovw::vimage::PixelRules m_rules;
     int m_loadImage = 1;
+    XCRect m_storedExtent; // of pixels that are still to be loaded
 };
 
 #endif // OVWCMN_XCVOFFSCREENSETTINGS_H

@@ -115,6 +115,8 @@ class OVWCMN_API XCVOffscreen8Bit : public ovw::vimage::DepthVariant<ovw::vimage
 public:
     XCVOffscreen8Bit();
     ~XCVOffscreen8Bit() override;
+
+    void ReversePixel(); ///< Turns every density d of the existing blocks into 255 - d.
 };
 
 /// A byte of coverage, then a byte of grey.

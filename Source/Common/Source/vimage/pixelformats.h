@@ -343,15 +343,6 @@ struct OVWCMN_API Rgba32 : ByteLayout<BgraPixel>, MissingPixel<BgraPixel> {
     }
 };
 
-/// Whether no pixel of the run is visible. 24-bit pixels always are.
-template <class Format>
-bool isRowEmpty(const std::uint8_t* row, int x, int count) {
-    if constexpr (requires { Format::cnEmptyBits; })
-        return Format::isRowClear(row, x, count, Format::cnEmptyBits);
-    else
-        return count <= 0;
-}
-
 /// First byte of row y of a block; y may count from the block or from the image.
 template <class Format>
 std::uint8_t* rowOf(std::uint8_t* base, int y) {

@@ -3,7 +3,7 @@
 #include "ovwcmn/xcvoffscreen.h"
 #include "ovwcmn/xcvoffscreenlock.h"
 #include "vimage/blockparts.h"
-#include "vimage/withformat.h"
+#include "vimage/emptiness.h"
 
 using namespace ovw::vimage;
 
@@ -11,10 +11,10 @@ namespace {
 
 bool isPartEmpty(int depth, std::uint8_t* base, const XCRect& part) {
     return withFormat(depth, [&]<class Format>() {
-        for (int y = part.top; y < part.bottom; ++y)
-            if (!isRowEmpty<Format>(rowOf<Format>(base, y), part.left & cnBlockMask, part.Width()))
-                return false;
-        return true;
+        if constexpr (cnHasEmptyPixels<Format>)
+            return isPartClear<Format>(base, part, Format::cnEmptyBits);
+        else
+            return false;
     });
 }
 

@@ -24,39 +24,39 @@ bool haveOneShape(const XCVOffscreen& a, const XCVOffscreen& b) {
 
 } // namespace
 
-void XCVOffscreen::Circle(int cx, int cy, int r, int, XCVOffPixelMixer* mixer, XCVOffPixelMask* mask,
+void XCVOffscreenEdits::Circle(int cx, int cy, int r, int, XCVOffPixelMixer* mixer, XCVOffPixelMask* mask,
                           const tagRECT* clip, std::uint8_t*) {
-    const XCRect area = drawnArea(*this, clip);
+    const XCRect area = drawnArea(image(), clip);
     if (mixer && r >= 0 && !area.IsRectEmpty())
-        drawCircle(*this, cx, cy, r, *mixer, mask, area);
+        drawCircle(image(), cx, cy, r, *mixer, mask, area);
 }
 
-void XCVOffscreen::CircleFill(int x, int y, int d, const std::uint32_t& colour, int mode, XCVOffscreen* maskImage,
+void XCVOffscreenEdits::CircleFill(int x, int y, int d, const std::uint32_t& colour, int mode, XCVOffscreen* maskImage,
                               const tagPOINT& maskOffset, const tagRECT* clip, std::uint8_t* pattern,
                               int patternLevel) {
     const DiscPaint paint{colour, mode, maskImage, maskOffset, pattern, patternLevel};
-    fillDisc(*this, x, y, d, paint, drawnArea(*this, clip));
+    fillDisc(image(), x, y, d, paint, drawnArea(image(), clip));
 }
 
-void XCVOffscreen::ArcFill(int x1, int y1, int x2, int y2, std::uint32_t colour, const tagRECT* clip) {
+void XCVOffscreenEdits::ArcFill(int x1, int y1, int x2, int y2, std::uint32_t colour, const tagRECT* clip) {
     const XCRect box(x1, y1, x2, y2);
-    const XCRect area = drawnArea(*this, clip);
+    const XCRect area = drawnArea(image(), clip);
     if (!GetRect().IsIntersectRect(box) || area.IsRectEmpty())
         return;
-    const XCVOffscreenAutoLock lock(this, 1);
-    fillEllipse(*this, box, colour, area);
+    const XCVOffscreenAutoLock lock(&image(), 1);
+    fillEllipse(image(), box, colour, area);
 }
 
-void XCVOffscreen::CompositAlpha(int dx, int dy, int w, int h, XCVOffscreen* src, XCVOffscreen* alpha, int sx, int sy,
+void XCVOffscreenEdits::CompositAlpha(int dx, int dy, int w, int h, XCVOffscreen* src, XCVOffscreen* alpha, int sx, int sy,
                                  XCVOffPixelMixer* mixer) {
     if (!src || !alpha || !mixer || !haveOneShape(*src, *alpha) || alpha->GetDepth() != Density8::cnBits)
         return;
-    const AlphaCopy copy = AlphaCopy{dx, dy, w, h, sx, sy}.clippedTo(*this);
+    const AlphaCopy copy = AlphaCopy{dx, dy, w, h, sx, sy}.clippedTo(image());
     if (copy.width <= 0 || copy.height <= 0)
         return;
     // This image last: where it is also read from, it is to stay locked for editing.
     const XCVOffscreenAutoLock sourceLock(src, 0);
     const XCVOffscreenAutoLock alphaLock(alpha, 0);
-    const XCVOffscreenAutoLock destinationLock(this, 1);
-    compositeAlpha(*this, copy, *src, *alpha, *mixer);
+    const XCVOffscreenAutoLock destinationLock(&image(), 1);
+    compositeAlpha(image(), copy, *src, *alpha, *mixer);
 }

@@ -30,6 +30,7 @@ void XCVOffscreen::Initialize() {
     m_enableClear = 1;
     m_transparency = cnOpaque;
     m_loadImage = 1;
+    m_storedExtent.SetRectEmpty();
     m_editLockChecker = 0;
 }
 

@@ -1,0 +1,70 @@
+#ifndef OVWCMN_XCVOFFSCREENEDITS_H
+#define OVWCMN_XCVOFFSCREENEDITS_H
+
+/// @file
+/// Operations on whole tiled images and on rectangles of them. Part of XCVOffscreen.
+
+#include "ovwcmn/ovwdefs.h"
+#include "ovwcmn/wintypes.h"
+#include "ovwcmn/xcgeometry.h"
+#include "ovwcmn/xcvoffscreeninterface.h"
+
+#include <cstdint>
+
+class XCVOffPixelMask;
+class XCVOffPixelMixer;
+class XCVOffscreen;
+
+/// The operations that need of an image only what everybody may ask of it. They lock the images they get for their
+/// duration unless a line says otherwise, pass over pixels outside the images, and cost what the existing blocks cost.
+/// Other images belong to the caller and to the same thread. Failures of the store are thrown as XCException, with all
+/// locks released; what was changed by then stays changed. Colours are 0xAABBGGRR.
+class OVWCMN_API XCVOffscreenEdits : public XCVOffscreenInterface {
+public:
+    // ---- Extents
+    int GetExtentRect(tagRECT& out, tagRECT* limit, int useStored) override;
+    /// The bounds of the existing blocks, by whole blocks, so that they may reach beyond the image; 0 and an empty
+    /// rectangle when there is none.
+    int GetExtentBlock(tagRECT& out) const;
+    /// Whether r, or the image, has no visible pixel; existing blocks of 24-bit images are never empty.
+    int IsExtentEmpty(const XCRect& r);
+    int IsExtentEmpty();
+    void Optimize() override;
+    void OptimizeBlock(tagRECT r) override;
+
+    // ---- Edits of every pixel. Blocks in which nothing changes do not count as edited.
+    /// 32 bits: makes the pixels of that red, green and blue transparent. Other depths: nothing.
+    void ClearAlpha(std::uint32_t colour);
+    /// 24 and 32 bits: a transparent oldColour stands for every transparent pixel. Missing blocks stay missing.
+    void ReplaceColor(std::uint32_t newColour, std::uint32_t oldColour);
+
+    // ---- Round shapes; clip null: the whole image. Nothing is drawn outside the image.
+    /// An outline, one pixel wide, where the mask (may be null) is free. The mixer paints into this image, which the
+    /// caller locks for editing; the points on the axes and diagonals are mixed more than once.
+    void Circle(int cx, int cy, int r, int unused, XCVOffPixelMixer* mixer, XCVOffPixelMask* mask, const tagRECT* clip,
+                std::uint8_t* unusedToo);
+    /// A disc of diameter d with its left-top corner at (x, y), d + 1 pixels wide up to d = 3. Modes, mask and screen
+    /// (16 x 16 thresholds) are those of FillLineRowForPolygon; the caller locks both images.
+    void CircleFill(int x, int y, int d, const std::uint32_t& colour, int mode, XCVOffscreen* maskImage,
+                    const tagPOINT& maskOffset, const tagRECT* clip, std::uint8_t* pattern, int patternLevel);
+    /// The ellipse that touches the pixels x1 <= x2 and y1 <= y2. Locks for editing.
+    void ArcFill(int x1, int y1, int x2, int y2, std::uint32_t colour, const tagRECT* clip);
+
+    // ---- Compositing
+    /// Mixes the mixer's colour into the pixels of src, w x h from (sx, sy), weighted by alpha's ink, and stores them
+    /// from (dx, dy) of this image, for which the mixer is set up. Nothing happens unless alpha has 8 bits and src's
+    /// size and resolution. Locks all three.
+    void CompositAlpha(int dx, int dy, int w, int h, XCVOffscreen* src, XCVOffscreen* alpha, int sx, int sy,
+                       XCVOffPixelMixer* mixer);
+
+protected:
+    ~XCVOffscreenEdits() override = default;
+
+private:
+    friend class XCVOffscreen; // the only class that derives from it
+    XCVOffscreenEdits() = default;
+
+    XCVOffscreen& image();
+};
+
+#endif // OVWCMN_XCVOFFSCREENEDITS_H
