@@ -1,3 +1,21 @@
+# ovw_precompile(TARGET HEADER...): the target's sources read the headers precompiled, when the build precompiles. The
+# first target of a set of headers compiles them, the others take its.
+function(ovw_precompile target)
+  if(NOT OVWCMN_PRECOMPILE)
+    return()
+  endif()
+  string(MD5 key "${ARGN}")
+  get_property(first GLOBAL PROPERTY OVW_PRECOMPILED_${key})
+  if(first)
+    target_precompile_headers(${target} REUSE_FROM ${first})
+  else()
+    set_property(GLOBAL PROPERTY OVW_PRECOMPILED_${key} ${target})
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+  endif()
+  target_compile_options(${target} PRIVATE -fpch-preprocess)
+endfunction()
+set(OVW_STANDARD_HEADERS <algorithm> <array> <cmath> <cstdint> <cstring> <limits> <memory> <string> <utility> <vector>)
+
 # ovw_folder(NAME DIRECTORY): the sources of one folder of the library as the object library ovw_NAME.
 # Its objects go into libovwCmn.so, and into the tests of the folders above it, which may look at internals.
 set_property(GLOBAL PROPERTY OVW_FOLDERS "")
@@ -11,25 +29,36 @@ function(ovw_folder name directory)
                                                 ${PROJECT_SOURCE_DIR}/Source/Common/Source)
   target_compile_definitions(ovw_${name} PRIVATE OVWCMN_BUILDING)
   target_link_libraries(ovw_${name} PUBLIC ovw_flags)
+  ovw_precompile(ovw_${name} ${OVW_STANDARD_HEADERS})
   set_property(GLOBAL APPEND PROPERTY OVW_FOLDERS ovw_${name})
 endfunction()
 
-# ovw_test(FOLDER...): the sources of tests/FOLDER as the program test_FOLDER, linked with the objects of the
-# library's folders named (all of them when none is).
-function(ovw_test folder)
-  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/${folder}/*.cpp)
-  if(NOT sources)
-    return()
-  endif()
+# ovw_test_program(NAME SOURCE...): the program test_NAME of GoogleTest cases, each a test of ctest with the label NAME.
+function(ovw_test_program name)
+  add_executable(test_${name} ${ARGN})
+  target_link_libraries(test_${name} PRIVATE ovw_flags GTest::gtest GTest::gtest_main)
+  target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  ovw_precompile(test_${name} ${OVW_STANDARD_HEADERS} <gtest/gtest.h>)
+  gtest_discover_tests(test_${name} TEST_PREFIX ${name}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+                       PROPERTIES TIMEOUT 300 LABELS ${name})
+endfunction()
+
+# ovw_test_internals(NAME FOLDER...): lets the program test_NAME see and link the objects of the library's folders named,
+# all of them when none is.
+function(ovw_test_internals name)
   set(folders ${ARGN})
   list(TRANSFORM folders PREPEND ovw_)
   if(NOT folders)
     get_property(folders GLOBAL PROPERTY OVW_FOLDERS)
   endif()
-  add_executable(test_${folder} ${sources})
-  target_link_libraries(test_${folder} PRIVATE ${folders} ovw_dependencies ovw_flags GTest::gtest GTest::gtest_main)
-  target_include_directories(test_${folder} PRIVATE ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR}/include
-                             ${PROJECT_SOURCE_DIR}/Source ${PROJECT_SOURCE_DIR}/Source/Common/Source)
-  gtest_discover_tests(test_${folder} TEST_PREFIX ${folder}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-                       PROPERTIES TIMEOUT 300 LABELS ${folder})
+  target_link_libraries(test_${name} PRIVATE ${folders} ovw_dependencies)
+  target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/Source
+                                                  ${PROJECT_SOURCE_DIR}/Source/Common/Source)
+endfunction()
+
+# ovw_test(NAME FOLDER...): the sources of tests/NAME as the program test_NAME, with the library's folders named.
+function(ovw_test name)
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/${name}/*.cpp)
+  ovw_test_program(${name} ${sources})
+  ovw_test_internals(${name} ${ARGN})
 endfunction()
