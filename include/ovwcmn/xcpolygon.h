@@ -16,7 +16,7 @@ class XCVOffPixelMask;
 class XCVOffPixelMixer;
 class XCVOffscreen;
 
-namespace ovw::brush {
+namespace ovw::vimage {
 enum class FillRule;
 }
 
@@ -77,9 +77,23 @@ public:
     int DrawEllipse(tagRECT* changed, XCVOffscreen* image, double cx, double cy, double width, double height,
                     int antialias, const tagRECT* clip);
 
+    // Without a mixer, by the image's own row fill: modes 0 replace, 1 raise, 2 blend, 3 erase, as in
+    // XCVOffscreen::FillLineRowForPolygon; an alpha below 255 dithers the figure, 0 leaving one pixel of 256.
+    /// Even-odd rule, hard edges.
+    static int FillPolygon(tagRECT* changed, XCVOffscreen* image, const XCPolyVertex* polygon, std::uint32_t color,
+                           int mode, const tagRECT* clip, int unused, int alpha);
+    /// The same for a plain array of corners.
+    static int FillPolygon(XCVOffscreen* image, const tagPOINTD* points, int count, const tagRECT* clip,
+                           std::uint32_t color, int mode, int alpha);
+    /// Pixels x0 to x1, both included and in any order, of row y where the mask (may be null) has ink; the mask's
+    /// cursor stands on the row to read, its pixel x + maskOffsetX belongs to pixel x.
+    /// @return 0 when nothing of the span is in the image
+    static int FillLineRowForPolygon(XCVOffscreen* image, int x0, int x1, int y, std::uint32_t color, int mode,
+                                     XCVOffscreen* mask, int maskOffsetX, int alpha);
+
 private:
     int fill(tagRECT* changed, XCVOffscreen* image, const tagRECT* clip, std::span<const tagPOINTD> vertices,
-             ovw::brush::FillRule rule) const;
+             ovw::vimage::FillRule rule, int antialias) const;
 
     XCFastPixelMixer* m_fastMixer = nullptr;
     XCVOffPixelMixer* m_pixelMixer = nullptr;

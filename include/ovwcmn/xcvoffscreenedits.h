@@ -32,11 +32,56 @@ public:
     void Optimize() override;
     void OptimizeBlock(tagRECT r) override;
 
+    // ---- Lines
+    void DrawSegment(int x1, int y1, int x2, int y2, int width, std::uint32_t colour, int behind,
+                     int fitWidth) override;
+    void DrawSegment2(int x1, int y1, int x2, int y2, int width, std::uint32_t colour, int behind,
+                      int fitWidth) override;
+
     // ---- Edits of every pixel. Blocks in which nothing changes do not count as edited.
     /// 32 bits: makes the pixels of that red, green and blue transparent. Other depths: nothing.
     void ClearAlpha(std::uint32_t colour);
     /// 24 and 32 bits: a transparent oldColour stands for every transparent pixel. Missing blocks stay missing.
     void ReplaceColor(std::uint32_t newColour, std::uint32_t oldColour);
+
+    // ---- Flood fill
+    /// Gives the pixels around seed that are connected with it, sideways or up and down, and that source has in the
+    /// seed's colour, give or take margin in each byte, the value of colour; second narrows the region where source has
+    /// 1 or 24 bits. Pixel (x, y) belongs to source's (x - offset.x, y - offset.y); source null: second takes its place.
+    /// changed becomes the explored rows and columns, *count (may be null) the number of pixels written. abortable 1:
+    /// asks XCAbort, and a cancel throws 0x20010004 with both completed. 0 without a change when the seed lies outside
+    /// image or clip or is filled already. A 24-bit source fills up to the edges of this image, whatever clip is.
+    int FloodFill(XCRect& changed, const XCPoint& seed, std::uint32_t colour, XCVOffscreen* source,
+                  XCVOffscreen* second, const XCPoint& offset, const XCRect& clip, int margin, int* count,
+                  int abortable);
+    // The fill by values of one depth, whatever the images' depths are; 0 without dest or source.
+    static int FloodFillFrom1Bit(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed, std::uint32_t colour,
+                                 XCVOffscreen* source, XCVOffscreen* second, const XCPoint& offset,
+                                 const XCRect& clip, int* count, int abortable);
+    static int FloodFillFrom2Bit(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed, std::uint32_t colour,
+                                 XCVOffscreen* source, const XCPoint& offset, const XCRect& clip, int* count,
+                                 int abortable);
+    static int FloodFillFrom8Bit(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed, std::uint32_t colour,
+                                 XCVOffscreen* source, const XCPoint& offset, const XCRect& clip, int margin,
+                                 int* count, int abortable);
+    static int FloodFillFrom8BitNoMargin(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed,
+                                         std::uint32_t colour, XCVOffscreen* source, const XCPoint& offset,
+                                         const XCRect& clip, int* count, int abortable);
+    static int FloodFillFrom16Bit(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed, std::uint32_t colour,
+                                  XCVOffscreen* source, const XCPoint& offset, const XCRect& clip, int margin,
+                                  int* count, int abortable);
+    static int FloodFillFrom16BitNoMargin(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed,
+                                          std::uint32_t colour, XCVOffscreen* source, const XCPoint& offset,
+                                          const XCRect& clip, int* count, int abortable);
+    static int FloodFillFrom32Bit(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed, std::uint32_t colour,
+                                  XCVOffscreen* source, const XCPoint& offset, const XCRect& clip, int margin,
+                                  int* count, int abortable);
+    static int FloodFillFrom32BitNoMargin(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed,
+                                          std::uint32_t colour, XCVOffscreen* source, const XCPoint& offset,
+                                          const XCRect& clip, int* count, int abortable);
+    static int FloodFillFromGeneric(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed, std::uint32_t colour,
+                                    XCVOffscreen* source, XCVOffscreen* second, const XCPoint& offset, int margin,
+                                    int* count, int abortable);
 
     // ---- Round shapes; clip null: the whole image. Nothing is drawn outside the image.
     /// An outline, one pixel wide, where the mask (may be null) is free. The mixer paints into this image, which the

@@ -119,6 +119,15 @@ public:
     virtual void DrawSimpleLine(int /*vertical*/, int /*position*/, std::uint32_t /*colour*/) {}
     virtual void DrawSimpleSegment(int /*vertical*/, int /*position*/, int /*start*/, int /*length*/,
                                    std::uint32_t /*colour*/) {}
+    /// A straight line with a square pen of width x width pixels (0 and less: none), whose left-top corner goes from
+    /// (x1, y1) to (x2, y2); pixels outside the image are passed over. behind 1 puts the colour behind the pixels, once
+    /// for every place of the pen. fitWidth 1 thins the pen of a slanted line, so that the line looks no thicker than
+    /// a level one; the thinner pen stays in the middle of the thick one. Locks for editing.
+    virtual void DrawSegment(int x1, int y1, int x2, int y2, int width, std::uint32_t colour, int behind,
+                             int fitWidth) = 0;
+    /// The same, but the thinner pen keeps its left-top corner.
+    virtual void DrawSegment2(int x1, int y1, int x2, int y2, int width, std::uint32_t colour, int behind,
+                              int fitWidth) = 0;
     /// 1- and 8-bit images: 1 when pixels x1 to x2 of row y are all ink, 0 when none is, else -1, which x1 and x2 may
     /// then enclose more closely: test every pixel between. 1 bit goes by whole bytes, and x2 comes back exclusive.
     virtual int CheckLinePixel(int /*y*/, int& /*x1*/, int& /*x2*/) { return -1; }

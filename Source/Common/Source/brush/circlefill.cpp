@@ -3,10 +3,10 @@
 
 #include "ovwcmn/xcpattern.h"
 
-#include "brush/tiprow.h"
 #include "mixing/stamprows.h"
 #include "ovwcmn/xcblockgetter.h"
 #include "ovwcmn/xcvoffscreen.h"
+#include "vimage/numbers.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,9 +16,10 @@
 namespace {
 
 using ovw::truncateToInt;
-using ovw::brush::truncateWithin;
 using ovw::mixing::RimmedSpan;
 using ovw::mixing::StampRows;
+using ovw::vimage::endOf;
+using ovw::vimage::truncateWithin;
 
 constexpr int cnFixBits = 5;
 constexpr std::int64_t cnFixOne = 1 << cnFixBits;
@@ -39,8 +40,6 @@ int pixelOf(std::int64_t fixed) {
     return static_cast<int>(std::clamp<std::int64_t>(fixed >> cnFixBits, INT32_MIN, INT32_MAX));
 }
 
-int oneAfter(int pixel) { return pixel == INT32_MAX ? pixel : pixel + 1; }
-
 /// Half the chord at a distance from the centre, -1 when the row misses the circle.
 std::int64_t halfChord(std::int64_t radius, std::int64_t dy) {
     const std::int64_t square = radius * radius - dy * dy;
@@ -54,7 +53,7 @@ void paintRow(StampRows& rows, const FixedCircle& circle, const XCRect& tile, in
         return;
     RimmedSpan span;
     span.start = std::max(pixelOf(circle.cx - half), tile.left);
-    span.end = std::min(oneAfter(pixelOf(circle.cx + half)), tile.right);
+    span.end = std::min(endOf(pixelOf(circle.cx + half), 1), tile.right);
     if (span.start >= span.end)
         return;
     const std::int64_t innerHalf = halfChord(circle.inner, dy);
@@ -102,7 +101,7 @@ void XCCirclePattern::CircleFillAA(XCVOffscreen* image, double x, double y, doub
     if (circle.radius <= 0)
         return;
     const XCRect bounds(pixelOf(circle.cx - circle.radius), pixelOf(circle.cy - circle.radius),
-                        oneAfter(pixelOf(circle.cx + circle.radius)), oneAfter(pixelOf(circle.cy + circle.radius)));
+                        endOf(pixelOf(circle.cx + circle.radius), 1), endOf(pixelOf(circle.cy + circle.radius), 1));
     paintTiles(image, bounds, mixer, drawn, [&](const XCRect& tile) {
         StampRows rows(*mixer);
         for (int row = tile.top; row < tile.bottom; row++)
@@ -116,7 +115,7 @@ void XCCirclePattern::CircleFill(XCVOffscreen* image, double x, double y, double
         return;
     const double center = x + 1.0;
     const XCRect bounds(truncateToInt(center - radius), truncateToInt(y - radius),
-                        oneAfter(truncateToInt(center + radius)), oneAfter(truncateToInt(y + radius)));
+                        endOf(truncateToInt(center + radius), 1), endOf(truncateToInt(y + radius), 1));
     const auto paintChord = [&](const XCRect& tile, int row) {
         const double square = radius * radius - (row - y) * (row - y);
         if (!(square > 0.0))

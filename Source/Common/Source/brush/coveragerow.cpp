@@ -59,7 +59,7 @@ private:
     int m_y;
     int m_start = 0;
     int m_count = 0;
-    std::array<float, cnLongestSpan> m_pending;
+    std::array<float, XCVOffscreenGrid::cnBlockSize> m_pending;
 };
 
 double fraction(double value) { return value - static_cast<int>(value); }

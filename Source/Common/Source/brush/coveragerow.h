@@ -1,7 +1,7 @@
 #ifndef OVW_BRUSH_COVERAGEROW_H
 #define OVW_BRUSH_COVERAGEROW_H
 
-#include "brush/tiprow.h"
+#include "ovwcmn/xcvoffscreengrid.h"
 
 #include <array>
 #include <cstdint>
@@ -32,7 +32,7 @@ private:
     static constexpr int cnUnit = static_cast<int>(255.0 / cnSubLines + 0.5); ///< coverage of a sub-line, of 255
     static constexpr int cnWordBits = 64;
     /// A pixel beyond the last is where its coverage ends, and one more where that one's does.
-    static constexpr int cnCells = cnLongestSpan + 2;
+    static constexpr int cnCells = XCVOffscreenGrid::cnBlockSize + 2;
 
     template <class Run>
     void takeRuns(Run run);

@@ -3,10 +3,10 @@
 
 #include "ovwcmn/xcpattern.h"
 
-#include "brush/tiprow.h"
 #include "mixing/stamprows.h"
 #include "ovwcmn/xcblockgetter.h"
 #include "ovwcmn/xcvoffscreen.h"
+#include "vimage/numbers.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,9 +15,10 @@
 namespace {
 
 using ovw::truncateToInt;
-using ovw::brush::truncateWithin;
 using ovw::mixing::RimmedSpan;
 using ovw::mixing::StampRows;
+using ovw::vimage::endOf;
+using ovw::vimage::truncateWithin;
 
 /// Keeps a chord that ends at a whole number from reaching the pixel there.
 constexpr double cnEndMargin = 0.001;
@@ -59,9 +60,8 @@ private:
 /// The bounds of the circle around the ellipse.
 XCRect boundsOf(double center, double y, double rx, double ry) {
     const double reach = std::max(rx, ry);
-    const auto oneAfter = [](int pixel) { return pixel == INT32_MAX ? pixel : pixel + 1; };
-    return {truncateToInt(center - reach), truncateToInt(y - reach), oneAfter(truncateToInt(center + reach)),
-            oneAfter(truncateToInt(y + reach))};
+    return {truncateToInt(center - reach), truncateToInt(y - reach), endOf(truncateToInt(center + reach), 1),
+            endOf(truncateToInt(y + reach), 1)};
 }
 
 bool isDrawable(double x, double y, double rx, double ry) {

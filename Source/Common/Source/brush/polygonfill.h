@@ -13,25 +13,17 @@ namespace ovw::brush {
 
 class RowPainter;
 
-/// How the crossings of a sample line become spans.
-enum class FillRule {
-    EvenOdd,
-    NonZero,
-    Triangle, ///< between the two distinct crossings; lines with another number stay empty
-    EvenOddAA ///< even-odd on four sub-lines a row
-};
-
 struct PolygonTarget {
     XCVOffscreen* image;
     XCFastPixelMixer* mixer;
     const tagRECT* clip; ///< may be null
 };
 
-/// Fills a closed polygon given in pixels; results are those of XCPolygon. `clip` may be null.
-int fillPolygon(tagRECT* changed, XCVOffscreen& image, const tagRECT* clip, RowPainter& painter,
-                std::span<const tagPOINTD> vertices, FillRule rule);
-/// The same through a mixer.
-int fillPolygon(tagRECT* changed, const PolygonTarget& target, std::span<const tagPOINTD> vertices, FillRule rule);
+/// Fills a closed polygon given in pixels, even-odd on four sub-lines a row; results are those of XCPolygon.
+int fillPolygonAA(tagRECT* changed, XCVOffscreen& image, const tagRECT* clip, RowPainter& painter,
+                  std::span<const tagPOINTD> vertices);
+/// Fills it through a mixer, even-odd.
+int fillPolygon(tagRECT* changed, const PolygonTarget& target, std::span<const tagPOINTD> vertices, bool antialias);
 
 /// The same for a rectangle turned by `angle` radians about its centre, even-odd.
 int fillRotatedRect(tagRECT* changed, const PolygonTarget& target, tagPOINTD center, double width, double height,
@@ -39,9 +31,6 @@ int fillRotatedRect(tagRECT* changed, const PolygonTarget& target, tagPOINTD cen
 
 /// The corners of that rectangle.
 std::array<tagPOINTD, 4> rotatedRect(tagPOINTD center, double width, double height, double angle);
-
-/// The smallest rectangle that holds the vertices, each truncated toward zero; all zero without vertices.
-tagRECT boundsOfVertices(std::span<const tagPOINTD> vertices);
 
 /// (x, y) turned by an angle given by its sine and cosine, then moved.
 constexpr tagPOINTD turnedAndMoved(double x, double y, double sine, double cosine, const tagPOINTD& by) {

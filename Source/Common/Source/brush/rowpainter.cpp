@@ -2,6 +2,7 @@
 
 #include "brush/coveragerow.h"
 #include "ovwcmn/xcvoffscreen.h"
+#include "vimage/polygonrows.h"
 
 #include <algorithm>
 #include <limits>
@@ -36,15 +37,14 @@ ColourRows::ColourRows(XCVOffscreen& image, std::uint32_t colour, XCVOffPixelMas
 
 void ColourRows::paintSpan(int first, int last, int y) {
     constexpr int cnReplace = 0;
-    m_image.MoveCursor(first, y);
-    XCVOffscreen* maskImage = nullptr;
-    int maskOffset = 0;
+    vimage::PolygonColour paint{m_colour, cnReplace};
     if (m_mask) {
+        const int offset = m_mask->GetMaskInfo(0).offsetX;
         m_mask->MoveCursorY(&m_image, y);
-        maskImage = m_mask->GetMaskInfo(0).image;
-        maskOffset = -std::max(m_mask->GetMaskInfo(0).offsetX, -std::numeric_limits<int>::max());
+        paint.mask = m_mask->GetMaskInfo(0).image;
+        paint.maskOffsetX = -std::max(offset, -std::numeric_limits<int>::max());
     }
-    m_image.FillLineRowForPolygon(first, last, m_colour, cnReplace, maskImage, maskOffset, nullptr, 0);
+    vimage::fillPolygonRow(m_image, first, last, y, paint);
 }
 
 } // namespace ovw::brush

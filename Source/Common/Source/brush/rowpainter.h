@@ -4,36 +4,26 @@
 /// @file
 /// The ways in which the rows of a polygon reach the image.
 
-#include "brush/tiprow.h"
 #include "ovwcmn/xcfastpixelmixer.h"
 #include "ovwcmn/xcgeometry.h"
 #include "ovwcmn/xcpixelmixer.h"
 #include "ovwcmn/xcvoffpixelmixer.h"
+#include "vimage/polygonscan.h"
 
 #include <array>
 #include <cstdint>
-
-class XCVOffscreen;
 
 namespace ovw::brush {
 
 class CoverageRow;
 
-/// Takes the rows of one polygon, tile by tile. Everything pointed to outlives the polygon.
-class RowPainter {
+/// Takes the rows of one polygon, with hard or with soft edges. Everything pointed to outlives the polygon.
+class RowPainter : public vimage::SpanPainter {
 public:
-    /// bounds: the whole polygon's, right and bottom exclusive.
-    virtual void beginFigure(const XCRect& /*bounds*/) {}
-    virtual void enterTile(const XCRect& tile) = 0;
-    /// Pixels first to last, both included, of a row of the tile.
-    virtual void paintSpan(int first, int last, int y) = 0;
     /// A row of the tile by its coverage, which is taken out of `row`.
     virtual void paintCoverage(CoverageRow& row, int y) = 0;
 
 protected:
-    RowPainter() = default;
-    RowPainter(const RowPainter&) = delete;
-    RowPainter& operator=(const RowPainter&) = delete;
     ~RowPainter() = default;
 };
 
@@ -67,7 +57,7 @@ private:
     XCVOffPixelMask* m_mask;
     XCRect m_tile;
     tagPOINT m_origin{0, 0};
-    std::array<std::uint8_t, cnLongestSpan> m_coverage;
+    std::array<std::uint8_t, XCVOffscreen::cnBlockSize> m_coverage;
 };
 
 /// With one colour: hard edges replace by the image's own row fill, coverage blends the colour over the pixels.

@@ -13,7 +13,6 @@
 
 namespace {
 
-using ovw::brush::FillRule;
 using ovw::brush::reportStamp;
 
 /// Depths below this have no coverage to anti-alias with.
@@ -137,7 +136,6 @@ int XCPolygonPattern::Draw(XCRect* changed, XCVOffscreen* image, XCFastPixelMixe
     const bool soft = isSoft(antialias, image);
     XCRect drawn;
     if (!soft || count >= 3)
-        ovw::brush::fillPolygon(drawn, {image, mixer, nullptr}, {corners, static_cast<std::size_t>(count)},
-                                soft ? FillRule::EvenOddAA : FillRule::EvenOdd);
+        ovw::brush::fillPolygon(drawn, {image, mixer, nullptr}, {corners, static_cast<std::size_t>(count)}, soft);
     return reportStamp(changed, image, drawn);
 }

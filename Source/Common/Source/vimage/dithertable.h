@@ -31,11 +31,12 @@ constexpr std::array<std::uint8_t, Size * Size> bayerMatrix() {
 /// Row by row, entries 0 to 255.
 inline constexpr auto cnDitherMatrix = bayerMatrix<cnDitherSize>();
 
-/// The entry for a pixel; negative coordinates continue the pattern.
-constexpr std::uint8_t ditherThreshold(int x, int y) {
-    constexpr int cnMask = cnDitherSize - 1;
-    return cnDitherMatrix[static_cast<unsigned>((y & cnMask) * cnDitherSize + (x & cnMask))];
-}
+inline constexpr int cnDitherMask = cnDitherSize - 1;
+
+/// The entries of a row of pixels, by x & cnDitherMask; negative coordinates continue the pattern.
+constexpr const std::uint8_t* ditherRow(int y) { return &cnDitherMatrix[(y & cnDitherMask) * cnDitherSize]; }
+/// The entry for a pixel.
+constexpr std::uint8_t ditherThreshold(int x, int y) { return ditherRow(y)[x & cnDitherMask]; }
 
 } // namespace ovw::vimage
 

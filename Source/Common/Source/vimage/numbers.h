@@ -1,17 +1,18 @@
 #ifndef OVW_VIMAGE_NUMBERS_H
 #define OVW_VIMAGE_NUMBERS_H
 
+#include "ovwcmn/detail/toint.h"
+
 #include <cstdint>
 #include <limits>
 
 namespace ovw::vimage {
 
-/// Truncated toward zero, clamped to the range of an int; 0 for what is not a number.
-constexpr int clampedInt(double value) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    if (!(value > Limits::min()))
-        return value <= Limits::min() ? Limits::min() : 0;
-    return value < Limits::max() ? static_cast<int>(value) : Limits::max();
+/// Truncated toward zero within low to high; low for what is not a number.
+constexpr int truncateWithin(double value, int low, int high) {
+    if (!(value > low))
+        return low;
+    return value >= high ? high : static_cast<int>(value);
 }
 
 /// start + length, clamped to the range of an int.

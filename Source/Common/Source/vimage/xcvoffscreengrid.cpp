@@ -1,3 +1,4 @@
+#include "ovwcmn/detail/toint.h"
 #include "ovwcmn/xcvoffscreengrid.h"
 
 #include "ovwcmn/xcblockgetter.h"
@@ -6,7 +7,7 @@
 #include "vimage/numbers.h"
 #include "vimage/storelocks.h"
 
-using ovw::vimage::clampedInt;
+using ovw::truncateToInt;
 using ovw::vimage::librarySection;
 
 int XCVOffscreenGrid::GetBlockCount(int* across, int* down) const {
@@ -57,7 +58,7 @@ namespace {
 int convertPoint(const XCVOffscreenSettings* from, const XCVOffscreenSettings* to, int value) {
     const double own = from->GetResolution();
     const double other = to ? to->GetResolution() : own;
-    return own == other || own == 0 || other == 0 ? value : clampedInt(value * other / own);
+    return own == other || own == 0 || other == 0 ? value : truncateToInt(value * other / own);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-#ifndef OVW_BRUSH_EDGELIST_H
-#define OVW_BRUSH_EDGELIST_H
+#ifndef OVW_VIMAGE_EDGELIST_H
+#define OVW_VIMAGE_EDGELIST_H
 
 #include "ovwcmn/wintypes.h"
 #include "ovwcmn/xcarray.h"
@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <span>
 
-namespace ovw::brush {
+namespace ovw::vimage {
 
 struct Crossing {
     double x;
@@ -75,6 +75,6 @@ private:
     int m_next = 0; ///< the first edge that did not begin yet
 };
 
-} // namespace ovw::brush
+} // namespace ovw::vimage
 
-#endif // OVW_BRUSH_EDGELIST_H
+#endif // OVW_VIMAGE_EDGELIST_H

@@ -1,8 +1,8 @@
-#include "brush/edgelist.h"
+#include "vimage/edgelist.h"
 
 #include <algorithm>
 
-namespace ovw::brush {
+namespace ovw::vimage {
 
 void CrossingList::sort() {
     // Insertion sort: lists are short, and nearly sorted from line to line.
@@ -66,4 +66,4 @@ bool EdgeList::crossingsAt(double y, CrossingList& crossings) {
     return true;
 }
 
-} // namespace ovw::brush
+} // namespace ovw::vimage
