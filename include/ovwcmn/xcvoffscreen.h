@@ -16,6 +16,10 @@ class XCFastPixelMixer;
 class XCSwapBlock;
 class XCVirtualMemory;
 
+namespace ovw::vimage {
+class HeldBlocks;
+}
+
 /// A raster image of 1, 2, 8, 16, 24 or 32 bits a pixel, cut into blocks that exist only where something was painted.
 /// The blocks' memory comes from an XCVirtualMemory, which the image does not own and which must outlive its pixels;
 /// the image frees its blocks in Destroy and in its destructor. Pixels are reached between Lock and Unlock, best
@@ -219,6 +223,7 @@ protected:
 
 private:
     friend class XCVOffscreenCache;
+    friend class ovw::vimage::HeldBlocks;
     struct Growth;
 
     std::uint8_t* lockSwapBlock(XCSwapBlock* swapBlock, int edit, bool isNew);

@@ -47,26 +47,27 @@ public:
     // ---- Flood fill
     /// Gives the pixels around seed that are connected with it, sideways or up and down, and that source has in the
     /// seed's colour, give or take margin in each byte, the value of colour; second narrows the region where source has
-    /// 1 or 24 bits. Pixel (x, y) belongs to source's (x - offset.x, y - offset.y); source null: second takes its place.
-    /// changed becomes the explored rows and columns, *count (may be null) the number of pixels written. abortable 1:
-    /// asks XCAbort, and a cancel throws 0x20010004 with both completed. 0 without a change when the seed lies outside
-    /// image or clip or is filled already. A 24-bit source fills up to the edges of this image, whatever clip is.
+    /// 1 or 24 bits. Pixel (x, y) belongs to source's (x - offset.x, y - offset.y); source null: second takes its
+    /// place. changed becomes the explored rows and columns, *count (may be null) the number of pixels written.
+    /// abortable 1: asks XCAbort, and a cancel throws 0x20010004 with both completed. 0 without a change when the seed
+    /// lies outside image or clip or is filled already. A 24-bit source fills up to the edges of this image, whatever
+    /// clip is.
     int FloodFill(XCRect& changed, const XCPoint& seed, std::uint32_t colour, XCVOffscreen* source,
                   XCVOffscreen* second, const XCPoint& offset, const XCRect& clip, int margin, int* count,
                   int abortable);
     // The fill by values of one depth, whatever the images' depths are; 0 without dest or source.
     static int FloodFillFrom1Bit(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed, std::uint32_t colour,
-                                 XCVOffscreen* source, XCVOffscreen* second, const XCPoint& offset,
-                                 const XCRect& clip, int* count, int abortable);
+                                 XCVOffscreen* source, XCVOffscreen* second, const XCPoint& offset, const XCRect& clip,
+                                 int* count, int abortable);
     static int FloodFillFrom2Bit(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed, std::uint32_t colour,
                                  XCVOffscreen* source, const XCPoint& offset, const XCRect& clip, int* count,
                                  int abortable);
     static int FloodFillFrom8Bit(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed, std::uint32_t colour,
                                  XCVOffscreen* source, const XCPoint& offset, const XCRect& clip, int margin,
                                  int* count, int abortable);
-    static int FloodFillFrom8BitNoMargin(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed,
-                                         std::uint32_t colour, XCVOffscreen* source, const XCPoint& offset,
-                                         const XCRect& clip, int* count, int abortable);
+    static int FloodFillFrom8BitNoMargin(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed, std::uint32_t colour,
+                                         XCVOffscreen* source, const XCPoint& offset, const XCRect& clip, int* count,
+                                         int abortable);
     static int FloodFillFrom16Bit(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed, std::uint32_t colour,
                                   XCVOffscreen* source, const XCPoint& offset, const XCRect& clip, int margin,
                                   int* count, int abortable);

@@ -69,6 +69,25 @@ struct PackedLayout {
             std::memset(row + run.first + 1, pattern, run.last - run.first - 1);
         putBits(row[run.last], run.lastMask, pattern);
     }
+    static Value pixelAt(const std::uint8_t* row, int x) {
+        return load(row + (x * Bits >> 3), static_cast<std::uint8_t>(cnFirstMask >> (x * Bits & 7)));
+    }
+    static void setPixel(std::uint8_t* row, int x, Value value) {
+        store(row + (x * Bits >> 3), static_cast<std::uint8_t>(cnFirstMask >> (x * Bits & 7)), value);
+    }
+    /// Pixels as they stand. The rows do not overlap.
+    static void copyRow(std::uint8_t* to, int toX, const std::uint8_t* from, int fromX, int count) {
+        if (count <= 0)
+            return;
+        if (((toX ^ fromX) * Bits & 7) != 0)
+            return shiftRow(to, toX * Bits, from, fromX * Bits, count * Bits);
+        const ByteRun run = ByteRun::ofPixels(Bits, toX, count);
+        const std::uint8_t* const source = from + (fromX * Bits >> 3) - run.first;
+        putBits(to[run.first], run.firstMask, source[run.first]);
+        if (run.last > run.first + 1)
+            std::memcpy(to + run.first + 1, source + run.first + 1, run.last - run.first - 1);
+        putBits(to[run.last], run.lastMask, source[run.last]);
+    }
     template <class Visit>
     static void visitRow(std::uint8_t* row, int x, int count, Visit visit) {
         std::uint8_t* address = row + (x * Bits >> 3);
@@ -96,6 +115,22 @@ struct PackedLayout {
     }
 
 private:
+    /// Bits to a place that differs within the byte, a byte of the destination at a time.
+    static void shiftRow(std::uint8_t* to, int toBit, const std::uint8_t* from, int fromBit, int bits) {
+        while (bits > 0) {
+            const int place = toBit & 7;
+            const int taken = std::min(8 - place, bits);
+            const int start = fromBit & 7;
+            const std::uint8_t* const source = from + (fromBit >> 3);
+            int value = source[0] << start;
+            if (start + taken > 8)
+                value |= source[1] >> (8 - start);
+            const int mask = (0xFF << (8 - taken) & 0xFF) >> place;
+            putBits(to[toBit >> 3], static_cast<std::uint8_t>(mask),
+                    static_cast<std::uint8_t>((value & 0xFF) >> place));
+            toBit += taken, fromBit += taken, bits -= taken;
+        }
+    }
     static void putBits(std::uint8_t& byte, std::uint8_t mask, std::uint8_t pattern) {
         byte = static_cast<std::uint8_t>((byte & ~mask) | (pattern & mask));
     }
@@ -135,6 +170,18 @@ struct ByteLayout {
             piece = std::min({done, cnCopyPiece, bytes - done});
             std::memcpy(begin + done, begin, piece);
         }
+    }
+    static Value pixelAt(const std::uint8_t* row, int x) {
+        return load(row + static_cast<std::ptrdiff_t>(x) * cnBytes);
+    }
+    static void setPixel(std::uint8_t* row, int x, Value value) {
+        store(row + static_cast<std::ptrdiff_t>(x) * cnBytes, 0, value);
+    }
+    /// Pixels as they stand. The rows do not overlap.
+    static void copyRow(std::uint8_t* to, int toX, const std::uint8_t* from, int fromX, int count) {
+        if (count > 0)
+            std::memcpy(to + static_cast<std::ptrdiff_t>(toX) * cnBytes,
+                        from + static_cast<std::ptrdiff_t>(fromX) * cnBytes, static_cast<std::size_t>(count) * cnBytes);
     }
     template <class Visit>
     static void visitRow(const std::uint8_t* row, int x, int count, Visit visit) {
