@@ -52,6 +52,7 @@
 #include "ovwcmn/xcvoffscreenedits.h"
 #include "ovwcmn/xcvoffscreenlock.h"
 #include "ovwcmn/xcvoffscreenvariants.h"
+#include "ovwcmn/xczlib.h"
 // IWYU pragma: end_exports
 
 #endif // OVWCMN_OVWCMN_H
