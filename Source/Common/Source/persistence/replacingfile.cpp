@@ -25,12 +25,10 @@ int replace(const XCFilePath& from, const XCFilePath& to) {
     return platform::fileSystem().replaceFile(systemPath(from), systemPath(to));
 }
 
-/// A copy of `from` that is on the disk.
-void copyContents(const XCFilePath& from, const XCFilePath& to) {
-    XCFilePath::CopyFileA(to, from, 0);
-    XCFile copy;
-    copy.Open(to, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_WRITE, OPEN_EXISTING, 0);
-    copy.Flush();
+void flushToDisk(const XCFilePath& path) {
+    XCFile file;
+    file.Open(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, 0);
+    file.Flush();
 }
 
 } // namespace
@@ -50,9 +48,12 @@ ReplacingFile::~ReplacingFile() {
 void ReplacingFile::commit() { commit(m_path); }
 
 void ReplacingFile::commit(const XCFilePath& made) {
+    if (made != m_path)
+        flushToDisk(made);
     int code = replace(made, m_target);
     if (code == platform::cnErrorNotSameDevice) {
-        copyContents(made, m_path);
+        XCFilePath::CopyFileA(m_path, made, 0);
+        flushToDisk(m_path);
         code = replace(m_path, m_target);
         if (code == 0)
             made.FileDelete(0);

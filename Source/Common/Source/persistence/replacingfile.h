@@ -20,9 +20,9 @@ public:
     ReplacingFile& operator=(const ReplacingFile&) = delete;
 
     const XCFilePath& path() const { return m_path; }
-    /// The file, or another one that was made from it (on any volume), becomes the target. It is flushed and closed by
-    /// now.
+    /// The file, flushed and closed by now, becomes the target.
     void commit();
+    /// The same with another file that was made from it, on any volume.
     void commit(const XCFilePath& made);
 
 private:
