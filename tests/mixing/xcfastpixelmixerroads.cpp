@@ -3,6 +3,7 @@
 
 #include "mixing/blockpart.h"
 #include "mixing/coveragespan.h"
+#include "mixing/stamprows.h"
 
 #include <gtest/gtest.h>
 
@@ -189,6 +190,43 @@ TEST(MixerRoads, ACoverageRowEqualsItsPixels) {
                 twins.fast.mixer().DoLineRow(span.x1, span.x2, 7);
                 twins.plain.mixer().DoLineRow(span.x1, span.x2, 7);
             }
+            ASSERT_EQ(twins.differ(), "") << mixCase.describe();
+        }
+        ASSERT_EQ(twins.fast.average().ConvertSmudgeColor(0), twins.plain.average().ConvertSmudgeColor(0)) << seed;
+    }
+}
+
+TEST(MixerRoads, TheRowsOfAStampEqualTheirPixels) {
+    SetRotation sets;
+    for (std::uint64_t seed = 0; seed < 500; ++seed) {
+        sets.turn(seed);
+        MixCase mixCase(s_families[seed % std::size(s_families)], seed);
+        Twins twins(mixCase);
+        Random random(seed);
+        for (const MixDab& dab : mixCase.dabs) {
+            twins.startDab(dab);
+            const XCRect reach(random.number(0, 100), 0, random.number(101, 256), 7);
+            twins.fast.mixer().MoveCursorToBlock(reach.left, reach.top);
+            twins.plain.mixer().MoveCursorToBlock(reach.left, reach.top);
+            {
+                ovw::mixing::StampRows rows(twins.fast.mixer(), reach);
+                for (int y = reach.top; y < reach.bottom; ++y) {
+                    const int width = random.chance(2) ? 20 : 256; // as small dabs have, and large ones
+                    const int start = random.number(reach.left, reach.right - 1);
+                    const int end = random.number(start, std::min(start + width, reach.right));
+                    const int innerStart = random.number(start, end);
+                    const int innerEnd = random.number(innerStart, end);
+                    const std::vector<float> coverage = makeCoverage(random, 256);
+                    rows.paint(y, {start, innerStart, innerEnd, end}, [&](int x) { return coverage[std::size_t(x)]; });
+                    const auto at = coverage.begin();
+                    paintEach(twins.plain.mixer(), start, y, {at + start, at + innerStart});
+                    paintEach(twins.plain.mixer(), innerEnd, y, {at + innerEnd, at + end});
+                    paintEach(twins.plain.mixer(), innerStart, y, std::vector<float>(innerEnd - innerStart, 1.0f));
+                }
+            }
+            // What it leaves behind: row 7 is painted from there.
+            twins.fast.mixer().DoLineRow(0, 255, 7);
+            twins.plain.mixer().DoLineRow(0, 255, 7);
             ASSERT_EQ(twins.differ(), "") << mixCase.describe();
         }
         ASSERT_EQ(twins.fast.average().ConvertSmudgeColor(0), twins.plain.average().ConvertSmudgeColor(0)) << seed;

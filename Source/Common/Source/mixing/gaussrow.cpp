@@ -13,6 +13,8 @@ namespace {
 int countBelow(std::int64_t bound, std::int64_t position, int step, int n) {
     if (position >= bound)
         return 0;
+    if (position + std::int64_t{step} * (n - 1) < bound)
+        return n;
     return step == 0 ? n : static_cast<int>(std::min<std::int64_t>(n, (bound - 1 - position) / step + 1));
 }
 

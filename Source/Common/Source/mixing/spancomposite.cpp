@@ -2,6 +2,7 @@
 
 #include "mixing/fetchclone.h"
 #include "mixing/fixedpoint.h"
+#include "mixing/rowbatch.h"
 #include "mixing/spanpainter.h"
 #include "ovwcmn/xcsimpleimage.h"
 #include "ovwcmn/xcvoffscreen.h"
@@ -115,30 +116,37 @@ Compositor SpanPainter::compositorOf(CompositorSet set, bool overNothing) const 
         return m_kernels->clone[column];
     const int composition = m_mixer.m_composition;
     const bool exists = composition >= 0 && composition < cnCompositions;
-    return exists && !keepsNothing(overNothing) ? tableOf(set, overNothing)[composition][column] : nullptr;
+    return exists && !keepsNothing(overNothing) ? (m_kernels->*tableOf(set, overNothing))[composition][column]
+                                                : nullptr;
 }
 
-const CompositorTable& SpanPainter::tableOf(CompositorSet set, bool overNothing) const {
+const CompositorTable KernelTable::*SpanPainter::tableOf(CompositorSet set, bool overNothing) {
     switch (set) {
-    case CompositorSet::Fastest: return m_kernels->fastestRow;
-    case CompositorSet::Direct: return m_kernels->direct;
-    case CompositorSet::Stamp: return m_kernels->stamp;
-    case CompositorSet::Water: return m_kernels->water;
-    case CompositorSet::ColorCache: return overNothing ? m_kernels->colorOverNothing : m_kernels->colorCache;
-    default: return overNothing ? m_kernels->cacheOverNothing : m_kernels->cache;
+    case CompositorSet::Fastest: return &KernelTable::fastestRow;
+    case CompositorSet::Direct: return &KernelTable::direct;
+    case CompositorSet::Stamp: return &KernelTable::stamp;
+    case CompositorSet::Water: return &KernelTable::water;
+    case CompositorSet::ColorCache: return overNothing ? &KernelTable::colorOverNothing : &KernelTable::colorCache;
+    default: return overNothing ? &KernelTable::cacheOverNothing : &KernelTable::cache;
     }
 }
 
 /// Whether the pixels below are transparent and must stay so.
 bool SpanPainter::keepsNothing(bool overNothing) const { return overNothing && m_depth == 32 && m_mixer.m_keepAlpha; }
 
-CompositeSpan SpanPainter::compositeSpan() const {
+/// What every span of these settings has.
+CompositeSpan SpanPainter::commonSpan() const {
     CompositeSpan span{};
-    span.n = m_n;
     span.color = paintColor();
     span.keep = m_mixer.m_keepAlpha ? 0xFF000000 : 0;
     if (m_mixer.m_composition == XCFastPixelMixer::SoftLight)
         span.softLight = softLightCurves();
+    return span;
+}
+
+CompositeSpan SpanPainter::compositeSpan() const {
+    CompositeSpan span = commonSpan();
+    span.n = m_n;
     if (!isBits()) {
         span.dst = rowOf(m_mixer.m_dst);
         return span;
@@ -149,6 +157,35 @@ CompositeSpan SpanPainter::compositeSpan() const {
     span.bits = m_depth;
     span.value = bitValue(true);
     return span;
+}
+
+bool SpanPainter::prepareBatch(BatchRules& rules, const KernelPlan& plan) const {
+    const int composition = m_mixer.m_composition;
+    const bool hasCache = plan.cache == CacheRule::Coverage;
+    const bool isSimple =
+        plan.start == (hasCache ? Start::Cache : Start::Paint) && !m_mixer.m_mask && !usesTexture(plan);
+    if (!isSimple || isBits() || columnOf(m_depth) == cnDepthColumns || !m_mixer.m_dst->GetBaseAddress() ||
+        composition < 0 || composition >= cnCompositions)
+        return false;
+    const bool overNothing = hasCache && !m_mixer.m_composite->GetBaseAddress();
+    rules.compositors = tableOf(plan.compositors, overNothing);
+    rules.composition = composition;
+    rules.column = columnOf(m_depth);
+    if (keepsNothing(overNothing) || !(kernels(cnRowPixels).*rules.compositors)[composition][rules.column])
+        return false;
+    rules.baseAlpha = static_cast<float>(m_mixer.m_baseAlpha);
+    rules.factor = startFactor(plan.start);
+    rules.gauss = usesGauss(plan) ? m_mixer.m_plotGauss : nullptr;
+    rules.accumulation = accumulation();
+    rules.opacity = static_cast<std::int32_t>(m_mixer.m_mixAlpha);
+    rules.span = commonSpan();
+    rules.dst = blockOf(m_mixer.m_dst);
+    rules.cache = hasCache ? blockOf(m_mixer.m_cache) : BlockPixels{};
+    rules.ref = hasCache && !overNothing ? blockOf(m_mixer.m_composite) : BlockPixels{};
+    rules.blank = blankReference(m_depth);
+    rules.left = m_mixer.m_blockLeft;
+    rules.top = m_mixer.m_blockTop;
+    return true;
 }
 
 /// What paint leaves in a 1- or 2-bit pixel; the sub value is the other one of the two that 2 bits can show.

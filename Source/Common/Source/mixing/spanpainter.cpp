@@ -6,6 +6,7 @@
 #include "mixing/fetchtexture.h"
 #include "mixing/fixedpoint.h"
 #include "mixing/gaussrow.h"
+#include "mixing/rowbatch.h"
 #include "ovwcmn/xcplotgauss.h"
 #include "ovwcmn/xcsimpleimage.h"
 #include "ovwcmn/xcvoffscreen.h"
@@ -281,10 +282,13 @@ void SpanPainter::returnToBlock(const XCVOffscreen* moved) const {
         m_mixer.MoveCursorToBlock(m_mixer.m_blockLeft, m_mixer.m_blockTop);
 }
 
+BlockPixels SpanPainter::blockOf(const XCVOffscreen* image) {
+    return {image->GetBaseAddress(), image->GetBlockRowBytes(), image->GetDepth() / 8};
+}
+
 /// The span's first pixel in the image's current block, which has memory and pixels of at least 8 bits.
 std::uint8_t* SpanPainter::rowOf(const XCVOffscreen* image) const {
-    return image->GetBaseAddress() + std::ptrdiff_t{m_y - m_mixer.m_blockTop} * image->GetBlockRowBytes() +
-           (m_x - m_mixer.m_blockLeft) * (image->GetDepth() / 8);
+    return blockOf(image).at(m_x - m_mixer.m_blockLeft, m_y - m_mixer.m_blockTop);
 }
 
 } // namespace ovw::mixing

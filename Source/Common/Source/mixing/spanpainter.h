@@ -14,6 +14,9 @@
 
 namespace ovw::mixing {
 
+struct BatchRules;
+struct BlockPixels;
+
 /// What rows of plain paint in 32-bit pixels have in common: one colour, and no mask, falloff or cache that has a say.
 struct PlainRows {
     CompositeSpan span;     ///< opacity is that of full coverage; dst, n and a are each row's
@@ -46,6 +49,8 @@ public:
     /// The kernel of spans with coverages of their own in the current block, null when they paint nothing. It stays the
     /// same while the settings and the block do.
     const KernelPlan* planOfCoverage() const;
+    /// False when the rows of a kernel for coverages need more than the rules tell.
+    bool prepareBatch(BatchRules& rules, const KernelPlan& plan) const;
     /// paintCoverage with that kernel.
     void paintCoverage(const KernelPlan& plan, int x, int y, std::span<const float> coverage);
     /// Pixels x1 to x2 - 1 of row y through a source image.
@@ -90,8 +95,9 @@ private:
     void cloneBits(const CoverageRow& row, const std::uint32_t* colors) const;
     int uniformComposition(std::int32_t opacity) const;
     Compositor compositorOf(CompositorSet set, bool overNothing) const;
-    const CompositorTable& tableOf(CompositorSet set, bool overNothing) const;
+    static const CompositorTable KernelTable::*tableOf(CompositorSet set, bool overNothing);
     CompositeSpan compositeSpan() const;
+    CompositeSpan commonSpan() const;
     bool keepsNothing(bool overNothing) const;
 
     // bitstamp.cpp: image stamps on 1 and 2 bits, which have rules of their own
@@ -113,6 +119,7 @@ private:
     const std::uint8_t* ditherRow() const;
     void returnToBlock(const XCVOffscreen* moved) const;
     std::uint8_t* rowOf(const XCVOffscreen* image) const;
+    static BlockPixels blockOf(const XCVOffscreen* image);
 
     XCFastPixelMixer& m_mixer;
     int m_depth;

@@ -6,12 +6,36 @@
 
 namespace ovw::mixing {
 
-StampRows::StampRows(XCFastPixelMixer& mixer)
-    : m_mixer(mixer), m_painter(mixer), m_isPlain(m_painter.preparePlainRows(m_plain)),
-      m_plan(m_painter.planOfCoverage()) {}
+StampRows::StampRows(XCFastPixelMixer& mixer, const XCRect& reach)
+    : m_mixer(mixer), m_painter(mixer), m_plan(m_painter.planOfCoverage()), m_road(chooseRoad()) {
+    lookAhead(reach);
+}
+
+StampRows::Road StampRows::chooseRoad() {
+    if (!m_plan)
+        return Road::Nowhere;
+    if (m_painter.preparePlainRows(m_plain))
+        return Road::Plain;
+    return m_painter.prepareBatch(m_rules, *m_plan) ? Road::Batched : Road::RowByRow;
+}
+
+void StampRows::lookAhead(const XCRect& reach) {
+    if (m_road == Road::Plain) {
+        const BlockPixels block = {reinterpret_cast<std::uint8_t*>(m_plain.block),
+                                   m_plain.rowPixels * int{sizeof(Pixel32)}, sizeof(Pixel32)};
+        m_ahead.addImage(block, reach - tagPOINT{m_plain.left, m_plain.top});
+    } else if (m_road == Road::Batched) {
+        for (const BlockPixels& image : {m_rules.dst, m_rules.cache, m_rules.ref}) {
+            if (image.bits)
+                m_ahead.addImage(image, reach - tagPOINT{m_rules.left, m_rules.top});
+        }
+    }
+    m_ahead.begin(reach.top, reach.bottom);
+}
 
 StampRows::~StampRows() {
     paintPixels();
+    m_batch.paint(m_rules);
     if (m_last > 0.0f)
         m_mixer.ScaleAntiAlpha(m_last);
 }
@@ -53,7 +77,9 @@ void StampRows::paintInterior(int y, const RimmedSpan& span) {
 
 void StampRows::paintRow(int y, const RimmedSpan& span, const float* coverage) {
     const std::span<const float> row(coverage, static_cast<std::size_t>(span.end - span.start));
-    if (m_plan)
+    if (m_road == Road::Batched)
+        m_batch.add(m_rules, span.start, y, span.end - span.start);
+    else if (m_road == Road::RowByRow)
         m_painter.paintCoverage(*m_plan, span.start, y, row);
     if (span.innerStart < span.innerEnd) {
         m_last = 1.0f;

@@ -3,6 +3,8 @@
 
 #include "mixing/coveragerow.h"
 #include "mixing/pixel32.h"
+#include "mixing/rowbatch.h"
+#include "mixing/rowsahead.h"
 #include "mixing/spanpainter.h"
 
 #include <algorithm>
@@ -19,11 +21,12 @@ struct RimmedSpan {
 
 /// Paints the rows of one stamp in the mixer's current block: what ScaleAntiAlpha and DoLineRow for each pixel of a rim
 /// and then for its interior do, and leave behind. What depends on settings alone is decided once, so the mixer must
-/// not change while this lives. Rims are short, and of plain paint they are gathered over many rows into long spans:
-/// no pixel may be painted twice.
+/// not change while this lives. Rows are short: but for masks, textures and the rarer kernels they are gathered into
+/// long spans, of plain paint their rims alone. No pixel may be painted twice.
 class StampRows {
 public:
-    explicit StampRows(XCFastPixelMixer& mixer);
+    /// reach: what the stamp may touch, in ascending rows inside the block.
+    StampRows(XCFastPixelMixer& mixer, const XCRect& reach);
     StampRows(const StampRows&) = delete;
     StampRows& operator=(const StampRows&) = delete;
     ~StampRows();
@@ -32,14 +35,15 @@ public:
     /// when it is not above 0.
     template <class CoverageAt>
     void paint(int y, const RimmedSpan& span, CoverageAt coverageAt) {
-        if (m_isPlain) {
+        m_ahead.advanceTo(y);
+        if (m_road == Road::Plain) {
             for (int x = span.start; x < span.innerStart; x++)
                 addPixel(x, y, coverageAt(x));
             for (int x = span.innerEnd; x < span.end; x++)
                 addPixel(x, y, coverageAt(x));
             return paintInterior(y, span);
         }
-        float coverage[cnRowPixels];
+        float* coverage = m_batch.coverageOf(m_rules, span.end - span.start);
         for (int x = span.start; x < span.innerStart; x++)
             coverage[x - span.start] = coverageAt(x);
         for (int x = span.innerEnd; x < span.end; x++)
@@ -50,6 +54,13 @@ public:
     }
 
 private:
+    enum class Road {
+        Plain,   ///< One colour and opacity.
+        Batched, ///< Every row is gathered.
+        RowByRow,
+        Nowhere
+    };
+
     void addPixel(int x, int y, float coverage) {
         if (!(coverage > 0.0f))
             return;
@@ -59,19 +70,24 @@ private:
         if (++m_count == cnRowPixels)
             paintPixels();
     }
+    Road chooseRoad();
+    void lookAhead(const XCRect& reach);
     void paintPixels();
     void paintInterior(int y, const RimmedSpan& span);
     void paintRow(int y, const RimmedSpan& span, const float* coverage);
 
     XCFastPixelMixer& m_mixer;
     SpanPainter m_painter;
-    PlainRows m_plain;
-    bool m_isPlain;
     const KernelPlan* m_plan; ///< of rows that are not plain; null paints nothing
-    float m_last = 0.0f;      ///< the coverage that the mixer is left with, 0 for none
+    PlainRows m_plain;
+    BatchRules m_rules;
+    Road m_road;
+    RowsAhead m_ahead;
+    float m_last = 0.0f; ///< the coverage that the mixer is left with, 0 for none
     int m_count = 0;
     Pixel32* m_pixels[cnRowPixels];
     float m_coverage[cnRowPixels];
+    RowBatch m_batch;
 };
 
 } // namespace ovw::mixing
