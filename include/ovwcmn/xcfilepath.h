@@ -111,6 +111,9 @@ public:
     int IsFolderEmpty() const;
     /// Time of the last write; left alone for a folder that cannot be read, thrown for a file.
     void GetTime(XCTime& time) const;
+    /// A text of the version resource of a Windows program or library, in its first language ("FileVersion" for null).
+    /// 1; 0 and `out` empty when there is none.
+    int GetVersionInfo(XCString& out, const char* key) const;
     /// 1 when a file can be created beside this path; throws when not.
     int CanSaveFile() const;
     /// @}

@@ -12,7 +12,9 @@
 #include "ovwcmn/xcfindfile.h"
 #include "persistence/filetime.h"
 #include "persistence/pathtext.h"
+#include "persistence/versionresource.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -135,6 +137,19 @@ void XCFilePath::GetTime(XCTime& time) const {
     platform::FileInformation information;
     if (informationOf(*this, information))
         ovw::persistence::setTime(time, information.times.lastWrite);
+}
+
+int XCFilePath::GetVersionInfo(XCString& out, const char* key) const try {
+    out.Empty();
+    XCFile file;
+    file.Open(*this, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, 0);
+    const std::optional<std::string> resource = ovw::persistence::versionResource(file);
+    const XCWideString wideKey(key ? key : "FileVersion");
+    const std::optional<std::u16string> found =
+        resource ? ovw::persistence::versionText(*resource, wideKey.GetStr()) : std::nullopt;
+    return found && XCWideString(found->c_str()).ConvertWideToAnsi(out);
+} catch (const XCException&) {
+    return 0; // a question: a file that cannot be read has no version
 }
 
 int XCFilePath::CanSaveFile() const {
