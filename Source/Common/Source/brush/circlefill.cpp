@@ -103,7 +103,7 @@ void XCCirclePattern::CircleFillAA(XCVOffscreen* image, double x, double y, doub
     const XCRect bounds(pixelOf(circle.cx - circle.radius), pixelOf(circle.cy - circle.radius),
                         endOf(pixelOf(circle.cx + circle.radius), 1), endOf(pixelOf(circle.cy + circle.radius), 1));
     paintTiles(image, bounds, mixer, drawn, [&](const XCRect& tile) {
-        StampRows rows(*mixer);
+        StampRows rows(*mixer, tile);
         for (int row = tile.top; row < tile.bottom; row++)
             paintRow(rows, circle, tile, row);
     });

@@ -108,7 +108,7 @@ void XCCirclePattern::EllipseFillAA(XCVOffscreen* image, double x, double y, dou
         return;
     for (XCRect tile; tiles.GetNextBlock(tile);) {
         mixer->MoveCursorToBlock(tile.left, tile.top);
-        StampRows rows(*mixer);
+        StampRows rows(*mixer, tile);
         for (int row = tile.top; row < tile.bottom; row++) {
             const Chord chord = outer.chordAt(row - y, center, cnEndMargin);
             if (chord.isHit)
