@@ -161,4 +161,12 @@ inline constexpr int IDNO = 7;
 inline constexpr std::uint32_t WAIT_OBJECT_0 = 0;
 inline constexpr std::uint32_t WAIT_TIMEOUT = 258;
 
+// Where text stands in its rectangle.
+inline constexpr int DT_LEFT = 0;
+inline constexpr int DT_TOP = 0;
+inline constexpr int DT_CENTER = 1;
+inline constexpr int DT_RIGHT = 2;
+inline constexpr int DT_VCENTER = 4;
+inline constexpr int DT_BOTTOM = 8;
+
 #endif // OVWCMN_WINTYPES_H

@@ -49,6 +49,7 @@ public:
 
 private:
     friend class XCAutoLockSimpleImage;
+    friend class XCOffscreen; // which can become one
 
     static bool isInside(int v, int size) { return static_cast<std::uint32_t>(v) < static_cast<std::uint32_t>(size); }
     std::uint8_t* pixelAt(int x, int y) const {
