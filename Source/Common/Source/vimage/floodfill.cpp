@@ -271,6 +271,10 @@ private:
 
     template <class Row>
     FloodResult run(Row& row) const {
+        // The rows hold the blocks; what a cursor holds as well could only stand in the way of an eviction.
+        for (XCVOffscreen* const image : {m_request.source, m_request.second, m_request.destination})
+            if (image)
+                image->MoveCursor(-1, -1);
         return Flood(row, m_image, clipOf(m_request), m_request.abortable).run(m_request.seed);
     }
 

@@ -10,7 +10,7 @@ namespace ovw::vimage {
 
 /// Keeps some blocks of a locked image locked in the store, one a block column, for work that goes back and forth in
 /// rows: entering a block again then costs a comparison. The image's cursor stays where it is. Few blocks are held at
-/// once, measured against the store's budget. Not to be used after a failure of the store.
+/// once, measured against the store's budget, and none when the store fails.
 class HeldBlocks {
 public:
     /// With edit (the image is locked for editing then) blocks are created and marked edited.
@@ -37,6 +37,7 @@ private:
 
     std::uint8_t* take(Slot& slot, int index);
     void release(Slot& slot);
+    void releaseAll();
 
     XCVOffscreen& m_image;
     const bool m_edit;
