@@ -1,5 +1,6 @@
 #include "interrupt.h"
 #include "painting.h"
+#include "pngwrite.h"
 #include "presets.h"
 
 #include <gtest/gtest.h>
@@ -33,27 +34,38 @@ TEST_F(OvwPaint, PaintsTheSamePictureAgain) {
     EXPECT_NE(draw({"--preset", "airbrush", "--seed", "6"}).pixels, first.pixels);
 }
 
-TEST_F(OvwPaint, PaintsWithEveryPresetAtEveryDepth) {
+TEST_F(OvwPaint, PaintsAtEveryDepth) {
     const std::pair<const char*, std::pair<int, int>> forms[] = {
         {"1", {1, PNG_COLOR_TYPE_GRAY}}, {"2", {2, PNG_COLOR_TYPE_PALETTE}},
         {"8", {8, PNG_COLOR_TYPE_GRAY}}, {"16", {8, PNG_COLOR_TYPE_GRAY_ALPHA}},
         {"24", {8, PNG_COLOR_TYPE_RGB}}, {"32", {8, PNG_COLOR_TYPE_RGB_ALPHA}},
     };
-    for (const Preset& preset : presets()) {
+    for (const char* preset : {"ink-pen", "pencil", "leaves", "splatter", "rope", "dry-brush"}) {
         for (const auto& [depth, form] : forms) {
-            // On two bits everything is black or white, and the marker is light: it shows on black.
-            const char* background = preset.name == "marker" || preset.name == "eraser" ? "black" : "white";
-            const Picture picture =
-                draw({"--preset", std::string(preset.name), "--depth", depth, "--background", background});
+            const Picture picture = draw({"--preset", preset, "--depth", depth});
             EXPECT_EQ(picture.bitDepth, form.first) << depth;
             EXPECT_EQ(picture.colourType, form.second) << depth;
-            const std::string what = std::string(preset.name) + " at " + depth;
-            const bool inkOnInk = preset.name == "marker" && (std::string(depth) == "1" || std::string(depth) == "8");
-            // Blank paper has nothing to smudge, and what mixes with it is too light for black and white.
-            const bool nothingToSmudge = preset.name == "smudge" || (preset.name == "water" && form.first < 8);
-            EXPECT_EQ(picture.countOther(picture.at(0, 0)) > 0, !inkOnInk && !nothingToSmudge) << what;
-            EXPECT_EQ(picture.at(0, 0), parseColour(background)) << what;
+            EXPECT_GT(picture.countOther(cnWhite), 20u) << preset << " at " << depth;
+            EXPECT_EQ(picture.at(0, 0), cnWhite) << preset << " at " << depth;
         }
+    }
+}
+
+// A picture with light, dark and coloured parts shows the work of them all, also of those that only smudge or blur.
+TEST_F(OvwPaint, PaintsWithEveryPreset) {
+    const Colour colours[] = {cnWhite, packColour(90, 60, 30), packColour(180, 200, 160), cnBlack};
+    const std::string backdrop =
+        writePng(m_folder.path("p.png"), 90, 50, [&](int x, int y) { return colours[(x / 7 + y / 9) % 4]; });
+    const std::vector<std::string> common = {"--backdrop", backdrop, "--scale", "0.8", "--depth"};
+    for (const char* depth : {"8", "32"}) {
+        const auto paint = [&](std::vector<std::string> brush) {
+            brush.insert(brush.begin(), common.begin(), common.end());
+            brush.insert(brush.begin() + static_cast<std::ptrdiff_t>(common.size()), depth);
+            return draw(brush).pixels;
+        };
+        const std::vector<Colour> untouched = paint({"--mask", backdrop, "--mask-offset", "500,500"});
+        for (const Preset& preset : presets())
+            EXPECT_NE(paint({"--preset", std::string(preset.name)}), untouched) << preset.name << " at " << depth;
     }
 }
 
@@ -179,6 +191,15 @@ TEST_F(OvwPaint, ReportsFailuresInOneLine) {
         {{"draw", m_strokes, "-o", m_picture, "--cache", "4"}, cnExitUsage},
         {{"draw", m_strokes, "-o", m_picture, "--texture-mode", "4"}, cnExitUsage},
         {{"draw", m_strokes, "-o", m_picture, "--texture-density", "300"}, cnExitUsage},
+        {{"draw", m_strokes, "-o", m_picture, "--tip-order", "shuffled"}, cnExitUsage},
+        {{"draw", m_strokes, "-o", m_picture, "--blur", "-1"}, cnExitUsage},
+        {{"draw", m_strokes, "-o", m_picture, "--bend"}, cnExitFailure},
+        {{"draw", m_strokes, "-o", m_picture, "--tip", m_folder.path("none.png")}, cnExitFailure},
+        {{"draw", m_strokes, "-o", m_picture, "--tip", m_strokes}, cnExitFailure},
+        {{"draw", m_strokes, "-o", m_picture, "--tip", "builtin:star", "--blur", "3"}, cnExitFailure},
+        {{"draw", m_strokes, "-o", m_picture, "--tip", "builtin:star", "--clone-offset", "3,3"}, cnExitFailure},
+        {{"draw", m_strokes, "-o", m_picture, "--preset", "blur", "--clone-offset", "3,3"}, cnExitFailure},
+        {{"draw", m_strokes, "-o", m_picture, "--preset", "blur", "--size", "5000"}, cnExitFailure},
         {{"draw", m_strokes, "-o", m_picture, "--mask-offset", "1,2"}, cnExitUsage},
         {{"draw", m_strokes, "-o", m_picture, "--mask", "m.png", "--mask-offset", "1"}, cnExitUsage},
         {{"draw", m_strokes, "-o", m_picture, "--clone", "m.png", "--clone-offset", "1,99999999"}, cnExitUsage},

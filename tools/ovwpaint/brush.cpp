@@ -29,6 +29,8 @@ Brush Brush::scaled(double factor) const {
     brush.size.size = scaledLength(size.size, factor);
     brush.airbrush.sprayWidthAtFull = scaledLength(airbrush.sprayWidthAtFull, factor);
     brush.airbrush.sprayWidthAtZero = scaledLength(airbrush.sprayWidthAtZero, factor);
+    if (blurs())
+        brush.source.blurRadius = std::min(scaledLength(source.blurRadius, factor), cnMaxBlurRadius);
     if (interval.intervalMode == cnIntervalInPixels) {
         brush.interval.intervalAtFull = scaledLength(interval.intervalAtFull, factor);
         brush.interval.intervalAtZero = scaledLength(interval.intervalAtZero, factor);
@@ -54,7 +56,7 @@ double Brush::reach() const {
             ? 0.0
             : std::max(airbrush.sprayWidthAtFull, airbrush.sprayWidthControl != 0 ? airbrush.sprayWidthAtZero : 0) *
                   0.5;
-    return stamp + spray + cnEdge;
+    return stamp + spray + source.blurRadius + cnEdge;
 }
 
 void Brush::applyTo(XCPatternDrawParam& param) const {

@@ -7,9 +7,16 @@
 #include "ovwcmn/xcfastpixelmixer.h"
 #include "ovwcmn/xcpatterndrawparam.h"
 
+#include <cstddef>
 #include <string>
+#include <type_traits>
+#include <vector>
 
 namespace ovwpaint {
+
+inline constexpr int cnMaxBlurRadius = 200; ///< pixels
+/// How many tips a list may hold.
+inline constexpr std::size_t cnMostTips = std::extent_v<decltype(PDPARAM_PATTERN::patterns)>;
 
 /// How stamps meet the picture; see XCPatternDrawMethod::SetOffscreen.
 struct BrushMethod {
@@ -29,8 +36,27 @@ struct BrushTexture {
     int textureAfter = 0;
 };
 
+/// The pictures of image tips; see tips.h.
+struct BrushTips {
+    std::vector<std::string> patterns; ///< files or built-in tips, at most cnMostTips
+    int patternInvert = 0;             ///< 1: what is bright covers
+    float splatterSpread = 0.4f;       ///< of splatters, 0 to 1: from drops alike to small and large ones
+    float splatterSoftness = 0.2f;     ///< of their rims, 0 to 1
+    float splatterDensity = 0.2f;      ///< 0 to 1: from few drops to many
+};
+
+/// What a brush paints with in place of its colour, and where.
+struct BrushSource {
+    int cloneFlag = 0;  ///< 1: with other pixels of the picture
+    int cloneX = 0;     ///< pixel (x, y) is painted with (x + cloneX, y + cloneY)
+    int cloneY = 0;     ///< pixels of the picture
+    int blurRadius = 0; ///< with the mean of the pixels up to so many pixels away; 0: no blurring
+    std::string mask;   ///< a selection: a file or cnStencilMask; empty: everywhere
+};
+
 struct Brush {
-    PDPARAM_PATTERN pattern;
+    PDPARAM_PATTERN pattern; ///< without the tips themselves
+    BrushTips tips;
     PDPARAM_SIZE size;
     PDPARAM_COLOR color;
     PDPARAM_HARDNESS hardness;
@@ -42,7 +68,12 @@ struct Brush {
     PDPARAM_ETC etc;
     BrushMethod method;
     BrushTexture texture;
+    BrushSource source;
 
+    bool hasImageTips() const { return pattern.patternKind == XCPattern::cnKindImage; }
+    bool blurs() const { return source.blurRadius > 0; }
+    /// Whether stamps accumulate in a cache. Cloned and blurred pixels never meet it.
+    bool usesCache() const { return method.useCache != 0 && !source.cloneFlag && !blurs(); }
     bool erases() const { return method.methodKind == XCFastPixelMixer::Erase; }
     bool smudges() const {
         return method.methodKind == XCFastPixelMixer::Water || method.methodKind == XCFastPixelMixer::WaterMultiply;

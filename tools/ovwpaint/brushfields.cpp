@@ -12,6 +12,8 @@ constexpr int cnMaxByte = 255;
 constexpr int cnMaxLength = 10000;  // pixels
 constexpr int cnMaxPercent = 10000; // of the stamp's size
 constexpr int cnMaxComposition = XCFastPixelMixer::AddFade;
+constexpr int cnMaxTipOrder = 2;
+constexpr int cnMaxCloneOffset = 100000; // pixels
 constexpr int cnMaxCacheKind = 3;
 constexpr int cnMaxTextureMode = 3;
 constexpr int cnScaleBits = cnControlRandom | cnControlPressure | cnControlAuxScale | cnControlSpeed;
@@ -25,7 +27,9 @@ constexpr double cnMaxAngle = 100.0; // radians
 #field, [](Brush & brush) -> auto& { return brush.record.field; }
 
 constexpr std::array cnIntegerFields = {
-    IntegerField{FIELD(pattern, patternKind), 0, XCPattern::cnKindPolygon, false, tipNames},
+    IntegerField{FIELD(pattern, patternKind), 0, XCPattern::cnKindImage, false, tipNames},
+    IntegerField{FIELD(pattern, patternOrder), 0, cnMaxTipOrder, false, tipOrderNames},
+    IntegerField{FIELD(tips, patternInvert), 0, 1},
     IntegerField{FIELD(size, size), 1, cnMaxLength},
     IntegerField{FIELD(size, sizeMin), 0, cnMaxByte},
     IntegerField{FIELD(size, sizeControl), 0, cnScaleBits, true},
@@ -59,6 +63,7 @@ constexpr std::array cnIntegerFields = {
     IntegerField{FIELD(etc, overSampling), 0, 1},
     IntegerField{FIELD(etc, fadeStep), 0, cnMaxByte},
     IntegerField{FIELD(etc, continueFlag), 0, 1},
+    IntegerField{FIELD(etc, bendFlag), 0, 1},
     IntegerField{FIELD(etc, etcValue), 0, cnMaxLength},
     IntegerField{FIELD(method, useCache), 0, 1},
     IntegerField{FIELD(method, methodKind), 0, cnMaxComposition, false, compositionNames},
@@ -69,6 +74,10 @@ constexpr std::array cnIntegerFields = {
     IntegerField{FIELD(texture, textureMode), 0, cnMaxTextureMode, false, textureModeNames},
     IntegerField{FIELD(texture, textureDensity), -cnMaxTextureDensity, cnMaxTextureDensity},
     IntegerField{FIELD(texture, textureAfter), 0, 1},
+    IntegerField{FIELD(source, cloneFlag), 0, 1},
+    IntegerField{FIELD(source, cloneX), -cnMaxCloneOffset, cnMaxCloneOffset},
+    IntegerField{FIELD(source, cloneY), -cnMaxCloneOffset, cnMaxCloneOffset},
+    IntegerField{FIELD(source, blurRadius), 0, cnMaxBlurRadius},
 };
 
 constexpr std::array cnNumberFields = {
@@ -77,6 +86,9 @@ constexpr std::array cnNumberFields = {
     NumberField{FIELD(rotate, angle), -cnMaxAngle, cnMaxAngle},
     NumberField{FIELD(rotate, angleRange), -cnMaxAngle, cnMaxAngle},
     NumberField{FIELD(rotate, angleStep), 0.0, cnMaxAngle},
+    NumberField{FIELD(tips, splatterSpread), 0.0, 1.0},
+    NumberField{FIELD(tips, splatterSoftness), 0.0, 1.0},
+    NumberField{FIELD(tips, splatterDensity), 0.0, 1.0},
 };
 
 constexpr std::array cnColourFields = {

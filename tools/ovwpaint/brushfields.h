@@ -44,7 +44,10 @@ std::span<const ColourField> colourFields();
 /// What a texture's density is at most, either way.
 inline constexpr int cnMaxTextureDensity = 256;
 
+// Names of files, or of what needs no file.
 inline constexpr const char* cnTextureField = "texture";
+inline constexpr const char* cnMaskField = "mask";
+inline constexpr const char* cnPatternsField = "patterns"; ///< a list
 /// The two lists of points.
 inline constexpr const char* cnPolygonField = "polygon";
 inline constexpr const char* cnFixedPlotsField = "fixedPlots";

@@ -3,7 +3,9 @@
 #include "brushfields.h"
 #include "colour.h"
 #include "failure.h"
+#include "materials.h"
 #include "texture.h"
+#include "tips.h"
 
 #include <nlohmann/json.hpp>
 
@@ -34,6 +36,10 @@ public:
             throw Failure(m_name + ": a brush is a JSON object, this is " + json.type_name());
         for (const auto& [field, value] : json.items())
             assign(field, value);
+        if (!m_brush.tips.patterns.empty() && !json.contains("patternKind"))
+            m_brush.pattern.patternKind = XCPattern::cnKindImage;
+        if (m_brush.hasImageTips() && m_brush.tips.patterns.empty())
+            fail("patternKind", std::string("image tips are needed in \"") + cnPatternsField + "\"");
         return m_brush;
     }
 
@@ -45,6 +51,8 @@ private:
     void assignNumber(const NumberField& field, const Json& value);
     void assignColour(const ColourField& field, const Json& value);
     void assignTexture(const Json& value);
+    void assignMask(const Json& value);
+    void assignPatterns(const Json& value);
     void assignPolygon(const Json& value);
     void assignFixedPlots(const Json& value);
     std::string fileName(const std::string& field, const Json& value) const;
@@ -97,6 +105,10 @@ void BrushParser::assign(const std::string& name, const Json& value) {
     }
     if (name == cnTextureField)
         return assignTexture(value);
+    if (name == cnMaskField)
+        return assignMask(value);
+    if (name == cnPatternsField)
+        return assignPatterns(value);
     if (name == cnPolygonField)
         return assignPolygon(value);
     if (name == cnFixedPlotsField)
@@ -159,6 +171,24 @@ std::string BrushParser::fileName(const std::string& field, const Json& value) c
 void BrushParser::assignTexture(const Json& value) {
     const bool isBuiltIn = value.is_string() && value.get_ref<const std::string&>() == cnGrainTexture;
     m_brush.texture.texture = isBuiltIn ? cnGrainTexture : fileName(cnTextureField, value);
+}
+
+void BrushParser::assignMask(const Json& value) {
+    const bool isBuiltIn = value.is_string() && value.get_ref<const std::string&>() == cnStencilMask;
+    m_brush.source.mask = isBuiltIn ? cnStencilMask : fileName(cnMaskField, value);
+}
+
+void BrushParser::assignPatterns(const Json& value) {
+    if (!value.is_array())
+        fail(cnPatternsField, std::string("a list of the names of PNG files is needed, not ") + value.type_name());
+    if (value.empty() || value.size() > cnMostTips)
+        fail(cnPatternsField, std::to_string(value.size()) + " tips are out of range (1 to 32)");
+    for (const Json& tip : value) {
+        const bool isBuiltIn = tip.is_string() && tip.get_ref<const std::string&>().starts_with(cnBuiltInPrefix);
+        if (isBuiltIn && !isBuiltInTip(tip.get_ref<const std::string&>()))
+            fail(cnPatternsField, tip.dump() + " is none of " + builtInTipNames());
+        m_brush.tips.patterns.push_back(isBuiltIn ? tip.get<std::string>() : fileName(cnPatternsField, tip));
+    }
 }
 
 tagPOINTD BrushParser::point(const std::string& field, const Json& value, double limit) const {
@@ -240,6 +270,10 @@ std::string formatBrush(const Brush& brush) {
         json[field.name] = shortest(field.in(copy));
     if (!copy.texture.texture.empty())
         json[cnTextureField] = copy.texture.texture;
+    if (!copy.source.mask.empty())
+        json[cnMaskField] = copy.source.mask;
+    if (!copy.tips.patterns.empty())
+        json[cnPatternsField] = copy.tips.patterns;
     if (copy.pattern.polygon.GetSize() > 0)
         json[cnPolygonField] = pointList(&copy.pattern.polygon[0], copy.pattern.polygon.GetSize());
     if (copy.airbrush.sprayFlags & cnSprayFixedPlots)

@@ -11,35 +11,13 @@
 #include "pngimport.h"
 #include "presets.h"
 #include "progress.h"
-
-#include "ovwcmn/xcfilepath.h"
-#include "ovwcmn/xcvirtualmemory.h"
+#include "store.h"
 
 #include <filesystem>
 
 namespace ovwpaint {
 
 namespace {
-
-/// The process-wide block store for as long as pictures are on it.
-class Store {
-public:
-    Store(int memoryMiB, const std::string& folder) {
-        constexpr int cnMiBShift = 20;
-        const std::uint32_t budget = static_cast<std::uint32_t>(memoryMiB) << cnMiBShift;
-        if (folder.empty()) {
-            xcGetVirtualMemory()->Create(budget, nullptr, 1);
-            return;
-        }
-        if (!std::filesystem::is_directory(folder))
-            throw Failure(folder + ": no such folder for the swap file");
-        XCFilePath path = xcPathFromPosix((std::filesystem::absolute(folder) / "").c_str());
-        xcGetVirtualMemory()->Create(budget, &path, 1);
-    }
-    ~Store() { xcGetVirtualMemory()->Destroy(); }
-    Store(const Store&) = delete;
-    Store& operator=(const Store&) = delete;
-};
 
 void changeTexture(BrushTexture& texture, const DrawOptions& options) {
     if (!options.texture.empty())
@@ -48,6 +26,46 @@ void changeTexture(BrushTexture& texture, const DrawOptions& options) {
     texture.textureDensity = options.textureDensity.value_or(texture.textureDensity);
     if (options.textureAfter)
         texture.textureAfter = 1;
+}
+
+void changeTips(Brush& brush, const DrawOptions& options) {
+    if (options.tips.size() > cnMostTips)
+        throw Failure("--tip: more than " + std::to_string(cnMostTips) + " tips");
+    if (!options.tips.empty()) {
+        brush.pattern.patternKind = XCPattern::cnKindImage;
+        brush.tips.patterns = options.tips;
+    }
+    brush.pattern.patternOrder = options.tipOrder.value_or(brush.pattern.patternOrder);
+    if (options.tipInvert)
+        brush.tips.patternInvert = 1;
+    if (options.bend)
+        brush.etc.bendFlag = 1;
+}
+
+void changeSource(BrushSource& source, const DrawOptions& options) {
+    source.blurRadius = options.blurRadius.value_or(source.blurRadius);
+    if (!options.mask.empty())
+        source.mask = options.mask;
+    if (!options.pictures.clone.empty()) {
+        if (!source.cloneFlag)
+            source.cloneX = source.cloneY = 0;
+        source.cloneFlag = 1;
+    }
+    if (options.cloneOffset) {
+        source.cloneX = options.cloneOffset->x;
+        source.cloneY = options.cloneOffset->y;
+        source.cloneFlag = 1;
+    }
+}
+
+/// Combinations that the library has no way to paint.
+void checkBrush(const Brush& brush) {
+    if (brush.hasImageTips() && (brush.blurs() || brush.source.cloneFlag))
+        throw Failure(std::string("image tips cannot ") + (brush.blurs() ? "blur" : "clone"));
+    if (brush.etc.bendFlag && !brush.hasImageTips())
+        throw Failure("a brush that bends needs an image tip (--tip)");
+    if (brush.blurs() && brush.source.cloneFlag)
+        throw Failure("a brush cannot both clone and blur");
 }
 
 Brush chooseBrush(const DrawOptions& options) {
@@ -59,9 +77,20 @@ Brush chooseBrush(const DrawOptions& options) {
         brush.setComposition(*options.composition);
     brush.method.cacheKind = options.cacheKind.value_or(brush.method.cacheKind);
     changeTexture(brush.texture, options);
-    if (!options.pictures.clone.empty())
-        brush.method.useCache = 0; // cloned pixels never meet the cache, nor does the opacity there
+    changeTips(brush, options);
+    changeSource(brush.source, options);
+    checkBrush(brush);
     return options.brushSize ? brush.scaled(static_cast<double>(*options.brushSize) / brush.size.size) : brush;
+}
+
+/// Blurring keeps what is under a stamp in memory.
+Brush scaledBrush(const Brush& brush, double factor) {
+    constexpr int cnMostBlurred = 2000; // pixels
+    Brush scaled = brush.scaled(factor);
+    if (scaled.blurs() && scaled.size.size > cnMostBlurred)
+        throw Failure("a brush that blurs may be " + std::to_string(cnMostBlurred) + " pixels wide, not " +
+                      std::to_string(scaled.size.size));
+    return scaled;
 }
 
 /// An eraser needs something to take away; a backdrop is that.
@@ -90,7 +119,9 @@ Layout chooseLayout(const DrawOptions& options, const InkSurvey& survey, const B
 /// coverage; in 24 bits beyond the plainest compositions; below 8 bits what smudges.
 int paintingDepth(const DrawOptions& options, const Brush& brush) {
     constexpr int cnColourDepth = 32;
-    const bool isPlain = brush.method.methodKind <= XCFastPixelMixer::Erase && options.pictures.clone.empty();
+    const bool isPlain = brush.method.methodKind <= XCFastPixelMixer::Erase && !brush.source.cloneFlag;
+    if (brush.blurs())
+        return cnColourDepth;
     switch (options.depth) {
     case 1:
     case 2: return brush.smudges() ? cnColourDepth : options.depth;
@@ -111,8 +142,10 @@ Brush adaptToDepth(Brush brush, int depth) {
 
 void refuseToReplaceInput(const DrawOptions& options) {
     std::error_code ignored;
-    for (const std::string& input : {options.strokes, options.brushFile, options.texture, options.pictures.mask,
-                                     options.pictures.clone, options.backdrop}) {
+    std::vector<std::string> inputs = {options.strokes, options.brushFile,      options.texture,
+                                       options.mask,    options.pictures.clone, options.backdrop};
+    inputs.insert(inputs.end(), options.tips.begin(), options.tips.end());
+    for (const std::string& input : inputs) {
         if (!input.empty() && std::filesystem::equivalent(input, options.output, ignored))
             throw Failure(options.output + ": the output would replace the input");
     }
@@ -160,13 +193,15 @@ void drawPicture(const DrawOptions& options) {
     OutputFile output(options.output); // before the work, so that a bad path is known at once
     const Store store(options.memory, options.swapFolder);
     const int depth = paintingDepth(options, chosen);
-    Materials materials(chosen, options.pictures, depth);
-    Canvas canvas(layout.width, layout.height, depth, chooseBackground(options, chosen), chosen.method.useCache != 0);
+    const Brush brush = scaledBrush(adaptToDepth(chosen, options.depth), layout.scale);
+    Canvas canvas(layout.width, layout.height, depth, chooseBackground(options, chosen),
+                  brush.usesCache() || brush.source.cloneFlag);
+    xcSetRandomSeed(options.seed);
+    Materials materials(brush, options.pictures, canvas);
     if (backdrop)
         canvas.paste(*backdrop);
-    xcSetRandomSeed(options.seed);
     {
-        Painter painter(canvas, adaptToDepth(chosen, options.depth).scaled(layout.scale), materials, options.joining);
+        Painter painter(canvas, brush, materials, options.joining);
         paint(document, painter, layout.mapping(Painter::cnUnitsPerPixel), options.joining, progress,
               survey.sampleCount);
     }

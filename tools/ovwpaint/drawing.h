@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace ovwpaint {
 
@@ -32,7 +33,14 @@ struct DrawOptions {
     std::string texture;
     std::optional<int> textureMode;
     std::optional<int> textureDensity;
-    bool textureAfter = false; ///< set it; else the brush's own
+    bool textureAfter = false;     ///< set it; else the brush's own
+    std::vector<std::string> tips; ///< image tips instead of the brush's tip; likewise below
+    std::optional<int> tipOrder;
+    bool tipInvert = false;
+    bool bend = false;
+    std::optional<int> blurRadius;
+    std::string mask;
+    std::optional<XCPoint> cloneOffset;
     PictureWish pictures;
     std::string backdrop; ///< a picture to paint on
     Joining joining = Joining::Smooth;

@@ -39,6 +39,7 @@ Painter::Painter(Canvas& canvas, const Brush& brush, Materials& materials, Joini
     : m_canvas(canvas), m_brush(brush), m_reach(brush.reach() * cnUnitsPerPixel),
       m_stroke(joining == Joining::Straight ? static_cast<XCStroke&>(m_polyline) : m_bezier) {
     m_brush.applyTo(m_param);
+    materials.applyTo(m_param);
     materials.applyTo(m_method);
     PDOFFSCREENINFO info;
     info.scale = cnUnitsPerPixel;
@@ -63,7 +64,7 @@ void Painter::start(const XCStrokePoint& point) {
 /// The engine's own switch for painting without a cache would also turn the method 1 into 0; leaving the reference out
 /// keeps the method.
 void Painter::beginStroke() {
-    m_method.SetOffscreen(&m_canvas.image(), 1, m_brush.method.useCache != 0 ? m_canvas.before() : nullptr, &m_param,
+    m_method.SetOffscreen(&m_canvas.image(), 1, m_brush.usesCache() ? m_canvas.before() : nullptr, &m_param,
                           m_brush.method.methodKind, m_brush.method.cacheKind, m_brush.method.methodFlag,
                           m_brush.method.densityFlag, m_brush.method.lowDepthSoft);
     m_method.BeginMethod();

@@ -1,7 +1,9 @@
 #include "presets.h"
 
 #include "colour.h"
+#include "materials.h"
 #include "texture.h"
+#include "tips.h"
 
 #include <array>
 #include <cmath>
@@ -13,7 +15,19 @@ namespace {
 
 // The kinds of stroke cache, as XCPatternDrawMethod::SetOffscreen numbers them.
 constexpr int cnCacheOver = 0;    // every stamp covers some more of what is left
+constexpr int cnCacheCapped = 1;  // never beyond the stroke's opacity
 constexpr int cnCacheMaximum = 2; // the strongest stamp counts
+constexpr int cnCacheSum = 3;     // stamps add up
+
+// The modes of textures, as XCFastPixelMixer::SetTexture numbers them.
+constexpr int cnModeBias = 0;
+constexpr int cnModeScale = 1;
+constexpr int cnModeSubtract = 2;
+constexpr int cnModeLimit = 3;
+
+// The orders of tips in a list.
+constexpr int cnOrderBackAndForth = 1;
+constexpr int cnOrderRandom = 2;
 
 constexpr int cnIntervalByFields = 3;
 constexpr int cnIntervalPercent = 2;
@@ -102,7 +116,6 @@ void makeTaperedEllipse(Brush& brush) {
 
 /// The grain takes from the paint, so that pressing harder fills it.
 void makeChalk(Brush& brush) {
-    constexpr int cnModeSubtract = 2;
     setSize(brush, 22, 200, cnControlPressure);
     brush.color = {packColour(60, 80, 130), brush.color.subColor, 255, 90, cnControlPressure};
     brush.hardness.hardness = 170;
@@ -134,6 +147,163 @@ void makeSmudge(Brush& brush) {
     setMethod(brush, XCFastPixelMixer::Water, cnCacheOver);
 }
 
+void setTips(Brush& brush, std::vector<std::string> patterns) {
+    brush.pattern.patternKind = XCPattern::cnKindImage;
+    brush.tips.patterns = std::move(patterns);
+}
+
+void makeStars(Brush& brush) {
+    setTips(brush, {"builtin:star"});
+    setSize(brush, 24, 90, cnControlPressure);
+    brush.color.drawColor = packColour(214, 150, 20);
+    setSpacing(brush, 130);
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheOver);
+}
+
+/// The hairs lie across the stroke, whatever its direction.
+void makeBristle(Brush& brush) {
+    setTips(brush, {"builtin:bristle"});
+    setSize(brush, 28, 120, cnControlPressure);
+    brush.color.drawColor = packColour(150, 60, 40);
+    brush.rotate.angleRange = cnPi;
+    brush.rotate.angleControl = cnRotateDirection;
+    setSpacing(brush, 4);
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheMaximum);
+}
+
+/// Three pictures in their own colours, turned and scattered at random.
+void makeLeaves(Brush& brush) {
+    setTips(brush, {"builtin:leaf-green", "builtin:leaf-gold", "builtin:leaf-red"});
+    brush.pattern.patternOrder = cnOrderRandom;
+    setSize(brush, 30, 130, cnControlRandom);
+    brush.rotate.angleRange = cnPi;
+    brush.rotate.angleControl = cnRotateRandom;
+    brush.airbrush.sprayFlags = cnSprayScatter;
+    brush.airbrush.sprayWidthAtFull = 46;
+    brush.airbrush.plotCountAtFull = 2;
+    setSpacing(brush, 50);
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheOver);
+}
+
+/// The leaves grow along the stroke, one colour after the other, forward and back again.
+void makeGarland(Brush& brush) {
+    setTips(brush, {"builtin:leaf-green", "builtin:leaf-gold", "builtin:leaf-red"});
+    brush.pattern.patternOrder = cnOrderBackAndForth;
+    setSize(brush, 26, 140, cnControlPressure);
+    brush.rotate.angleRange = cnPi;
+    brush.rotate.angleControl = cnRotateDirection;
+    setSpacing(brush, 70);
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheOver);
+}
+
+void makeSplatter(Brush& brush) {
+    setTips(brush, {cnSplatterTip, cnSplatterTip, cnSplatterTip, cnSplatterTip});
+    brush.pattern.patternOrder = cnOrderRandom;
+    setSize(brush, 60, 60, cnControlPressure | cnControlRandom);
+    brush.color.drawColor = packColour(20, 24, 40);
+    brush.rotate.angleRange = cnPi;
+    brush.rotate.angleControl = cnRotateRandom;
+    setSpacing(brush, 60);
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheOver);
+}
+
+void makeRope(Brush& brush) {
+    setTips(brush, {"builtin:rope"});
+    setSize(brush, 20, 160, cnControlPressure);
+    brush.etc.bendFlag = 1;
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheMaximum);
+}
+
+void makeDryBrush(Brush& brush) {
+    setTips(brush, {"builtin:dry-strip"});
+    setSize(brush, 26, 100, cnControlPressure);
+    brush.color.drawColor = packColour(40, 60, 110);
+    brush.etc.bendFlag = 1;
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheMaximum);
+}
+
+/// A broad soft line with a texture.
+void makeGrainy(Brush& brush, Colour colour, int mode, int density, int after) {
+    setSize(brush, 24, 190, cnControlPressure);
+    brush.color = {colour, brush.color.subColor, 255, 60, cnControlPressure};
+    brush.hardness.hardness = 150;
+    setSpacing(brush, 6);
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheMaximum);
+    brush.texture = {cnGrainTexture, mode, density, after};
+    brush.method.lowDepthSoft = 1;
+}
+
+void makePastel(Brush& brush) { makeGrainy(brush, packColour(200, 90, 120), cnModeBias, -96, 0); }
+void makeCharcoal(Brush& brush) { makeGrainy(brush, packColour(40, 38, 36), cnModeScale, 0, 1); }
+void makeCrayon(Brush& brush) { makeGrainy(brush, packColour(30, 130, 90), cnModeLimit, 0, 0); }
+
+void makeStencil(Brush& brush) {
+    makeAirbrush(brush);
+    brush.color.drawColor = packColour(200, 80, 30);
+    brush.source.mask = cnStencilMask;
+}
+
+/// Stamps become one even layer, however often the pen goes over them.
+void makeInkWash(Brush& brush) {
+    setSize(brush, 30, 150, cnControlPressure);
+    brush.color = {packColour(60, 70, 90), brush.color.subColor, 110, 60, cnControlPressure};
+    brush.hardness.hardness = 60;
+    setSpacing(brush, 10);
+    setMethod(brush, XCFastPixelMixer::Normal, cnCacheCapped);
+    brush.method.lowDepthSoft = 1;
+}
+
+/// Light that adds up where the pen lingers.
+void makeGlow(Brush& brush) {
+    setSize(brush, 26, 150, cnControlPressure);
+    brush.color = {packColour(255, 190, 90), brush.color.subColor, 200, 10, cnControlPressure};
+    brush.hardness.hardness = 0;
+    setSpacing(brush, 8);
+    setMethod(brush, XCFastPixelMixer::Screen, cnCacheSum);
+    brush.method.densityFlag = 1;
+}
+
+void makeHighlighter(Brush& brush) {
+    setSize(brush, 20, 235, cnControlPressure);
+    brush.color.drawColor = packColour(255, 240, 60);
+    setSpacing(brush, 5);
+    setMethod(brush, XCFastPixelMixer::Multiply, cnCacheMaximum);
+}
+
+void makeTone(Brush& brush, int composition) {
+    setSize(brush, 40, 150, cnControlPressure);
+    brush.color = {packColour(110, 110, 110), brush.color.subColor, 160, 60, cnControlPressure};
+    brush.hardness.hardness = 0;
+    setSpacing(brush, 8);
+    setMethod(brush, composition, cnCacheCapped);
+}
+
+void makeDodge(Brush& brush) { makeTone(brush, XCFastPixelMixer::ColorDodge); }
+void makeBurn(Brush& brush) { makeTone(brush, XCFastPixelMixer::ColorBurn); }
+
+/// Water whose colour darkens what it goes over, as glazes do.
+void makeWatercolour(Brush& brush) {
+    makeWater(brush);
+    brush.color.drawColor = packColour(90, 150, 200);
+    brush.mixColor.mixColor = 150;
+    setMethod(brush, XCFastPixelMixer::WaterMultiply, cnCacheOver);
+}
+
+void makeCloneStamp(Brush& brush) {
+    setSize(brush, 40, 200, cnControlPressure);
+    brush.hardness.hardness = 130;
+    setSpacing(brush, 6);
+    brush.source.cloneFlag = 1;
+    brush.source.cloneX = brush.source.cloneY = -40;
+}
+
+void makeBlur(Brush& brush) {
+    setSize(brush, 36, 200, cnControlPressure);
+    brush.hardness.hardness = 60;
+    setSpacing(brush, 12);
+    brush.source.blurRadius = 6;
+}
+
 constexpr std::array cnPresets = {
     Preset{"ink-pen", "crisp dark line, as wide as the pen is pressed", makeInkPen},
     Preset{"pencil", "soft grey line, darker under pressure", makePencil},
@@ -144,6 +314,26 @@ constexpr std::array cnPresets = {
     Preset{"chalk", "grainy, fuller under pressure", makeChalk},
     Preset{"water", "wet blue paint that takes up the colours it goes over", makeWater},
     Preset{"smudge", "drags along the colours of the picture, has none itself", makeSmudge},
+    Preset{"watercolour", "glazes that darken what is below, mixed with it", makeWatercolour},
+    Preset{"blur", "softens what is there", makeBlur},
+    Preset{"clone-stamp", "paints with what lies to the left and above, or with another picture (--clone)",
+           makeCloneStamp},
+    Preset{"pastel", "grain that weakens the paint by its own amount (texture mode bias)", makePastel},
+    Preset{"charcoal", "grain over the whole stroke, not its stamps (texture mode scale, after)", makeCharcoal},
+    Preset{"crayon", "grain that lets only so much through (texture mode limit)", makeCrayon},
+    Preset{"stencil", "spray through a mask with round holes", makeStencil},
+    Preset{"ink-wash", "even grey layer, never beyond its opacity (cache over-capped)", makeInkWash},
+    Preset{"glow", "light that adds up where the pen lingers (screen, cache sum)", makeGlow},
+    Preset{"highlighter", "yellow that leaves dark lines readable (multiply)", makeHighlighter},
+    Preset{"dodge", "brightens what is there (color-dodge)", makeDodge},
+    Preset{"burn", "darkens what is there (color-burn)", makeBurn},
+    Preset{"stars", "a row of stars, from a tip in black and white", makeStars},
+    Preset{"bristle", "streaks of hairs across the stroke, from a grey tip", makeBristle},
+    Preset{"leaves", "scattered leaves in three colours of their own (list of tips, random)", makeLeaves},
+    Preset{"garland", "leaves along the stroke (list of tips, back and forth)", makeGarland},
+    Preset{"splatter", "blots and drops of ink, each another one", makeSplatter},
+    Preset{"rope", "a picture bent along the stroke, in its own colours", makeRope},
+    Preset{"dry-brush", "a grey picture bent along the stroke: streaks that follow every turn", makeDryBrush},
 };
 
 } // namespace
