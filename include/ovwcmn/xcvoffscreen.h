@@ -11,10 +11,15 @@
 #include "ovwcmn/xcvoffscreenedits.h"
 
 #include <cstdint>
+#include <memory>
 
+class IXCAbort;
+class XCArchive;
 class XCFastPixelMixer;
 class XCSwapBlock;
 class XCVirtualMemory;
+class XCVOffscreenBackup;
+class XCVOffscreenCache;
 
 namespace ovw::vimage {
 class HeldBlocks;
@@ -44,12 +49,33 @@ public:
     int AllocateRect(const XCRect& rect, XCRect* out) override;
     int DeallocateBlock(DEALLOCATE_BLOCK_TYPE type) override;
     int DeallocateRect(XCRect rect, XCPoint& offset) override;
+    int Copy(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int flag) override;
+    void StretchCopy(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int sw, int sh) override;
+    void ChangeResolutionLow(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int sw, int sh,
+                             int merge) override;
+    void ChangeResolutionHalf(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) override;
+    void ChangeResolutionQuarter(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) override;
+    void ChangeResolutionOctantal(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) override;
+    void ChangeResolutionHalfAll(XCVOffscreen* src) override;
+    void ChangeResolutionQuarterAll(XCVOffscreen* src) override;
+    void ChangeResolutionOctantalAll(XCVOffscreen* src) override;
+    void ChangeResolutionDouble(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) override;
+    void ChangeResolutionFourfold(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) override;
+    void ChangeResolutionDoubleAll(XCVOffscreen* src) override;
+    void ChangeResolutionFourfoldAll(XCVOffscreen* src) override;
+    void CalcPixelValue(const _XCRESOLUTIONTABLE* columns, const _XCRESOLUTIONTABLE* rows, int x, int y, double scale,
+                        std::uint32_t& out) override;
     using XCVOffscreenInterface::RectFill;
 
     // ---- Making images
     /// A new empty image of depth 1, 2, 8, 16, 24 or 32; null for any other. The caller owns it.
     static XCVOffscreen* CreateOffscreen(int depth);
     static void DeleteOffscreen(XCVOffscreen* image);
+    /// New owners with images of that depth, which Create gives their size; null for a depth that does not exist.
+    static XCVOffscreenCache* CreateOffscreenCache(int depth);
+    static void DeleteOffscreenCache(XCVOffscreenCache* cache);
+    static XCVOffscreenBackup* CreateOffscreenBackup(int depth);
+    static void DeleteOffscreenBackup(XCVOffscreenBackup* backup);
     /// A new empty image of the same depth and size on the same store; the caller owns it.
     XCVOffscreen* CreateSameSizeOffscr() const;
     XCVOffscreen* CreateSameSizeOffscr(double resolution) const;
@@ -81,7 +107,7 @@ public:
     void AlphaMergePixel(std::uint32_t colour, std::uint32_t current, int x, int y);
     /// The same for 32-bit pixels in memory; the result goes to dst.
     static void AlphaMergePixelCore(const std::uint8_t* src, std::uint8_t* dst);
-    /// As AlphaMergePixel, but only where current has some alpha; an opaque current is tinted too.
+    /// As AlphaMergePixel, but only where current has some alpha.
     void AlphaMergeColorPixel(std::uint32_t colour, std::uint32_t current);
 
     // ---- Moving pixels
@@ -89,6 +115,30 @@ public:
     /// is cleared there. From 16 bits on, pixels without coverage stay on both sides. Nothing happens for other images.
     void Move(int x, int y, int w, int h, XCVOffscreen* src);
     void MoveAndRevision(int x, int y, int w, int h, XCVOffscreen* src);
+
+    // ---- Streams. An image is loaded, or it is packed: it has no blocks then, keeps their stream form in memory, and
+    // expands it at the next lock. What a damaged stream makes the readers throw: 0x2001000B when it contradicts
+    // itself, 0x20010008 when it ends early, 8 when a block does not expand, 0x2001000C for versions of the future.
+    static void Write(XCArchive& archive, XCVOffscreen* image, int compress);
+    /// A new loaded image on the process's store; the caller owns it. abort (may be null) is asked before each block,
+    /// its yes throws 0x20010004.
+    static XCVOffscreen* Read(XCArchive& archive, IXCAbort* abort);
+    /// A new packed image on the process's store; the caller owns it.
+    static XCVOffscreen* ReadHeader(XCArchive& archive);
+    /// What the next stream says of its image, which is skipped. Pointers may be null. Always 1.
+    static int ReadHeader(int* width, int* height, int* depth, double* resolution, XCArchive& archive);
+    /// Reads a stream into this image, which becomes packed. 0 when size, depth or resolution differ; nothing changes
+    /// then, nor after an error.
+    int ReadHeaderSelf(XCArchive& archive);
+    /// Packs an image in memory; nothing happens unless it is loaded and not locked.
+    static void Write(XCVOffscreen* image, int compress);
+    /// With load expands the packed pixels, else drops them; dropPacked frees the packed form after expanding. After an
+    /// error the image is packed as before.
+    void LoadImageA(int load, int dropPacked);
+    /// Expands the blocks that rects list, by their top-left pixels, into target, an image of the same size and depth.
+    void LoadImageBlock(const XCTArray<tagRECT, 0>& rects, XCVOffscreen* target) const;
+    void ClearDelayData() { m_packed = ovw::vimage::PackedPixels(); } ///< Frees the packed form.
+    int CanFastWrite() const; ///< Whether packed pixels are there that are this image's.
 
     // ---- Freeing and protecting blocks
     /// Each answers 1 when any block was freed; with countEdit 1 a freed block counts as edited.
@@ -226,10 +276,14 @@ private:
     friend class ovw::vimage::HeldBlocks;
     struct Growth;
 
+    void adopt(ovw::vimage::PackedPixels packed);
+    bool hasUsablePacked() const;
+    void expand(const ovw::vimage::PackedPixels& packed);
     std::uint8_t* lockSwapBlock(XCSwapBlock* swapBlock, int edit, bool isNew);
     void createSwapBlock(int index);
     int freeCell(int index, int countEdit);
     void protect(XCSwapBlock& swapBlock, bool isProtected) const;
+    std::unique_ptr<XCVOffscreen> createTurned(int width, int height) const;
     void layOutGrid(int width, int height);
     Growth planGrowth(const XCRect& rect) const;
     void clearHiddenPixels(bool right, bool bottom);

@@ -65,7 +65,8 @@ public:
     std::uint8_t* GetABSProtectAddress(int index) const;
     /// As above by pixel; with pixel 1 the address of that very pixel.
     std::uint8_t* GetABSProtectAddress(int x, int y, int pixel) const;
-    /// Bytes of the blocks (of the resident ones only when residentOnly is set). packed asks for delayed pixels' size.
+    /// Bytes of the blocks (of the resident ones only when residentOnly is set). packed 1 asks for the
+    /// size that packed pixels expand to at most.
     std::uint64_t GetUsedMemory(int residentOnly, int packed) const;
 
 protected:

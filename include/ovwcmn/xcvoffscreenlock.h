@@ -5,6 +5,7 @@
 /// Scoped guards of tiled images. None owns its image; each must end before the image does, on the image's thread.
 
 #include "ovwcmn/ovwdefs.h"
+#include "ovwcmn/xcgeometry.h"
 
 class XCVOffscreen;
 
@@ -68,6 +69,23 @@ public:
 private:
     XCVOffscreen* m_image = nullptr;
     int m_savedEditMode = 0;
+};
+
+/// Gives the image to read a rectangle from: of a packed image, which stays packed, a temporary one that holds the
+/// blocks of the rectangle. It lives as long as the guard, and not longer than until its next Lock.
+class OVWCMN_API XCVOffscreenLoadLock {
+public:
+    XCVOffscreenLoadLock() = default;
+    XCVOffscreenLoadLock(const XCVOffscreenLoadLock&) = delete;
+    XCVOffscreenLoadLock& operator=(const XCVOffscreenLoadLock&) = delete;
+    virtual ~XCVOffscreenLoadLock();
+
+    /// Throws what LoadImageBlock of the image throws.
+    XCVOffscreen* Lock(XCVOffscreen* image, XCRect rect);
+    void Unlock();
+
+private:
+    XCVOffscreen* m_part = nullptr;
 };
 
 #endif // OVWCMN_XCVOFFSCREENLOCK_H

@@ -4,6 +4,7 @@
 /// @file
 /// What a tiled image is besides its pixels, and colour arithmetic that needs no image. Part of XCVOffscreen.
 
+#include "ovwcmn/detail/packedpixels.h"
 #include "ovwcmn/ovwdefs.h"
 #include "ovwcmn/xcgeometry.h"
 #include "ovwcmn/xcvoffscreenblock.h"
@@ -24,6 +25,7 @@ public:
     void GetClearColor(std::uint32_t* colour) const;
     void SetClearColor(std::uint8_t value) { m_clearByte = value; }     ///< Of 1-, 2- and 8-bit images.
     void SetClearColor(std::uint32_t colour) { m_clearColor = colour; } ///< Of 16-, 24- and 32-bit images.
+    void SetClearColor(unsigned long colour) { SetClearColor(static_cast<std::uint32_t>(colour)); }
     void SetClearColor(int value); ///< The byte up to 8 bits, else the colour, so that a plain number needs no cast.
     void GetMaskColor(std::uint32_t* colour) const;
     void SetMaskColor(std::uint32_t colour) { m_maskColor = colour; }
@@ -75,7 +77,7 @@ protected:
     int m_specialty = 0;
     ovw::vimage::PixelRules m_rules;
     int m_loadImage = 1;
-    XCRect m_storedExtent; // of pixels that are still to be loaded
+    ovw::vimage::PackedPixels m_packed; // the pixels, as far as they are still to be loaded, or a copy of them
 };
 
 #endif // OVWCMN_XCVOFFSCREENSETTINGS_H

@@ -21,6 +21,8 @@ int XCVOffscreen::freeCell(int index, int countEdit) {
         return 0;
     if (index == m_cursor.index)
         releaseCurrentBlock();
+    if (m_loadImage)
+        ClearDelayData(); // a copy that still has the block
     m_blocks[index].SetSwapBlock(nullptr, countEdit);
     m_vm->Free(swapBlock);
     return 1;

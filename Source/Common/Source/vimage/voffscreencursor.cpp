@@ -10,6 +10,10 @@
 #include <cstring>
 
 void XCVOffscreen::Lock(int x, int y, int edit) {
+    if (!m_loadImage)
+        LoadImageA(1, edit != 0);
+    else if (edit)
+        ClearDelayData(); // a copy of pixels that are about to change
     const int editModeBefore = m_editMode;
     ++m_lockCount;
     if (edit)

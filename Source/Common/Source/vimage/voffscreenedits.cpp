@@ -13,8 +13,8 @@ XCVOffscreen& XCVOffscreenEdits::image() { return static_cast<XCVOffscreen&>(*th
 
 int XCVOffscreenEdits::GetExtentRect(tagRECT& out, tagRECT* limit, int useStored) {
     if (useStored == 1 && !m_loadImage) {
-        out = m_storedExtent;
-        return !m_storedExtent.IsRectEmpty();
+        out = m_packed.extent;
+        return !m_packed.extent.IsRectEmpty();
     }
     const XCVOffscreenAutoLock lock(&image(), 0);
     const XCVOffscreenEditLock noNewBlocks(&image());

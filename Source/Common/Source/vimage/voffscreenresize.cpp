@@ -93,6 +93,8 @@ int XCVOffscreen::AllocateRect(const XCRect& rect, XCRect* out) {
             *out = GetRect();
         return 1;
     }
+    if (!m_loadImage)
+        LoadImageA(1, 1); // packed pixels are those of the old size
     const Growth growth = planGrowth(rect);
     const bool hadBlock = m_cursor.IsEnable();
     releaseCurrentBlock();
@@ -193,6 +195,8 @@ int XCVOffscreen::DeallocateBlock(DEALLOCATE_BLOCK_TYPE type) {
     int& blocks = isColumn ? m_blocksAcross : m_blocksDown;
     if (blocks < 2)
         return 0;
+    if (!m_loadImage)
+        LoadImageA(1, 1);
     const bool hadBlock = m_cursor.IsEnable();
     releaseCurrentBlock();
     dropCells(isColumn ? (isFirst ? 0 : blocks - 1) : -1, isColumn ? -1 : (isFirst ? 0 : blocks - 1));

@@ -30,7 +30,7 @@ void XCVOffscreen::Initialize() {
     m_enableClear = 1;
     m_transparency = cnOpaque;
     m_loadImage = 1;
-    m_storedExtent.SetRectEmpty();
+    m_packed = PackedPixels();
     m_editLockChecker = 0;
 }
 
@@ -80,21 +80,4 @@ XCVOffscreen* XCVOffscreen::CreateSameSizeOffscr(double resolution) const {
     if (image)
         image->Create(m_vm, m_width, m_height, resolution);
     return image.release();
-}
-
-XCVOffscreen* XCVOffscreen::CreateAndCopyAll() {
-    std::unique_ptr<XCVOffscreen> copy(CreateSameSizeOffscr());
-    if (!copy)
-        return nullptr;
-    copy->m_clearByte = m_clearByte;
-    copy->m_clearColor = m_clearColor;
-    const XCVOffscreenAutoLock readLock(this, 0);
-    const XCVOffscreenEditLock noNewBlocks(this);
-    const XCVOffscreenAutoLock writeLock(copy.get(), 1);
-    const std::size_t blockBytes = static_cast<std::size_t>(m_rowBytes) * cnBlockSize;
-    forEachPart(*this, GetRect(), [&](const std::uint8_t* base, const XCRect& part) {
-        copy->MoveCursor(part.left, part.top);
-        std::memcpy(copy->GetBaseAddress(), base, blockBytes);
-    });
-    return copy.release();
 }

@@ -142,7 +142,9 @@ std::uint8_t* XCVOffscreenGrid::GetABSProtectAddress(int x, int y, int pixel) co
     return base && pixel == 1 ? addressIn(base, x, y) : base;
 }
 
-std::uint64_t XCVOffscreenGrid::GetUsedMemory(int residentOnly, int /*packed*/) const {
+std::uint64_t XCVOffscreenGrid::GetUsedMemory(int residentOnly, int packed) const {
+    if (packed == 1 && !m_loadImage)
+        return static_cast<std::uint64_t>(m_packed.blockCount) * static_cast<std::uint64_t>(m_rowBytes) * cnBlockSize;
     const XCCriticalSectionAutoLeave lock(&librarySection());
     std::uint64_t bytes = 0;
     for (const XCVOffscreenBlock& cell : m_blocks) {
