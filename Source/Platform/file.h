@@ -40,7 +40,8 @@ struct FileInformation {
     std::uint32_t attributes = 0;
     std::uint64_t length = 0; ///< bytes
     FileTimes times;
-    bool isLink = false; ///< the name is a symbolic link; the rest tells of its target, if it has one
+    bool isLink = false;    ///< the name is a symbolic link; the rest tells of its target, if it has one
+    bool isSpecial = false; ///< neither file nor folder: a pipe, a device, a link to nowhere
 };
 
 struct VolumeInformation {

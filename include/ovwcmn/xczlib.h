@@ -61,6 +61,7 @@ public:
                              std::uint8_t* chunk = nullptr, std::uint32_t chunkSize = 0);
     /// For readers that know the size, and faster: anything but `dstLen` bytes is an error (8). After an error `dst`
     /// holds no meaning.
+    void DecompressWhole(XCArchive& archive, void* dst, std::uint32_t dstLen);
     void DecompressWhole(XCArchive& archive, void* dst, std::uint32_t dstLen, std::uint8_t*& block,
                          std::uint32_t& capacity);
     void DecompressWhole(const void* src, void* dst, std::uint32_t dstLen, int bigEndian);

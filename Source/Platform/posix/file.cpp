@@ -109,6 +109,7 @@ int statxInformation(int descriptor, const char* posix, FileInformation& out) {
     if (::statx(descriptor, posix, flags, STATX_BASIC_STATS | STATX_BTIME, &status) != 0)
         return lastError();
     out.attributes = modeAttributes(status.stx_mode);
+    out.isSpecial = !S_ISREG(status.stx_mode) && !S_ISDIR(status.stx_mode);
     out.length = S_ISDIR(status.stx_mode) ? 0 : status.stx_size;
     out.times.creation = fileTime(status.stx_mask & STATX_BTIME ? status.stx_btime : status.stx_ctime);
     out.times.lastAccess = fileTime(status.stx_atime);
@@ -324,7 +325,8 @@ int PosixFileSystem::information(const std::string& path, FileInformation& out) 
     if (const int code = statxInformation(AT_FDCWD, posix.c_str(), found)) {
         if (!found.isLink)
             return code;
-        found.times.lastWrite = fileTime(status.st_mtim); // a link to nowhere is still an entry
+        found.isSpecial = true; // a link to nowhere is still an entry
+        found.times.lastWrite = fileTime(status.st_mtim);
     }
     finishAttributes(dosAttributes(posix), found);
     out = found;

@@ -1,6 +1,8 @@
 #include "persistence/filetime.h"
 
+#include "Utility/vxfile.h"
 #include "ovwcmn/xcexception.h"
+#include "ovwcmn/xcfile.h"
 #include "ovwcmn/xctime.h"
 
 #include <limits>
@@ -12,6 +14,15 @@ void setTime(XCTime& out, const platform::FileTime& time) {
     if (time.seconds < Limits::min() || time.seconds > Limits::max())
         xcThrowError(foundation::cnCodeTime);
     out = static_cast<std::int32_t>(time.seconds);
+}
+
+void setLastWrite(const XCFile& file, std::int64_t seconds) {
+    const auto handle = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(static_cast<void*>(file)));
+    platform::FileInformation information;
+    if (!vxGetFileInformation(handle, information))
+        return;
+    information.times.lastWrite = {seconds, 0};
+    vxSetFileTimes(handle, information.times);
 }
 
 FILETIME toFileTime(const platform::FileTime& time) {

@@ -7,6 +7,7 @@
 #include "ovwcmn/xcprogress.h"
 #include "ovwcmn/xcstring.h"
 #include "persistence/feal.h"
+#include "persistence/progressscope.h"
 #include "persistence/replacingfile.h"
 
 #include <algorithm>
@@ -20,6 +21,7 @@
 
 namespace persistence = ovw::persistence;
 using persistence::cnFealBlock;
+using persistence::ProgressScope;
 
 namespace {
 
@@ -41,28 +43,6 @@ Cipher& cipher() {
     static Cipher s_cipher;
     return s_cipher;
 }
-
-/// Tells the progress sink the end, however it comes.
-class ProgressScope {
-public:
-    ProgressScope(IXCProgress* progress, std::int64_t total) : m_progress(progress) {
-        constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
-        if (m_progress)
-            m_progress->Begin(static_cast<std::uint32_t>(std::clamp<std::int64_t>(total, 0, most)));
-    }
-    ~ProgressScope() {
-        if (m_progress)
-            m_progress->End();
-    }
-    ProgressScope(const ProgressScope&) = delete;
-    void step(std::uint32_t count) {
-        if (m_progress)
-            m_progress->Step(count);
-    }
-
-private:
-    IXCProgress* m_progress;
-};
 
 std::uint32_t paddedSize(std::uint32_t size) {
     constexpr std::uint32_t block = cnFealBlock;

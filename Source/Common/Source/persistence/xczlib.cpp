@@ -185,6 +185,11 @@ void XCZLib::DecompressWhole(XCArchive& archive, void* dst, std::uint32_t dstLen
     expandWhole(codec(), stream, bytesOf(dst, dstLen));
 }
 
+void XCZLib::DecompressWhole(XCArchive& archive, void* dst, std::uint32_t dstLen) {
+    FixedBlock block;
+    DecompressWhole(archive, dst, dstLen, block.address, block.capacity);
+}
+
 void XCZLib::DecompressWhole(const void* src, void* dst, std::uint32_t dstLen, int bigEndian) {
     expandWhole(codec(), streamIn(src, bigEndian), bytesOf(dst, dstLen));
 }

@@ -1,0 +1,256 @@
+#include "ovwcmn/xcfilecompression.h"
+
+#include "Platform/file.h"
+#include "Platform/systemerror.h"
+#include "Utility/vxfile.h"
+#include "ovwcmn/vxwutl.h"
+#include "ovwcmn/xcexception.h"
+#include "ovwcmn/xcfile.h"
+#include "ovwcmn/xcfindfile.h"
+#include "ovwcmn/xcprogress.h"
+#include "ovwcmn/xczlib.h"
+#include "persistence/extractedfile.h"
+#include "persistence/packedformat.h"
+#include "persistence/progressscope.h"
+#include "persistence/replacingfile.h"
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <vector>
+
+namespace platform = ovw::platform;
+using namespace ovw::persistence;
+
+namespace ovw::persistence {
+
+struct PackedItem {
+    XCFilePath path;
+    bool isFolder;
+};
+
+} // namespace ovw::persistence
+
+namespace {
+
+constexpr std::uint32_t cnSavingFlags = XCArchive::cnSaving | XCArchive::cnLittleEndian;
+constexpr std::uint32_t cnLoadingFlags = XCArchive::cnLoading | XCArchive::cnLittleEndian;
+constexpr int cnFolderDigits = 4;
+constexpr std::uint32_t cnKeptAttributes = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN;
+
+/// Closes the archive's file, whatever happens.
+class ArchiveScope {
+public:
+    explicit ArchiveScope(XCArchiveFile& archive) : m_archive(archive) {}
+    ~ArchiveScope() { m_archive.FileClose(); }
+    ArchiveScope(const ArchiveScope&) = delete;
+
+private:
+    XCArchiveFile& m_archive;
+};
+
+/// False, with the code in vxGetLastError(), when the path leads nowhere.
+bool lookAt(const XCFilePath& path, platform::FileInformation& information) {
+    const int code = platform::fileSystem().information(static_cast<const char*>(path), information);
+    if (code != 0)
+        vxSetLastError(code);
+    return code == 0;
+}
+
+bool isFolder(const platform::FileInformation& information) {
+    return information.attributes & platform::attributeFolder;
+}
+
+XCString packableName(const XCFilePath& path) {
+    XCString name;
+    path.GetFileName(name);
+    if (!isPlainName(name))
+        xcThrowError(platform::cnErrorInvalidName);
+    return name;
+}
+
+std::int32_t seconds32(std::int64_t seconds) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    return seconds < Limits::min() || seconds > Limits::max() ? -1 : static_cast<std::int32_t>(seconds);
+}
+
+/// The file's contents; `record` becomes what stands before them.
+XCPointer readFile(const XCFilePath& path, PackedFileRecord& record) {
+    platform::FileInformation information;
+    if (!lookAt(path, information))
+        xcThrowError(vxGetLastError());
+    record.time = seconds32(information.times.lastWrite.seconds);
+    record.attributes = information.attributes;
+    XCFile file;
+    file.Open(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, 0);
+    const std::int64_t size = file.GetLength();
+    if (size > std::numeric_limits<std::int32_t>::max())
+        xcThrowError(ovw::foundation::cnCodeParameter);
+    XCPointer contents;
+    std::uint32_t done = 0;
+    if (size > 0) {
+        contents.Alloc(static_cast<std::uint32_t>(size), 0);
+        file.Read(contents, static_cast<std::uint32_t>(size), &done);
+    }
+    record.size = static_cast<std::int32_t>(done);
+    return contents;
+}
+
+/// After time and contents. A volume that keeps no such attributes still takes the file.
+void restoreAttributes(const XCFilePath& path, std::uint32_t attributes) {
+    if (const std::uint32_t kept = attributes & cnKeptAttributes)
+        platform::fileSystem().setAttributes(static_cast<const char*>(path), kept);
+}
+
+void createNewFolder(const XCFilePath& folder) {
+    int created = 0, code = 0;
+    if (!vxCreateFolder(folder, &created, &code))
+        xcThrowError(code);
+}
+
+} // namespace
+
+XCFileCompression::XCFileCompression() = default;
+
+XCFileCompression::~XCFileCompression() = default;
+
+bool XCFileCompression::stepOrStop() {
+    if (m_progress)
+        m_progress->Step(1);
+    return m_abort && m_abort->IsAbort();
+}
+
+// ---- Packing --------------------------------------------------------------------------------------------------------
+
+int XCFileCompression::Compress(const XCFilePath& packedFile, const XCTArray<XCFilePath*>& items) {
+    ReplacingFile growing(packedFile, "ovw");
+    m_packedFile = packedFile;
+    m_growingFile = growing.path();
+    const std::vector<PackedItem> entries = itemsOf(items);
+    PackedHead head;
+    head.items = static_cast<std::uint32_t>(entries.size());
+    for (const PackedItem& entry : entries)
+        head.files += entry.isFolder ? static_cast<std::uint32_t>(GetFileCount(entry.path)) : 1;
+    const ProgressScope progress(m_progress, head.files);
+    m_archive.Init(cnSavingFlags, XCArchiveFile::cnCacheSize);
+    createForWriting(m_archive, growing.path(), 0, 0);
+    const ArchiveScope closing(m_archive);
+    writeHead(m_archive, head);
+    const int result = compressEntries(entries);
+    m_archive.FlushToDisk();
+    m_archive.FileClose();
+    growing.commit();
+    return result;
+}
+
+std::vector<PackedItem> XCFileCompression::itemsOf(const XCTArray<XCFilePath*>& paths) const {
+    std::vector<PackedItem> items;
+    for (const XCFilePath* const path : paths) {
+        platform::FileInformation information;
+        if (path && !isOwnFile(*path) && lookAt(*path, information) && !information.isSpecial)
+            items.push_back({*path, isFolder(information)});
+    }
+    return items;
+}
+
+std::vector<PackedItem> XCFileCompression::entriesOf(const XCFilePath& folder) const {
+    std::vector<PackedItem> entries;
+    XCFindFile search;
+    if (!search.First(folder))
+        xcThrowError(vxGetLastError());
+    do {
+        const XCFilePath& path = search.GetFilePath();
+        platform::FileInformation information;
+        if (search.IsParentFolder() || isOwnFile(path) || !lookAt(path, information))
+            continue;
+        const bool isLinkToFolder = information.isLink && isFolder(information); // it may lead in circles
+        if (!isLinkToFolder && !information.isSpecial)
+            entries.push_back({path, isFolder(information)});
+    } while (search.Next());
+    return entries;
+}
+
+int XCFileCompression::GetFileCount(const XCFilePath& folder) {
+    int count = 0;
+    for (const PackedItem& entry : entriesOf(folder))
+        count += entry.isFolder ? GetFileCount(entry.path) : 1;
+    return count;
+}
+
+int XCFileCompression::compressEntries(const std::vector<PackedItem>& entries) {
+    for (const PackedItem& entry : entries) {
+        m_archive << static_cast<std::uint16_t>(entry.isFolder ? PackedKind::folder : PackedKind::file);
+        if (!(entry.isFolder ? CompressFolder(entry.path) : CompressFile(entry.path)))
+            return 0;
+    }
+    return 1;
+}
+
+int XCFileCompression::CompressFolder(const XCFilePath& folder) {
+    const std::vector<PackedItem> entries = entriesOf(folder);
+    writeFolderRecord(m_archive, {packableName(folder), static_cast<std::uint32_t>(entries.size())});
+    return compressEntries(entries);
+}
+
+int XCFileCompression::CompressFile(const XCFilePath& file) {
+    if (stepOrStop())
+        return 0;
+    PackedFileRecord record;
+    record.name = packableName(file);
+    const XCPointer contents = readFile(file, record);
+    writeFileRecord(m_archive, record);
+    if (record.size > 0)
+        XCZLib().Compress(m_archive, contents.GetPointer(), static_cast<std::uint32_t>(record.size));
+    return 1;
+}
+
+// ---- Unpacking ------------------------------------------------------------------------------------------------------
+
+int XCFileCompression::Decompress(const XCFilePath& destFolder, const XCFilePath& packedFile) {
+    m_archive.Init(cnLoadingFlags, XCArchiveFile::cnCacheSize);
+    m_archive.FileOpen(packedFile, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0);
+    const ArchiveScope closing(m_archive);
+    const PackedHead head = readHead(m_archive);
+    checkEntries(m_archive, head.items);
+    const ProgressScope progress(m_progress, head.files);
+    return decompressEntries(destFolder, head.items);
+}
+
+int XCFileCompression::decompressEntries(const XCFilePath& destFolder, std::uint32_t count) {
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const bool isFolderNext = readKind(m_archive) == PackedKind::folder;
+        if (!(isFolderNext ? DecompressFolder(destFolder) : DecompressFile(destFolder)))
+            return 0;
+    }
+    return 1;
+}
+
+int XCFileCompression::DecompressFolder(const XCFilePath& destFolder) {
+    const PackedFolderRecord record = readFolderRecord(m_archive);
+    XCFilePath folder(destFolder);
+    folder += record.name;
+    if (folder.IsExistence())
+        folder.GetSequencialFilePath(destFolder, cnFolderDigits, nullptr, record.name);
+    createNewFolder(folder);
+    return decompressEntries(folder, record.entries);
+}
+
+int XCFileCompression::DecompressFile(const XCFilePath& destFolder) {
+    if (stepOrStop())
+        return 0;
+    const PackedFileRecord record = readFileRecord(m_archive);
+    if (record.size == 0)
+        return 1;
+    const auto size = static_cast<std::uint32_t>(record.size);
+    requireFrame(m_archive, size);
+    XCPointer contents;
+    contents.Alloc(size, 0);
+    XCZLib().DecompressWhole(m_archive, contents, size);
+    XCFilePath path(destFolder);
+    path += record.name;
+    ExtractedFile file(path);
+    file.write(contents, size);
+    file.finish(record.time == -1 ? std::nullopt : std::optional<std::int64_t>(record.time));
+    restoreAttributes(path, record.attributes);
+    return 1;
+}
