@@ -44,7 +44,7 @@ constexpr Compositor none = nullptr;
 
 // clang-format off
 constexpr KernelTable cnKernels = {
-    startRow, startCoverage, scaleStart, skipFull,
+    startRow, startCoverage, scaleStart, circleRow, skipFull,
     {scaleByQuarters, scaleByAlpha, scaleBySum, scaleByFixed, scaleByBytes},
     gateByMask, scaleByMask, scaleByMaskAndCap, scaleByMaskOfBlur, visitCovered, visitBySource, visitByMask,
     gaussOfTable, gaussOfLine, scaleByGauss, scaleByGaussWide,

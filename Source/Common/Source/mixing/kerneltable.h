@@ -30,6 +30,17 @@ struct CompositeSpan {
     const std::uint8_t* dither;  ///< 1 and 2 bits: the 16 thresholds of the row, or null.
 };
 
+/// A row through an anti-aliased circle; lengths in sub-pixels, small enough that their squares are whole numbers.
+struct CircleRow {
+    double dx;       ///< of the first pixel from the centre
+    double step;     ///< to the next pixel
+    double dySquare; ///< squared distance of the row from the centre
+    double pixels;   ///< of a sub-pixel
+    double radius;   ///< in pixels
+    int innerStart;  ///< the pixels that are covered in full, whatever their distance
+    int innerEnd;
+};
+
 using Compositor = void (*)(const CompositeSpan&);
 /// Null draws nothing.
 using CompositorTable = Compositor[cnCompositions][cnDepthColumns];
@@ -67,6 +78,8 @@ struct KernelTable {
     void (*startCoverage)(CoverageRow& row, const float* coverage, float base);
     /// Scales a by factor, and sets the cap.
     void (*scaleStart)(CoverageRow& row, std::int32_t factor, std::int32_t cap);
+    /// coverages of n pixels, which may be more than the row has.
+    void (*circleRow)(float* coverage, int n, const CircleRow& row);
     void (*skipFull)(CoverageRow& row, const std::uint16_t* cache, std::int32_t limit);
 
     void (*scaleBySource[cnSourceScales])(CoverageRow& row, const std::int32_t* weights);

@@ -10,8 +10,6 @@
 namespace ovw::mixing {
 namespace {
 
-constexpr int cnPadding = 16; // lanes of the widest vectors
-
 /// Two blocks of N bytes that may overlap each other cover N to 2 * N bytes.
 template <std::size_t N>
 void copyEnds(std::uint8_t* to, const std::uint8_t* from, std::size_t size) {
@@ -55,7 +53,7 @@ void RowBatch::add(const BatchRules& rules, int x, int y, int n) {
     }
     if (rules.gauss) {
         if (rules.gauss->StartLine(y, x))
-            GaussRow::fetch(m_weights + m_count, n, *rules.gauss, Scale15::cnOne, kernels(n));
+            GaussRow::fetch(m_weights + m_count, n, padded(n), *rules.gauss, Scale15::cnOne, kernels(padded(n)));
         else
             std::fill_n(m_weights + m_count, n, 0);
     }
@@ -90,7 +88,7 @@ void RowBatch::passCache(const BatchRules& rules, const KernelTable& kernel) {
 void RowBatch::paint(const BatchRules& rules) {
     if (m_count == 0)
         return;
-    const int n = (m_count + cnPadding - 1) & -cnPadding;
+    const int n = padded(m_count);
     padTo(rules, n);
     const KernelTable& kernel = kernels(n);
     m_row.n = n;

@@ -46,6 +46,8 @@ public:
             paint(rules);
         return m_coverage + m_count;
     }
+    /// n or somewhat more: the room behind those coverages that may be written too, so that vectors stay whole.
+    static constexpr int padded(int n) { return (n + cnPadding - 1) & -cnPadding; }
     /// Takes those n pixels in, from (x, y) of the image on.
     void add(const BatchRules& rules, int x, int y, int n);
     /// Paints what was gathered.
@@ -53,7 +55,8 @@ public:
 
 private:
     static constexpr int cnMaxRows = 64;
-    static constexpr int cnBytes = 4; ///< of a pixel, at most
+    static constexpr int cnPadding = 16; ///< lanes of the widest vectors
+    static constexpr int cnBytes = 4;    ///< of a pixel, at most
 
     struct Row {
         std::uint8_t* dst;
@@ -70,8 +73,8 @@ private:
     int m_rows = 0;
     Row m_rowsOf[cnMaxRows];
     CoverageRow m_row;
-    alignas(64) float m_coverage[cnRowPixels];
-    alignas(64) std::int32_t m_weights[cnRowPixels];
+    alignas(64) float m_coverage[cnRowPixels + cnPadding];
+    alignas(64) std::int32_t m_weights[cnRowPixels + cnPadding];
     alignas(64) std::uint16_t m_cache[cnRowPixels];
     alignas(64) std::uint8_t m_dst[cnRowPixels * cnBytes];
     alignas(64) std::uint8_t m_ref[cnRowPixels * cnBytes];

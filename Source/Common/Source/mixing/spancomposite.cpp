@@ -162,8 +162,9 @@ CompositeSpan SpanPainter::compositeSpan() const {
 bool SpanPainter::prepareBatch(BatchRules& rules, const KernelPlan& plan) const {
     const int composition = m_mixer.m_composition;
     const bool hasCache = plan.cache == CacheRule::Coverage;
+    const bool isPlain = plan.start == Start::Byte && plan.compositors == CompositorSet::Fastest;
     const bool isSimple =
-        plan.start == (hasCache ? Start::Cache : Start::Paint) && !m_mixer.m_mask && !usesTexture(plan);
+        (isPlain || plan.start == (hasCache ? Start::Cache : Start::Paint)) && !m_mixer.m_mask && !usesTexture(plan);
     if (!isSimple || isBits() || columnOf(m_depth) == cnDepthColumns || !m_mixer.m_dst->GetBaseAddress() ||
         composition < 0 || composition >= cnCompositions)
         return false;

@@ -245,7 +245,7 @@ void SpanPainter::applyMask(CoverageRow& row, const KernelPlan& plan) const {
 
 void SpanPainter::applyGauss(CoverageRow& row, bool isWide) const {
     alignas(64) std::int32_t weights[cnRowPixels];
-    GaussRow::fetch(weights, m_n, *m_mixer.m_plotGauss, isWide ? cnUnclipped : Scale15::cnOne, *m_kernels);
+    GaussRow::fetch(weights, m_n, m_n, *m_mixer.m_plotGauss, isWide ? cnUnclipped : Scale15::cnOne, *m_kernels);
     (isWide ? m_kernels->scaleByGaussWide : m_kernels->scaleByGauss)(row, weights);
 }
 

@@ -37,6 +37,17 @@ void scaleStart(CoverageRow& row, std::int32_t factor, std::int32_t cap) {
     }
 }
 
+void circleRow(float* __restrict coverage, int n, const CircleRow& row) {
+    const CircleRow r = row;
+    for (int i = 0; i < n; ++i) {
+        const double dx = r.dx + i * r.step;
+        const double square = dx * dx + r.dySquare;
+        const double toRim = r.radius - __builtin_sqrt(square) * r.pixels;
+        const bool isFull = (square == 0.0) | ((i >= r.innerStart) & (i < r.innerEnd));
+        coverage[i] = isFull ? 1.0f : static_cast<float>(toRim < 1.0 ? toRim : 1.0);
+    }
+}
+
 void skipFull(CoverageRow& row, const std::uint16_t* __restrict cache, std::int32_t limit) {
     for (int i = 0, n = row.n; i < n; ++i)
         row.a[i] = cache[i] < limit ? row.a[i] : 0;

@@ -75,6 +75,17 @@ void StampRows::paintInterior(int y, const RimmedSpan& span) {
     kernels(n).fastest[m_plain.uniformComposition][Depth32](interior);
 }
 
+void StampRows::paintCircle(int y, const RimmedSpan& span, CircleRow circle) {
+    m_ahead.advanceTo(y);
+    const int n = span.end - span.start;
+    float* coverage = m_batch.coverageOf(m_rules, n);
+    circle.innerStart = span.innerStart - span.start;
+    circle.innerEnd = span.innerEnd - span.start;
+    const int whole = RowBatch::padded(n);
+    kernels(whole).circleRow(coverage, whole, circle);
+    paintRow(y, span, coverage);
+}
+
 void StampRows::paintRow(int y, const RimmedSpan& span, const float* coverage) {
     const std::span<const float> row(coverage, static_cast<std::size_t>(span.end - span.start));
     if (m_road == Road::Batched)
