@@ -25,6 +25,8 @@ constexpr int cnFixBits = 5;
 constexpr std::int64_t cnFixOne = 1 << cnFixBits;
 /// Beyond these, in pixels, squares would not fit 64 bits, and no image is that large.
 constexpr double cnMaxPosition = 4294967296.0;
+/// In 1/32 pixels: squares of smaller lengths are whole numbers in a double.
+constexpr std::int64_t cnMaxExactRadius = 1 << 20;
 constexpr double cnMaxRadius = 67108864.0;
 
 /// In 1/32 pixels.
@@ -61,6 +63,11 @@ void paintRow(StampRows& rows, const FixedCircle& circle, const XCRect& tile, in
     if (innerHalf >= 0) {
         span.innerStart = std::clamp(pixelOf(circle.cx - innerHalf), tile.left, tile.right);
         span.innerEnd = std::clamp(pixelOf(circle.cx + innerHalf), tile.left, tile.right);
+    }
+    if (circle.radius <= cnMaxExactRadius && rows.isNarrow(span)) {
+        const auto dx = static_cast<double>((span.start + std::int64_t{1}) * cnFixOne - circle.cx);
+        return rows.paintCircle(y, span,
+                                {dx, cnFixOne, static_cast<double>(dy * dy), 1.0 / cnFixOne, circle.pixelRadius, 0, 0});
     }
     rows.paint(y, span, [&](int x) {
         const std::int64_t dx = (x + std::int64_t{1}) * cnFixOne - circle.cx;
