@@ -31,7 +31,7 @@ std::string versionText() {
 }
 
 /// Every command, in the order of the help.
-constexpr std::array cnCommands = {makeDrawCommand, makePresetsCommand};
+constexpr std::array cnCommands = {makeDrawCommand, makePresetsCommand, makeGalleryCommand};
 
 /// The command line as CLI11 knows it.
 struct CommandLine {
