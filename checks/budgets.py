@@ -45,7 +45,7 @@ def main():
                             capture_output=True, text=True, check=True).stdout.split()
     problems, all_lengths, by_folder = [], [], collections.defaultdict(list)
     for path in listed:
-        if path.startswith(('tests/', 'benchmarks/', 'examples/')):
+        if path.startswith(('tests/', 'benchmarks/', 'examples/', 'fuzz/')):
             continue
         text = (ROOT / path).read_text()
         limit = HEADER_LINES if path.startswith('include/') else FILE_LINES
