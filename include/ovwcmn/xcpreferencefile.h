@@ -46,6 +46,9 @@ public:
     /// As text in a printf format for one double.
     void SetPreferenceFile(const char* label, double value, const char* format = "%4.1lf");
     void SetPreferenceFile(const char* label, int size, const void* data);
+    void SetPreferenceFile(const char* label, int size, const char* data) {
+        SetPreferenceFile(label, size, static_cast<const void*>(data)); // not a number with its format
+    }
     /// A null or empty text is stored as a space, which reads as the empty text.
     void SetPreferenceFile(const char* label, const char* text);
     void SetPreferenceFile(const char* label, const XCString& text);
