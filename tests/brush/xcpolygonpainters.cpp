@@ -10,6 +10,8 @@
 
 #include <cstdlib>
 #include <functional>
+#include <span>
+#include <tuple>
 #include <utility>
 
 namespace {
@@ -159,4 +161,53 @@ TEST_F(PolygonPainters, WithoutAnyWayNothingIsDrawn) {
     EXPECT_EQ(polygon.DrawRect(nullptr, image.get(), 20, 20, 9, 9, 0, 1, nullptr), 0);
     EXPECT_EQ(coloured.DrawRect(nullptr, nullptr, 20, 20, 9, 9, 0, 1, nullptr), 0);
     EXPECT_FALSE(image->IsBlockExist());
+}
+
+TEST_F(PolygonPainters, PlainFillsPaintTheSameFigureInBothForms) {
+    for (int depth : {1, 8, 32}) {
+        TestImage expected(m_store, depth, cnSize, cnSize);
+        TestImage listed(m_store, depth, cnSize, cnSize);
+        TestImage plain(m_store, depth, cnSize, cnSize);
+        XCPolygon polygon(cnColour, nullptr);
+        XCPolyVertex vertices = star();
+        const std::span<const tagPOINTD> corners = vertices.Vertices();
+        tagRECT clip{230, 240, 270, 280}, wanted{}, changed{};
+        XCVOffscreenAutoLock expectedLock(expected.get(), 1), listedLock(listed.get(), 1), plainLock(plain.get(), 1);
+        EXPECT_EQ(polygon.DrawPolygon(&wanted, expected.get(), &vertices, &clip), 1);
+        EXPECT_EQ(XCPolygon::FillPolygon(&changed, listed.get(), &vertices, cnColour, 0, &clip, 0, 255), 1);
+        EXPECT_EQ(XCPolygon::FillPolygon(plain.get(), corners.data(), 5, &clip, cnColour, 0, 255), 1);
+        EXPECT_TRUE(XCRect(wanted) == XCRect(changed));
+        for (int y = 220; y < cnSize; ++y)
+            for (int x = 220; x < cnSize; ++x) {
+                ASSERT_EQ(listed.value(x, y), expected.value(x, y)) << x << ' ' << y;
+                ASSERT_EQ(plain.value(x, y), expected.value(x, y)) << x << ' ' << y;
+            }
+    }
+}
+
+TEST_F(PolygonPainters, AnAlphaBelow255DithersPlainFills) {
+    constexpr int cnBlend = 2;
+    TestImage image(m_store, 8, cnSize, cnSize);
+    XCVOffscreenAutoLock lock(image.get(), 1);
+    const tagPOINTD square[] = {{32, 32}, {95, 32}, {95, 96}, {32, 96}};
+    EXPECT_EQ(XCPolygon::FillPolygon(image.get(), square, 4, nullptr, 0x80000000, cnBlend, 99), 1);
+    const std::uint8_t* const thresholds = XCVOffscreen::GetDitherTable256();
+    for (int y = 32; y < 96; ++y)
+        for (int x = 32; x < 96; ++x)
+            ASSERT_EQ(image.value(x, y), thresholds[y % 16 * 16 + x % 16] <= 99 ? 64u : 0u) << x << ' ' << y;
+}
+
+TEST_F(PolygonPainters, PlainRowsAreCutToTheImageAndFollowTheMask) {
+    constexpr int cnErase = 3;
+    TestImage image(m_store, 8, 40, 10);
+    TestImage mask(m_store, 1, 40, 10);
+    mask.fillRow(10, 13, 4, 1);
+    XCVOffscreenAutoLock lock(image.get(), 1), maskLock(mask.get(), 0, 4, 0);
+    EXPECT_EQ(XCPolygon::FillLineRowForPolygon(image.get(), 70, -5, 3, cnColour, 0, nullptr, 0, 255), 1);
+    EXPECT_EQ(XCPolygon::FillLineRowForPolygon(image.get(), 0, 39, 3, cnColour, cnErase, mask.get(), -2, 255), 1);
+    for (int x = 0; x < 40; ++x)
+        EXPECT_EQ(image.value(x, 3), x >= 12 && x < 15 ? 0u : 255u) << x;
+    for (auto [x0, x1, y] : {std::tuple{0, 39, -1}, {0, 39, 10}, {-9, -1, 5}, {40, 90, 5}})
+        EXPECT_EQ(XCPolygon::FillLineRowForPolygon(image.get(), x0, x1, y, cnColour, 0, nullptr, 0, 255), 0);
+    EXPECT_EQ(XCPolygon::FillLineRowForPolygon(nullptr, 0, 9, 5, cnColour, 0, nullptr, 0, 255), 0);
 }

@@ -2,6 +2,7 @@
 #define OVW_TESTS_VIMAGE_PIXELREFERENCE_H
 
 #include <cstdint>
+#include <initializer_list>
 
 /// @file
 /// The conversions between depths, one row of a table a depth, apart from the library. Pixels are the stored numbers of
@@ -143,6 +144,21 @@ inline std::uint32_t expectedNative(int depth, std::uint32_t colour, MonoRules r
     case 24: return colour & 0x00FFFFFF;
     default: return colour;
     }
+}
+
+constexpr int behindChannel(int x, int c, int k) { return x > (255 - c) * k / 255 ? x - (255 - c) * k / 255 : 0; }
+
+/// A colour put behind an existing colour; overWhite: of which a partly transparent one is first taken over white.
+constexpr std::uint32_t behind(std::uint32_t existing, std::uint32_t colour, bool overWhite) {
+    const int a = alphaOf(colour), d = alphaOf(existing);
+    std::uint32_t rgb = 0;
+    for (int shift : {0, 8, 16}) {
+        int x = d ? int(existing >> shift & 255) : 255;
+        if (overWhite && d > 0 && d < 255)
+            x = 255 - (255 - x) * d / 255;
+        rgb |= std::uint32_t(behindChannel(x, int(colour >> shift & 255), a * (255 - d) / 255)) << shift;
+    }
+    return rgb | std::uint32_t(255 - (255 - a) * (255 - d) / 255) << 24;
 }
 
 } // namespace ovw::test

@@ -81,21 +81,6 @@ TEST_F(XCVOffscreenFill, TheCallersLockAndCursorComeBack) {
     EXPECT_NE(image->GetCurrentAddress(), nullptr);
 }
 
-int behindChannel(int x, int c, int k) { return std::max(0, x - (255 - c) * k / 255); }
-
-/// A colour put behind an existing colour.
-std::uint32_t behind(std::uint32_t existing, std::uint32_t colour, bool overWhite) {
-    const int a = alphaOf(colour), d = alphaOf(existing);
-    std::uint32_t rgb = 0;
-    for (int shift : {0, 8, 16}) {
-        int x = d ? int(existing >> shift & 255) : 255;
-        if (overWhite && d > 0 && d < 255)
-            x = 255 - (255 - x) * d / 255;
-        rgb |= std::uint32_t(behindChannel(x, int(colour >> shift & 255), a * (255 - d) / 255)) << shift;
-    }
-    return rgb | std::uint32_t(255 - (255 - a) * (255 - d) / 255) << 24;
-}
-
 /// What a behind fill makes of a stored number.
 std::uint32_t filledBehind(int depth, std::uint32_t p, std::uint32_t colour) {
     const int a = alphaOf(colour);
