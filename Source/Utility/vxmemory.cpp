@@ -1,22 +1,21 @@
 #include "ovwcmn/vxwutl.h"
 
+#include "Platform/systemerror.h"
 #include "Utility/block.h"
 
+namespace platform = ovw::platform;
 namespace utility = ovw::utility;
 
 namespace {
-
-constexpr int cnInvalidHandle = 6;
-constexpr int cnNoMemory = 8;
 
 thread_local int s_lastError = 0;
 
 // Passes a new block on; a missing one is lack of memory.
 void* orNoMemory(void* block, int* status) {
     if (!block) {
-        s_lastError = cnNoMemory;
+        s_lastError = platform::cnErrorNotEnoughMemory;
         if (status)
-            *status = cnNoMemory;
+            *status = platform::cnErrorNotEnoughMemory;
     }
     return block;
 }
@@ -43,7 +42,7 @@ void* vxLock(VXHANDLE handle) {
     if (handle)
         utility::lockBlock(handle);
     else
-        s_lastError = cnInvalidHandle;
+        s_lastError = platform::cnErrorInvalidHandle;
     return handle;
 }
 

@@ -1,5 +1,6 @@
 #include "ovwcmn/vxwutl.h"
 
+#include "Platform/systemerror.h"
 #include "Platform/text.h"
 #include "Utility/encoding.h"
 #include "Utility/hooks.h"
@@ -15,8 +16,6 @@ namespace utility = ovw::utility;
 
 namespace {
 
-constexpr int cnNoMemory = 8;
-
 // Its address is the library's module.
 char s_libraryModule = 0;
 
@@ -30,7 +29,7 @@ int loadLibraryString(std::uint32_t id, char* buffer, int size) {
             if (const std::optional<std::string> text = utility::utf8ToCodePage(entry->japanese))
                 return utility::copyCut(buffer, size, text->c_str());
         } catch (const std::bad_alloc&) {
-            vxSetLastError(cnNoMemory);
+            vxSetLastError(platform::cnErrorNotEnoughMemory);
         }
     }
     return utility::copyCut(buffer, size, entry->english);

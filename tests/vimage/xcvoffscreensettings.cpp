@@ -137,6 +137,9 @@ TEST(XCVOffscreenSettings, OverloadsOfSetClearColorFollowTheDepth) {
     colour.GetClearColor(&packed);
     EXPECT_EQ(byte, 0x90);
     EXPECT_EQ(packed, 0x123456u);
+    colour.SetClearColor(0xFF654321ul);
+    colour.GetClearColor(&packed);
+    EXPECT_EQ(packed, 0xFF654321u);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "brush/plotpattern.h"
 
+#include "brush/methodkind.h"
 #include "ovwcmn/xcfastpixelmixer.h"
 #include "ovwcmn/xcpattern.h"
 #include "ovwcmn/xcpatterndraw.h"
@@ -26,8 +27,6 @@ constexpr int cnCacheOverEach = 0; ///< over each other, each with its own opaci
 constexpr int cnCacheOver = 1;
 constexpr int cnCacheMax = 2;
 constexpr int cnCacheAdd = 3;
-
-bool isSmudging(int methodKind) { return methodKind == Mixer::Water || methodKind == Mixer::WaterMultiply; }
 
 } // namespace
 

@@ -1,6 +1,7 @@
 #include "ovwcmn/xcpatterndraw.h"
 
 #include "brush/bendstate.h"
+#include "brush/methodkind.h"
 #include "brush/plotpattern.h"
 #include "brush/stampbounds.h"
 #include "ovwcmn/ovwhooks.h"
@@ -20,9 +21,9 @@
 
 namespace {
 
+using ovw::brush::isSmudging;
 using ovw::brush::unite;
 
-constexpr int cnErrorNotEnoughMemory = 8;
 /// Interval of a bending brush, logical units.
 constexpr double cnBendInterval = 4.0;
 /// A segment shorter than this has one stamp position at most.
@@ -31,10 +32,6 @@ constexpr double cnPointLength = 1e-8;
 constexpr double cnLeastAdvance = 1.0 / (1 << 20);
 
 int proceedUnlessAborted() { return vxAbort() == 0; }
-
-bool isSmudging(int methodKind) {
-    return methodKind == XCFastPixelMixer::Water || methodKind == XCFastPixelMixer::WaterMultiply;
-}
 
 XCRect scaled(const XCRect& rect, double factor) {
     const auto edge = [factor](int value) { return ovw::truncateToInt(value * factor); };
@@ -174,7 +171,7 @@ int XCPatternDraw::DrawStroke(XCRect* changed, XCStroke* stroke, int consume) {
     } catch (const XCException& error) {
         stop(error.GetErrorCode());
     } catch (const std::bad_alloc&) {
-        stop(cnErrorNotEnoughMemory);
+        stop(ovw::foundation::cnCodeNoMemory);
     }
     m_vertices.Clear();
     if (changed)

@@ -1,5 +1,6 @@
 #include "ovwcmn/xcpatterndraw.h"
 
+#include "brush/methodkind.h"
 #include "brush/methodlocks.h"
 #include "ovwcmn/xcfastpixelmixer.h"
 #include "ovwcmn/xcpatterndrawparam.h"
@@ -8,13 +9,11 @@
 
 namespace {
 
+using ovw::brush::isSmudging;
+
 constexpr int cnCacheDepth = 16;
 /// Holds how much of which of two colours a pixel of 2 bits got.
 constexpr int cnToneDepth = 24;
-
-bool isSmudging(int methodKind) {
-    return methodKind == XCFastPixelMixer::Water || methodKind == XCFastPixelMixer::WaterMultiply;
-}
 
 bool matches(const XCVOffscreen* image, const XCVOffscreen& reference, int depth) {
     return image && image->GetDepth() == depth && image->GetWidth() == reference.GetWidth() &&

@@ -2,6 +2,7 @@
 
 #include "ovwcmn/xcpatterndrawparam.h"
 
+#include "foundation/angles.h"
 #include "ovwcmn/vxmath.h"
 #include "ovwcmn/vxwutl.h"
 #include "ovwcmn/xccoloraverage.h"
@@ -14,7 +15,8 @@
 
 namespace {
 
-constexpr double cnRadiansPerDegree = 0.017453292519943295;
+using ovw::cnRadiansPerDegree;
+
 constexpr double cnTurn = 2.0 * std::numbers::pi;
 constexpr int cnIntervalAsSet = 3; ///< the intervalKind that uses intervalAtFull and intervalAtZero
 

@@ -1,14 +1,17 @@
 #include "ovwcmn/vxmath.h"
 
+#include "foundation/angles.h"
+
 #include <cmath>
 #include <cstdint>
 
 namespace {
 
+using ovw::cnRadiansPerDegree;
+
 constexpr double cnTwoPi = 6.283185307179586;
 constexpr double cnEighthTurn = cnTwoPi / 8;
 constexpr double cnDegreesPerTurn = 360;
-constexpr double cnRadiansPerDegree = 0.017453292519943295;
 constexpr int cnUnitsPerTurn = 4096; // the Integer functions count 1/4096 turns
 constexpr double cnTiny = 1e-08;     // divisors and squared lengths below it count as 0
 constexpr double cnForgivenError = 0.00001;

@@ -2,14 +2,17 @@
 
 #include "ovwcmn/vxmath.h"
 
+#include "foundation/angles.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 
 namespace {
 
+using ovw::cnRadiansPerDegree;
+
 constexpr double cnDegreesPerTurn = 360;
-constexpr double cnRadiansPerDegree = 0.017453292519943295;
 constexpr int cnEllipsePoints = 360000;
 constexpr int cnMaximumDivisions = 1024; // from here on arcs are shares of the perimeter
 constexpr int cnMaximumRefinement = 4;

@@ -1,11 +1,14 @@
 #include "ovwcmn/xcmatrix.h"
 
+#include "foundation/angles.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr double cnRadiansPerDegree = 0.017453292519943295;
+using ovw::cnRadiansPerDegree;
+
 constexpr double cnRoundError = 1e-08;
 constexpr double cnAlmostOne = 0.99999999;
 

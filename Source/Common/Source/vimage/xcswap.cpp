@@ -103,7 +103,7 @@ void XCSwap::Destroy() {
 XCSwapBlock* XCSwap::Allocate(std::uint32_t size) {
     const std::uint64_t rounded = roundUp(size ? size : 1, m_nSectorSize);
     if (rounded > std::numeric_limits<std::uint32_t>::max())
-        xcThrowError(ovw::platform::cnErrorNotEnoughMemory);
+        xcThrowError(ovw::foundation::cnCodeNoMemory);
     auto block = std::make_unique<XCSwapBlock>(0, 0, rounded);
     block->SetSwapListItem(m_pBlocks->append(block.get()));
     return block.release();

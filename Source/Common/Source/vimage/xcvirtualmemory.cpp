@@ -18,7 +18,6 @@ namespace {
 
 constexpr int cnErrorNoSwapFile = 0x200132C8;
 constexpr int cnErrorNoSwapName = 0x200132C9;
-constexpr int cnNoMemory = ovw::platform::cnErrorNotEnoughMemory;
 constexpr int cnMaxRetries = 10;
 constexpr char cnSwapPrefix[] = "SWP";
 constexpr std::size_t cnMaxSpares = 64;
@@ -31,7 +30,7 @@ auto orNoMemory(Operation operation) {
     try {
         return operation();
     } catch (const std::bad_alloc&) {
-        xcThrowError(cnNoMemory);
+        xcThrowError(ovw::foundation::cnCodeNoMemory);
     }
 }
 
@@ -127,7 +126,7 @@ XCSwapBlock* XCVirtualMemory::Allocate(std::uint32_t size) {
         if (!block)
             xcThrowError(cnErrorNoSwapFile);
         if (!m_cache.Request(m_pSwap.get(), static_cast<std::uint32_t>(block->GetSize())))
-            xcThrowError(cnNoMemory);
+            xcThrowError(ovw::foundation::cnCodeNoMemory);
         makeResident(block.get(), nullptr);
         return block.release();
     });
@@ -215,7 +214,7 @@ void XCVirtualMemory::allocResidentMemory(std::uint32_t size, XCVMHandle& handle
         if (AllocHandle2(size, handle, retry) == 1)
             return;
     }
-    xcThrowError(cnNoMemory);
+    xcThrowError(ovw::foundation::cnCodeNoMemory);
 }
 
 int XCVirtualMemory::AllocHandle(std::uint32_t size, XCVMHandle& handle) {
@@ -236,7 +235,7 @@ int XCVirtualMemory::AllocHandle2(std::uint32_t size, XCVMHandle& handle, int& r
     for (;; ++retry) {
         const std::uint32_t usedBefore = m_cache.GetUsedSize();
         if (!m_cache.RequestMainWork(m_pSwap.get(), size) || m_cache.GetUsedSize() >= usedBefore)
-            xcThrowError(cnNoMemory);
+            xcThrowError(ovw::foundation::cnCodeNoMemory);
         try {
             return AllocHandle(size, handle);
         } catch (const XCException&) {
@@ -305,7 +304,7 @@ VXHANDLE XCVirtualMemory::takeMemory(std::uint32_t size, bool& isFresh) {
         memory = vxAlloc(size, 0, &status);
     }
     if (!memory)
-        xcThrowError(status ? status : cnNoMemory);
+        xcThrowError(status ? status : ovw::foundation::cnCodeNoMemory);
     return memory;
 }
 
