@@ -54,6 +54,10 @@ public:
     /// Modes: 1 the colours differ, 2 they are equal, 3 the alphas differ, 4 the alphas are equal; others answer 0.
     static int IsMaskCompare(int mode, std::uint32_t a, std::uint32_t b);
 
+    /// A new image of src's depth and pixels at another resolution, on the process's store (0x20010008 without one);
+    /// the caller owns it. Null for a null src.
+    static XCVOffscreen* CreateMask(XCVOffscreen* src, double resolution);
+
 private:
     MaskInfo m_masks[cnMasks];
 };

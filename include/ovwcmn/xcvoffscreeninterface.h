@@ -101,13 +101,9 @@ public:
     /// the answer 0. Where src has no block: destination blocks that are covered whole are released when the offset is
     /// a multiple of the block size; elsewhere flag 1 clears the pixels, 0 leaves them. Within one image the pixels are
     /// read before any is written. 1 when something was copied, cleared or released.
-    virtual int Copy(int /*x*/, int /*y*/, int /*w*/, int /*h*/, XCVOffscreen* /*src*/, int /*sx*/, int /*sy*/,
-                     int /*flag*/) {
-        return 1;
-    }
+    virtual int Copy(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int flag) = 0;
     /// Nearest neighbour, between images of one depth.
-    virtual void StretchCopy(int /*x*/, int /*y*/, int /*w*/, int /*h*/, XCVOffscreen* /*src*/, int /*sx*/, int /*sy*/,
-                             int /*sw*/, int /*sh*/) {}
+    virtual void StretchCopy(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int sw, int sh) = 0;
 
     /// Fills rect with colour, or with the clear value when erase is set. With behind the colour goes behind the pixels
     /// that are there. Locks for editing.
@@ -162,30 +158,25 @@ public:
     // ---- Resampling. A null source or an empty rectangle does nothing; pixels outside an image are passed over, and
     // where the source has no block the destination stays. merge: the new pixels go behind those that are there.
     /// Averages whole source pixels when shrinking, takes the nearest when enlarging.
-    virtual void ChangeResolutionLow(int /*x*/, int /*y*/, int /*w*/, int /*h*/, XCVOffscreen* /*src*/, int /*sx*/,
-                                     int /*sy*/, int /*sw*/, int /*sh*/, int /*merge*/) {}
+    virtual void ChangeResolutionLow(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int sw, int sh,
+                                     int merge) = 0;
     // From squares of 2, 4 or 8 source pixels from (sx, sy) on; transparent pixels thin the result's alpha only.
-    virtual void ChangeResolutionHalf(int /*x*/, int /*y*/, int /*w*/, int /*h*/, XCVOffscreen* /*src*/, int /*sx*/,
-                                      int /*sy*/, int /*merge*/) {}
-    virtual void ChangeResolutionQuarter(int /*x*/, int /*y*/, int /*w*/, int /*h*/, XCVOffscreen* /*src*/, int /*sx*/,
-                                         int /*sy*/, int /*merge*/) {}
-    virtual void ChangeResolutionOctantal(int /*x*/, int /*y*/, int /*w*/, int /*h*/, XCVOffscreen* /*src*/, int /*sx*/,
-                                          int /*sy*/, int /*merge*/) {}
+    virtual void ChangeResolutionHalf(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) = 0;
+    virtual void ChangeResolutionQuarter(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) = 0;
+    virtual void ChangeResolutionOctantal(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) = 0;
     // The whole source, to (0, 0). Between 1-bit images ink is counted, and pixels are only ever set.
-    virtual void ChangeResolutionHalfAll(XCVOffscreen* /*src*/) {}
-    virtual void ChangeResolutionQuarterAll(XCVOffscreen* /*src*/) {}
-    virtual void ChangeResolutionOctantalAll(XCVOffscreen* /*src*/) {}
+    virtual void ChangeResolutionHalfAll(XCVOffscreen* src) = 0;
+    virtual void ChangeResolutionQuarterAll(XCVOffscreen* src) = 0;
+    virtual void ChangeResolutionOctantalAll(XCVOffscreen* src) = 0;
     // To squares of 2 or 4 equal pixels; w and h are the destination's.
-    virtual void ChangeResolutionDouble(int /*x*/, int /*y*/, int /*w*/, int /*h*/, XCVOffscreen* /*src*/, int /*sx*/,
-                                        int /*sy*/, int /*merge*/) {}
-    virtual void ChangeResolutionFourfold(int /*x*/, int /*y*/, int /*w*/, int /*h*/, XCVOffscreen* /*src*/, int /*sx*/,
-                                          int /*sy*/, int /*merge*/) {}
-    virtual void ChangeResolutionDoubleAll(XCVOffscreen* /*src*/) {}
-    virtual void ChangeResolutionFourfoldAll(XCVOffscreen* /*src*/) {}
+    virtual void ChangeResolutionDouble(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) = 0;
+    virtual void ChangeResolutionFourfold(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) = 0;
+    virtual void ChangeResolutionDoubleAll(XCVOffscreen* src) = 0;
+    virtual void ChangeResolutionFourfoldAll(XCVOffscreen* src) = 0;
     /// The weighted mean of the pixels that a column and a row entry, moved by (x, y), cover in this image: 0xAABBGGRR,
     /// of 1- and 8-bit images the density as alpha. scale: 1 / the area of a destination pixel. The caller locks.
-    virtual void CalcPixelValue(const _XCRESOLUTIONTABLE* /*columns*/, const _XCRESOLUTIONTABLE* /*rows*/, int /*x*/,
-                                int /*y*/, double /*scale*/, std::uint32_t& /*out*/) {}
+    virtual void CalcPixelValue(const _XCRESOLUTIONTABLE* columns, const _XCRESOLUTIONTABLE* rows, int x, int y,
+                                double scale, std::uint32_t& out) = 0;
 
 protected:
     XCVOffscreenInterface() = default;

@@ -1,9 +1,13 @@
 #include "ovwcmn/xcvoffpixelmixer.h"
 
 #include "mixing/saturated.h"
+#include "ovwcmn/detail/toint.h"
 #include "ovwcmn/xcexception.h"
+#include "ovwcmn/xcvirtualmemory.h"
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/pixelcolour.h"
+
+#include <memory>
 
 using ovw::mixing::saturated;
 
@@ -73,4 +77,16 @@ int XCVOffPixelMask::IsMaskCompare(int mode, std::uint32_t a, std::uint32_t b) {
     const bool isSameAlpha = (a ^ b) <= ovw::vimage::cnRgbMask;
     const bool answers[] = {false, !isSameColour, isSameColour, !isSameAlpha, isSameAlpha};
     return mode >= 1 && mode <= 4 && answers[mode];
+}
+
+XCVOffscreen* XCVOffPixelMask::CreateMask(XCVOffscreen* src, double resolution) {
+    if (!src)
+        return nullptr;
+    const int width = ovw::truncateToInt(src->GetWidth() * resolution / src->GetResolution());
+    const int height = ovw::truncateToInt(src->GetHeight() * resolution / src->GetResolution());
+    std::unique_ptr<XCVOffscreen> mask(XCVOffscreen::CreateOffscreen(src->GetDepth()));
+    mask->Create(xcGetVirtualMemory(), width, height, resolution);
+    mask->ChangeResolution2(0, 0, width, height, src, 0, 0, src->GetWidth(), src->GetHeight(), CHANGE_RESOLUTION_LOW,
+                            0);
+    return mask.release();
 }

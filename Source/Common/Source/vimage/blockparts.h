@@ -57,6 +57,11 @@ public:
         m_image->MoveCursor(ownX(part.left), ownY(part.top));
         return m_image->GetBaseAddress();
     }
+    /// The same for a block of which every byte will be written: a new block is not cleared first.
+    std::uint8_t* enterToOverwrite(const XCRect& part) const {
+        const ClearOff clearOff(*m_image);
+        return enter(part);
+    }
     /// Calls action(part), in shared coordinates, for what of rect lies in each block, whether it exists or not.
     template <class Action>
     void forEachBlock(const XCRect& rect, Action action) const {
@@ -67,6 +72,19 @@ public:
     }
 
 private:
+    class ClearOff {
+    public:
+        explicit ClearOff(XCVOffscreen& image) : m_image(image), m_saved(image.IsEnableClear()) {
+            image.EnableClear(0);
+        }
+        ~ClearOff() { m_image.EnableClear(m_saved); }
+        ClearOff(const ClearOff&) = delete;
+
+    private:
+        XCVOffscreen& m_image;
+        int m_saved;
+    };
+
     /// v, a shared coordinate, moved to the nearest edge of the image where it lies outside.
     static int cut(int v, std::int64_t d, int size) {
         return static_cast<int>(std::clamp<std::int64_t>(v, asInt(-d), asInt(size - d)));

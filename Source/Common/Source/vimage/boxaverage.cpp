@@ -1,0 +1,257 @@
+#include "vimage/boxaverage.h"
+
+#include "ovwcmn/xcvoffscreen.h"
+#include "vimage/blockparts.h"
+#include "vimage/coveredspan.h"
+#include "vimage/pixelrows.h"
+#include "vimage/resamplekernels.h"
+
+#include <array>
+#include <memory>
+#include <vector>
+
+namespace ovw::vimage {
+
+namespace {
+
+constexpr int cnBandRows = 16; // of the destination, so that a source block is entered once for all of them
+
+/// What is stored of the sums.
+struct StoredRow {
+    std::array<BgraPixel, cnBlockSize> colours;
+    std::array<std::uint8_t, cnBlockSize> values; ///< the colours' alphas
+};
+
+/// How sums become pixels, and how these are stored.
+class AreaRule {
+public:
+    AreaRule(const XCVOffscreen& destination, const XCVOffscreen& source, double scale, bool behind)
+        : m_depth(source.GetDepth()), m_scale(scale), m_rules(destination.GetPixelRules()) {
+        const PixelRows& to = pixelRows(destination.GetDepth());
+        m_read = pixelRows(m_depth).readWeighed;
+        const bool hasOwnAlpha = m_depth == CoverageGrey16::cnBits || m_depth == Rgba32::cnBits;
+        if (destination.GetDepth() == Density8::cnBits && (behind || !hasOwnAlpha))
+            m_writeBytes = behind ? to.writeNonZero : to.write;
+        else
+            m_writeColours = behind ? to.writeBehind : to.write32;
+    }
+
+    ColourReader reader() const { return m_read; }
+    bool writesMissing() const { return true; }
+    BgraPixel pixelOf(const PixelSums& sums, double) const {
+        return Rgba32::ofColour(weighedValue(m_depth, sums, m_scale));
+    }
+    void write(std::uint8_t* row, int x, int count, const StoredRow& stored) const {
+        if (m_writeBytes)
+            m_writeBytes(row, x, count, m_rules, stored.values.data());
+        else
+            m_writeColours(row, x, count, m_rules, stored.colours.data(), nullptr);
+    }
+
+private:
+    int m_depth;
+    double m_scale;
+    const PixelRules& m_rules;
+    ColourReader m_read;
+    ByteWriter m_writeBytes = nullptr;
+    ColourWriter m_writeColours = nullptr;
+};
+
+class WholeRule {
+public:
+    WholeRule(const XCVOffscreen& destination, const XCVOffscreen& source, bool behind)
+        : m_rules(destination.GetPixelRules()) {
+        const PixelRows& to = pixelRows(destination.GetDepth());
+        const PixelRows& from = pixelRows(source.GetDepth());
+        const bool isDensity = destination.GetDepth() == Density8::cnBits && source.GetDepth() == Density8::cnBits;
+        m_read = isDensity ? from.readWeighed : from.read32;
+        if (isDensity)
+            m_writeBytes = behind ? to.writeNonZero : to.write;
+        else
+            m_writeColours = behind ? to.writeBehind : to.write32;
+    }
+
+    ColourReader reader() const { return m_read; }
+    bool writesMissing() const { return m_writeBytes != nullptr; }
+    BgraPixel pixelOf(const PixelSums& sums, double covered) const {
+        if (sums.weight <= 0)
+            return {};
+        const auto mean = [&](double sum) { return byteOf(static_cast<int>(sum / sums.weight)); };
+        return {mean(sums.blue), mean(sums.green), mean(sums.red), byteOf(static_cast<int>(sums.alpha / covered))};
+    }
+    void write(std::uint8_t* row, int x, int count, const StoredRow& stored) const {
+        if (m_writeBytes)
+            m_writeBytes(row, x, count, m_rules, stored.values.data());
+        else
+            m_writeColours(row, x, count, m_rules, stored.colours.data(), stored.values.data());
+    }
+
+private:
+    const PixelRules& m_rules;
+    ColourReader m_read;
+    ByteWriter m_writeBytes = nullptr;
+    ColourWriter m_writeColours = nullptr;
+};
+
+/// A block column of the source, as far as the part of the destination covers it.
+struct SourceColumns {
+    int begin;
+    int end;
+};
+
+template <class Map, class Rule>
+class BoxAverager {
+public:
+    BoxAverager(XCVOffscreen& destination, const Map& columns, const Map& rows, XCVOffscreen& source, const Rule& rule)
+        : m_destination(destination), m_source(source), m_columns(columns), m_rows(rows), m_rule(rule),
+          m_isDirect(source.GetDepth() == Rgba32::cnBits), m_kernels(resampleKernels()),
+          m_work(std::make_unique<Work>()) {}
+
+    void run() {
+        const XCRect area(m_columns.begin(), m_rows.begin(), m_columns.end(), m_rows.end());
+        PlacedImage(m_destination).forEachBlock(area, [&](const XCRect& part) { averageToBlock(part); });
+    }
+
+private:
+    struct Work {
+        ColumnSums columns;
+        std::array<BgraPixel, cnBlockSize> row;
+        std::array<CoveredSpan, cnBlockSize> spans; ///< of the part's columns
+        std::array<std::array<PixelSums, cnBlockSize>, cnBandRows> sums;
+        StoredRow stored;
+    };
+
+    void averageToBlock(const XCRect& part) {
+        for (int i = part.left; i < part.right; ++i)
+            m_work->spans[static_cast<std::size_t>(i - part.left)] = m_columns(i);
+        if (!hasSource(part) && !(m_rule.writesMissing() && m_destination.GetBlockExist(part.left, part.top)))
+            return;
+        m_destination.MoveCursor(part.left, part.top);
+        for (int top = part.top; top < part.bottom; top += cnBandRows)
+            averageBand(part, top, std::min(top + cnBandRows, part.bottom));
+    }
+    const CoveredSpan& spanAt(int column) const { return m_work->spans[static_cast<std::size_t>(column)]; }
+    /// The source pixels of a part's columns.
+    SourceColumns sourceColumns(const XCRect& part) const {
+        return {clampedTo(spanAt(0).first, m_source.GetWidth()),
+                clampedTo(spanAt(part.Width() - 1).last + 1, m_source.GetWidth())};
+    }
+    static int clampedTo(std::int64_t v, int size) { return static_cast<int>(std::clamp<std::int64_t>(v, 0, size)); }
+
+    bool hasSource(const XCRect& part) const {
+        const SourceColumns columns = sourceColumns(part);
+        const XCRect covered(columns.begin, clampedTo(m_rows(part.top).first, m_source.GetHeight()), columns.end,
+                             clampedTo(m_rows(part.bottom - 1).last + 1, m_source.GetHeight()));
+        bool exists = false;
+        PlacedImage(m_source).forEachBlock(
+            covered, [&](const XCRect& block) { exists = exists || m_source.GetBlockExist(block.left, block.top); });
+        return exists;
+    }
+
+    void averageBand(const XCRect& part, int top, int bottom) {
+        for (int y = top; y < bottom; ++y)
+            m_work->sums[static_cast<std::size_t>(y - top)].fill({});
+        const SourceColumns all = sourceColumns(part);
+        int firstColumn = 0;
+        for (int begin = all.begin; begin < all.end;) {
+            const SourceColumns columns{begin, std::min((begin | cnBlockMask) + 1, all.end)};
+            while (spanAt(firstColumn).last < columns.begin)
+                ++firstColumn;
+            for (int y = top; y < bottom; ++y)
+                if (addColumns(columns, m_rows(y)))
+                    addToRow(columns, firstColumn, part.Width(), m_work->sums[static_cast<std::size_t>(y - top)]);
+            begin = columns.end;
+        }
+        for (int y = top; y < bottom; ++y)
+            storeRow(part, y, m_work->sums[static_cast<std::size_t>(y - top)]);
+    }
+
+    /// The sums of the columns over the rows of one destination row. False when no block holds any of them.
+    bool addColumns(const SourceColumns& columns, const CoveredSpan& rows) {
+        const int count = columns.end - columns.begin;
+        bool exists = false;
+        const int end = clampedTo(rows.last + 1, m_source.GetHeight());
+        for (int y = clampedTo(rows.first, m_source.GetHeight()); y < end;) {
+            const int blockEnd = std::min((y | cnBlockMask) + 1, end);
+            m_source.MoveCursor(columns.begin, y);
+            if (const std::uint8_t* const base = m_source.GetBaseAddress()) {
+                if (!exists)
+                    clearColumns(count);
+                exists = true;
+                for (int row = y; row < blockEnd; ++row)
+                    m_kernels.addRow(rowOf(base, row, columns.begin, count), count, rows.weight(row), m_work->columns);
+            }
+            y = blockEnd;
+        }
+        return exists;
+    }
+    void clearColumns(int count) {
+        std::fill_n(m_work->columns.channels, 4 * count, 0.0);
+        std::fill_n(m_work->columns.weights, count, 0.0);
+    }
+    const BgraPixel* rowOf(const std::uint8_t* base, int y, int x, int count) {
+        const std::uint8_t* const row = base + (y & cnBlockMask) * m_source.GetBlockRowBytes();
+        if (m_isDirect)
+            return reinterpret_cast<const BgraPixel*>(row) + (x & cnBlockMask);
+        m_rule.reader()(row, x & cnBlockMask, count, m_source.GetPixelRules(), m_work->row.data());
+        return m_work->row.data();
+    }
+
+    void addToRow(const SourceColumns& columns, int firstColumn, int width,
+                  std::array<PixelSums, cnBlockSize>& row) const {
+        for (int i = firstColumn; i < width && spanAt(i).first < columns.end; ++i) {
+            const CoveredSpan& span = spanAt(i);
+            const int begin = static_cast<int>(std::max<std::int64_t>(span.first, columns.begin));
+            const int end = static_cast<int>(std::min<std::int64_t>(span.last + 1, columns.end));
+            PixelSums sums = row[static_cast<std::size_t>(i)];
+            for (int x = begin; x < end; ++x) {
+                const double weight = span.weight(x);
+                const double* const channels = m_work->columns.channels + 4 * (x - columns.begin);
+                sums.blue += weight * channels[0];
+                sums.green += weight * channels[1];
+                sums.red += weight * channels[2];
+                sums.alpha += weight * channels[3];
+                sums.weight += weight * m_work->columns.weights[x - columns.begin];
+            }
+            row[static_cast<std::size_t>(i)] = sums;
+        }
+    }
+
+    void storeRow(const XCRect& part, int y, const std::array<PixelSums, cnBlockSize>& row) {
+        const double height = static_cast<double>(m_rows(y).pixels());
+        for (int i = 0; i < part.Width(); ++i) {
+            const auto at = static_cast<std::size_t>(i);
+            m_work->stored.colours[at] = m_rule.pixelOf(row[at], height * static_cast<double>(spanAt(i).pixels()));
+            m_work->stored.values[at] = m_work->stored.colours[at].alpha;
+        }
+        m_rule.write(m_destination.GetBaseAddress() + (y & cnBlockMask) * m_destination.GetBlockRowBytes(),
+                     part.left & cnBlockMask, part.Width(), m_work->stored);
+    }
+
+    XCVOffscreen& m_destination;
+    XCVOffscreen& m_source;
+    const Map& m_columns;
+    const Map& m_rows;
+    const Rule& m_rule;
+    bool m_isDirect;
+    const ResampleKernels& m_kernels;
+    std::unique_ptr<Work> m_work;
+};
+
+} // namespace
+
+void averageWhole(XCVOffscreen& destination, const AxisPlan& columns, const AxisPlan& rows, XCVOffscreen& source,
+                  bool behind) {
+    const WholeRule rule(destination, source, behind);
+    const WholeSpans across(columns), down(rows);
+    BoxAverager(destination, across, down, source, rule).run();
+}
+
+void averageAreas(XCVOffscreen& destination, const AxisPlan& columns, const AxisPlan& rows, XCVOffscreen& source,
+                  bool behind) {
+    const AreaSpans across(columns), down(rows);
+    const AreaRule rule(destination, source, 1.0 / (across.scale() * down.scale()), behind);
+    BoxAverager(destination, across, down, source, rule).run();
+}
+
+} // namespace ovw::vimage
