@@ -27,6 +27,29 @@ struct PendingRun {
     int dy;
 };
 
+/// The runs that wait, the last one first.
+class PendingRuns {
+public:
+    bool isEmpty() const { return m_count == 0; }
+    void push(const PendingRun& run) {
+        if (m_count == m_runs.GetSize())
+            grow();
+        m_first[m_count++] = run;
+    }
+    PendingRun pop() { return m_first[--m_count]; }
+
+private:
+    void grow() {
+        constexpr int cnGrowStep = 4096;
+        m_runs.SetSize(m_count + cnGrowStep);
+        m_first = m_runs.GetData();
+    }
+
+    XCTArray<PendingRun, 0> m_runs; // more than wait: its size only grows
+    PendingRun* m_first = nullptr;
+    int m_count = 0;
+};
+
 template <class Row>
 class Flood {
 public:
@@ -39,14 +62,11 @@ public:
         m_result.changed.SetRect(seed.x, seed.y, seed.x, seed.y);
         push({seed.y, seed.x, seed.x, 1});
         push({seed.y + 1, seed.x, seed.x, -1});
-        while (const int waiting = m_pending.GetSize()) {
-            const PendingRun run = m_pending[waiting - 1];
-            m_pending.SetSize(waiting - 1);
-            if (isCancelled() || !explore(run)) {
+        while (!m_pending.isEmpty())
+            if (isCancelled() || !explore(m_pending.pop())) {
                 m_result.wasCancelled = true;
                 break;
             }
-        }
         ++m_result.changed.right;
         ++m_result.changed.bottom;
         return m_result;
@@ -57,7 +77,7 @@ private:
     void push(const PendingRun& run) {
         const int next = run.y + run.dy;
         if (next >= m_clip.top && next < m_clip.bottom)
-            m_pending.PushBack(run);
+            m_pending.push(run);
     }
 
     bool isCancelled() const {
@@ -113,7 +133,7 @@ private:
 
     /// Every column that the scans reach is entered, which creates its block, also where nothing is written then.
     void enter(int x) {
-        if ((x < m_row.left() || x >= m_row.right()) && x >= 0 && x < m_width)
+        if (!m_row.hasColumn(x) && x >= 0 && x < m_width)
             m_row.load(x, m_y);
     }
 
@@ -174,7 +194,7 @@ private:
     const bool m_isAbortable;
     const XCAbort m_abort{1, 0};
     int m_y = 0;
-    XCTArray<PendingRun, 0> m_pending;
+    PendingRuns m_pending;
     FloodResult m_result;
 };
 

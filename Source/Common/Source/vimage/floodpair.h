@@ -55,6 +55,7 @@ public:
 
     int left() const { return m_left; }
     int right() const { return m_right; }
+    bool hasColumn(int x) const { return x >= m_left && x < m_right; }
     int longest() const { return m_longest; }
     void load(int x, int y);
     int insideEnd(int x, int end);

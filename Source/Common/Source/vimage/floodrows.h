@@ -34,10 +34,11 @@ public:
     int right() const { return m_right; }
     static constexpr int longest() { return cnBlockSize; }
     void load(int x, int y) {
-        m_row = rowOf<Format>(m_blocks.at(x, y), y);
-        m_left = x & ~cnBlockMask;
-        m_right = std::min(m_left + cnBlockSize, m_width);
+        if (!hasColumn(x) || y >> XCVOffscreen::cnBlockShift != m_blockRow)
+            loadBlock(x, y);
+        m_row = rowOf<Format>(m_base, y);
     }
+    bool hasColumn(int x) const { return x >= m_left && x < m_right; }
 
     int insideEnd(int x, int end) const {
         if constexpr (IsExact)
@@ -69,6 +70,12 @@ public:
     }
 
 private:
+    void loadBlock(int x, int y) {
+        m_base = m_blocks.at(x, y);
+        m_blockRow = y >> XCVOffscreen::cnBlockShift;
+        m_left = x & ~cnBlockMask;
+        m_right = std::min(m_left + cnBlockSize, m_width);
+    }
     Value valueOf(std::uint32_t value) const { return writeAs<Format::cnBits, Format>(value, m_rules); }
     std::uint32_t valueAt(int x) const {
         return readAs<Format::cnBits, Format>(Format::pixelAt(m_row, x - m_left), m_rules);
@@ -86,7 +93,9 @@ private:
     const Value m_region;
     const Value m_written;
     const RunFinder<Format> m_regionRuns;
+    std::uint8_t* m_base = nullptr;
     std::uint8_t* m_row = nullptr;
+    int m_blockRow = -1;
     int m_left = 0;
     int m_right = 0;
 };

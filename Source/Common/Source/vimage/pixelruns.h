@@ -25,6 +25,10 @@ public:
 
     /// The first pixel of [x, end) that has another value; end without one.
     int endOfRun(const std::uint8_t* row, int x, int end) const {
+        // Short runs go by branches: the processor guesses their ends, where it would have to wait for a word's.
+        for (const int few = std::min(end, x + cnFew); x < few; ++x)
+            if (!isEqual(row, x))
+                return x;
         while (x < end)
             if (isByteStart(x) && x + cnPiecePixels <= cnBlockSize) {
                 const int equal = equalFrom(row + byteOf(x));
@@ -41,6 +45,9 @@ public:
     /// The first pixel of the run that ends with x, but not one before begin; x + 1 when x has another value.
     int beginOfRun(const std::uint8_t* row, int x, int begin) const {
         int first = x + 1;
+        for (const int few = std::max(begin, first - cnFew); first > few; --first)
+            if (!isEqual(row, first - 1))
+                return first;
         while (first > begin)
             if (isByteStart(first) && first >= cnPiecePixels) {
                 const int equal = equalBefore(row + byteOf(first));
@@ -62,6 +69,7 @@ public:
     }
 
 private:
+    static constexpr int cnFew = 4;
     static constexpr int cnWordBytes = 8;
     static constexpr int cnWords = Format::cnBits == Rgb24::cnBits ? 3 : 1; // that whole pixels fill
     static constexpr int cnPieceBytes = cnWords * cnWordBytes;
