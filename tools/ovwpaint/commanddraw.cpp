@@ -78,7 +78,7 @@ void DrawCommand::addPictureOptions() {
 void DrawCommand::addBrushOptions() {
     CLI::Option* preset = app()
                               .add_option("--preset", m_options.preset, "A brush of `ovwpaint presets`")
-                              ->check(CLI::IsMember(presetNames()))
+                              ->check(oneOf(presetNames()))
                               ->type_name("NAME")
                               ->capture_default_str();
     app().add_option("--brush", m_options.brushFile, "A brush file")->type_name("FILE.json")->excludes(preset);
@@ -89,6 +89,7 @@ void DrawCommand::addBrushOptions() {
     addName(app(), "--composition", m_options.composition, compositionNames(),
             "How the paint meets the picture (see below)");
     addName(app(), "--cache", m_options.cacheKind, cacheNames(), "How the stamps of a stroke add up (see below)");
+    app().add_flag("--no-cache", m_options.noCache, "Put every stamp straight onto the picture");
     app()
         .add_option("--seed", m_options.seed, "Start of the random numbers, for scatter and splatters")
         ->check(CLI::Range(std::uint32_t{0}, std::numeric_limits<std::uint32_t>::max()))

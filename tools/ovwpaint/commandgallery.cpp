@@ -1,4 +1,5 @@
 #include "command.h"
+#include "commandoptions.h"
 #include "failure.h"
 #include "gallery/ground.h"
 #include "gallery/sheets.h"
@@ -44,7 +45,7 @@ public:
         app()
             .add_option("--only", m_only, "Paint this sheet; may be given several times")
             ->allow_extra_args(false)
-            ->check(CLI::IsMember(sheetNames()))
+            ->check(oneOf(sheetNames()))
             ->type_name("NAME");
         app()
             .add_option("--photo", m_photo, "The picture to smudge, blur and clone instead of a painted landscape")

@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 
@@ -49,6 +50,18 @@ std::string checkScale(const std::string& text) {
     if (*end == '\0' && scale >= 1.0 / cnMaxScale && scale <= cnMaxScale)
         return "";
     return "\"" + text + "\" is no factor from 0.001 to 1000";
+}
+
+CLI::Validator oneOf(std::vector<std::string> names) {
+    const auto check = [names = std::move(names)](const std::string& text) -> std::string {
+        if (std::find(names.begin(), names.end(), text) != names.end())
+            return "";
+        std::string list;
+        for (const std::string& name : names)
+            list += (list.empty() ? "" : ", ") + name;
+        return "\"" + text + "\" is none of " + list;
+    };
+    return CLI::Validator(check, "");
 }
 
 CLI::Option* addPoint(CLI::App& app, const std::string& option, std::optional<XCPoint>& value,

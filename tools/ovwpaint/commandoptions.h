@@ -22,6 +22,8 @@ std::vector<std::string> presetNames();
 // Validators: the answer is empty when the text is right, else what is wrong with it.
 std::string checkColour(const std::string& text);
 std::string checkScale(const std::string& text);
+/// One of the names; unlike CLI::IsMember it does not put them all into the help.
+CLI::Validator oneOf(std::vector<std::string> names);
 
 /// An option that takes "X,Y", whole numbers no further from 0 than pictures are large.
 CLI::Option* addPoint(CLI::App& app, const std::string& option, std::optional<XCPoint>& value,

@@ -19,7 +19,7 @@ public:
         : Command(program.add_subcommand("presets", "List the brushes, or print one as a brush file")) {
         app()
             .add_option("--json", m_printed, "Print this preset as a brush file to start from")
-            ->check(CLI::IsMember(presetNames()))
+            ->check(oneOf(presetNames()))
             ->type_name("NAME");
     }
 

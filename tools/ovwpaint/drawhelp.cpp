@@ -1,6 +1,7 @@
 #include "drawhelp.h"
 
 #include "names.h"
+#include "tips.h"
 
 namespace ovwpaint {
 
@@ -33,6 +34,12 @@ stamp replaces what is there; all from "water" on need one. Only pictures of 8, 
 of 8 bits those that follow colours follow the ink. Caches: with "over" each stamp covers some more of what is left,
 with "over-capped" never beyond the stroke's opacity, with "maximum" the strongest stamp counts, with "sum" they add.
 
+)";
+
+constexpr const char* cnTipText =
+    R"(Tips: a picture in black and white covers where it is black, a grey one by its darkness, both in the brush's
+colour; one with colours or transparency is stamped as it is, with soft edges only under --no-cache. The longer side
+of the picture becomes the size of the brush. Built-in tips, which need no file:
 )";
 
 constexpr const char* cnTexture =
@@ -81,12 +88,25 @@ std::string paragraph(const std::string& title, std::span<const NamedValue> name
     return text + line + "\n";
 }
 
+/// The text with line breaks at blanks, so that no line is longer than 120 characters.
+std::string broken(const std::string& text) {
+    constexpr std::size_t cnLineLength = 120;
+    std::string lines = text;
+    for (std::size_t start = 0; start + cnLineLength < lines.size();) {
+        const std::size_t blank = lines.rfind(' ', start + cnLineLength);
+        lines[blank] = '\n';
+        start = blank + 1;
+    }
+    return lines + ".\n";
+}
+
 } // namespace
 
 std::string drawHelp() {
     return std::string(cnSize) + cnDepth + cnBackground + paragraph("Compositions", compositionNames()) +
-           paragraph("Caches", cacheNames()) + cnComposition + paragraph("Texture modes", textureModeNames()) +
-           cnTexture + cnPictures + cnPen + cnBrushFiles + cnOutput;
+           paragraph("Caches", cacheNames()) + cnComposition + paragraph("Tip orders", tipOrderNames()) + cnTipText +
+           broken(builtInTipNames()) + paragraph("\nTexture modes", textureModeNames()) + cnTexture + cnPictures +
+           cnPen + cnBrushFiles + cnOutput;
 }
 
 } // namespace ovwpaint

@@ -76,6 +76,8 @@ Brush chooseBrush(const DrawOptions& options) {
     if (options.composition)
         brush.setComposition(*options.composition);
     brush.method.cacheKind = options.cacheKind.value_or(brush.method.cacheKind);
+    if (options.noCache)
+        brush.method.useCache = 0;
     changeTexture(brush.texture, options);
     changeTips(brush, options);
     changeSource(brush.source, options);

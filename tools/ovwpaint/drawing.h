@@ -30,6 +30,7 @@ struct DrawOptions {
     std::optional<int> brushSize;   ///< pixels of the drawing, instead of the brush's own size
     std::optional<int> composition; ///< instead of the brush's own; likewise below
     std::optional<int> cacheKind;
+    bool noCache = false;
     std::string texture;
     std::optional<int> textureMode;
     std::optional<int> textureDensity;

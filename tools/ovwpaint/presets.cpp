@@ -171,9 +171,15 @@ void makeBristle(Brush& brush) {
     setMethod(brush, XCFastPixelMixer::Normal, cnCacheMaximum);
 }
 
+/// Pictures in their own colours keep their soft edges only without a cache.
+void setOwnColours(Brush& brush, std::vector<std::string> patterns) {
+    setTips(brush, std::move(patterns));
+    brush.method.useCache = 0;
+}
+
 /// Three pictures in their own colours, turned and scattered at random.
 void makeLeaves(Brush& brush) {
-    setTips(brush, {"builtin:leaf-green", "builtin:leaf-gold", "builtin:leaf-red"});
+    setOwnColours(brush, {"builtin:leaf-green", "builtin:leaf-gold", "builtin:leaf-red"});
     brush.pattern.patternOrder = cnOrderRandom;
     setSize(brush, 30, 130, cnControlRandom);
     brush.rotate.angleRange = cnPi;
@@ -182,18 +188,16 @@ void makeLeaves(Brush& brush) {
     brush.airbrush.sprayWidthAtFull = 46;
     brush.airbrush.plotCountAtFull = 2;
     setSpacing(brush, 50);
-    setMethod(brush, XCFastPixelMixer::Normal, cnCacheOver);
 }
 
 /// The leaves grow along the stroke, one colour after the other, forward and back again.
 void makeGarland(Brush& brush) {
-    setTips(brush, {"builtin:leaf-green", "builtin:leaf-gold", "builtin:leaf-red"});
+    setOwnColours(brush, {"builtin:leaf-green", "builtin:leaf-gold", "builtin:leaf-red"});
     brush.pattern.patternOrder = cnOrderBackAndForth;
     setSize(brush, 26, 140, cnControlPressure);
     brush.rotate.angleRange = cnPi;
     brush.rotate.angleControl = cnRotateDirection;
     setSpacing(brush, 70);
-    setMethod(brush, XCFastPixelMixer::Normal, cnCacheOver);
 }
 
 void makeSplatter(Brush& brush) {
@@ -208,10 +212,9 @@ void makeSplatter(Brush& brush) {
 }
 
 void makeRope(Brush& brush) {
-    setTips(brush, {"builtin:rope"});
+    setOwnColours(brush, {"builtin:rope"});
     setSize(brush, 20, 160, cnControlPressure);
     brush.etc.bendFlag = 1;
-    setMethod(brush, XCFastPixelMixer::Normal, cnCacheMaximum);
 }
 
 void makeDryBrush(Brush& brush) {

@@ -32,12 +32,13 @@ inline Brush softBrush(int size, int hardness, Colour colour = cnInk) {
     return brush;
 }
 
+/// Without a cache, so that pictures with soft transparency keep it.
 inline Brush imageBrush(int size, std::vector<std::string> tips, int spacing, Colour colour = cnInk) {
     Brush brush = plainBrush(size, colour);
     brush.pattern.patternKind = XCPattern::cnKindImage;
     brush.tips.patterns = std::move(tips);
     brush.interval.intervalAtFull = spacing;
-    brush.method.cacheKind = cnCacheOver;
+    brush.method.useCache = 0;
     return brush;
 }
 

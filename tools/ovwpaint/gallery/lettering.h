@@ -10,8 +10,8 @@
 
 namespace ovwpaint::gallery {
 
-/// Writes small letters, digits, blanks, hyphens and points; leaves out others. (left, top) is the corner of a line of
-/// about 14 pixels.
+/// Writes small letters, digits, blanks, hyphens, commas and points; leaves out others. (left, top) is the corner of a
+/// line of about 14 pixels.
 void writeText(Canvas& canvas, int left, int top, std::string_view text);
 
 } // namespace ovwpaint::gallery

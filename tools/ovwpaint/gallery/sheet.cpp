@@ -43,11 +43,13 @@ Colour checkerboard(int x, int y) {
 
 std::vector<Colour> readRow(Canvas& canvas, int y) {
     XCVOffscreen& image = canvas.image();
+    // Images of ink alone have no transparency to show.
+    const bool isInk = canvas.depth() == 1 || canvas.depth() == 8;
     const XCVOffscreenAutoLock lock(&image, 0, y, 0);
     std::vector<Colour> row;
     for (int x = 0; x < canvas.width(); ++x) {
         image.MoveCursor(x, y);
-        row.push_back(over(image.Get32BitColor(), checkerboard(x, y)));
+        row.push_back(over(image.Get32BitColor(), isInk ? packColour(255, 255, 255) : checkerboard(x, y)));
     }
     return row;
 }
@@ -161,7 +163,7 @@ Path zigzagIn(int width, int height) {
 Path loopIn(int width, int height) {
     return [=](double t) {
         const double angle = cnTurn * t * 1.75;
-        return penAt(width * (0.2 + 0.6 * t - 0.16 * std::sin(angle)), height * (0.5 + 0.27 * std::cos(angle)));
+        return penAt(width * (0.27 + 0.46 * t - 0.14 * std::sin(angle)), height * (0.5 + 0.29 * std::cos(angle)));
     };
 }
 

@@ -20,6 +20,11 @@ Cell compositionCell(int composition) {
     Brush brush = softBrush(34, 190, packColour(224, 120, 40));
     brush.color.opacity = 220;
     brush.setComposition(composition);
+    // Replacing paints no soft rim over what is there, it leaves one.
+    if (composition == XCFastPixelMixer::Replace) {
+        brush.hardness.hardness = 255;
+        brush.etc.overSampling = 0;
+    }
     Cell cell(cnWidth, cnHeight, cnClear);
     return std::move(cell.fill(bandsUpTo(cnColoured)).stroke(brush, waveIn(cnWidth, cnHeight)));
 }
@@ -192,12 +197,12 @@ Sheet paintBlurs(const PhotoMaker& photo) {
 }
 
 Sheet paintClones(const PhotoMaker& photo) {
-    const Path twoLines = zigzagIn(cnPhotoWidth, cnPhotoHeight);
+    const Path acrossHills = lineFrom(110.0, 90.0, 220.0, 70.0);
     Sheet sheet(3);
     sheet.add(photoCell(photo), "as it was");
     sheet.add(std::move(photoCell(photo).stroke(cloning(0, -60), lineFrom(40.0, 130.0, 210.0, 120.0))),
               "from 60 above");
-    sheet.add(std::move(photoCell(photo).stroke(cloning(-70, 0), twoLines, 6)), "from 70 to the left");
+    sheet.add(std::move(photoCell(photo).stroke(cloning(-70, 0), acrossHills)), "from 70 to the left");
     return sheet;
 }
 

@@ -66,7 +66,6 @@ Brush bendingBrush(const char* tip, int size, float angle) {
     Brush brush = imageBrush(size, {tip}, 5);
     brush.etc.bendFlag = 1;
     brush.rotate.angle = angle;
-    brush.method.cacheKind = cnCacheMaximum;
     return brush;
 }
 
@@ -85,7 +84,7 @@ Sheet paintTips(const PhotoMaker&) {
     sheet.add(tipCell(plainBrush(20)), "circle");
     sheet.add(tipCell(softBrush(20, 100)), "circle, hardness 100");
     sheet.add(tipCell(ellipseBrush(0.4f)), "ellipse, size rate 0.4");
-    sheet.add(tipCell(ellipseBrush(0.08f)), "ellipse, size rate 0.08");
+    sheet.add(tipCell(ellipseBrush(0.15f)), "ellipse, size rate 0.15");
     sheet.add(tipCell(rectBrush()), "rectangle");
     sheet.add(tipCell(polygonBrush(20, 3)), "polygon of 3");
     sheet.add(tipCell(polygonBrush(20, 6)), "polygon of 6");
@@ -138,12 +137,12 @@ Sheet paintSplatters(const PhotoMaker&) {
     constexpr int cnSide = 130;
     Sheet sheet(6);
     for (const float softness : {0.0f, 0.8f}) {
-        for (const float spread : {0.0f, 0.4f, 1.0f}) {
+        for (const float spread : {0.2f, 0.5f, 1.0f}) {
             for (const float density : {0.1f, 0.5f}) {
                 Cell cell(cnSide, cnSide);
                 cell.tap(splatterBrush(110, spread, softness, density), cnSide * 0.5, cnSide * 0.5);
                 const auto text = [](float value) { return std::to_string(value).substr(0, 3); };
-                sheet.add(std::move(cell), text(spread) + " - " + text(softness) + " - " + text(density));
+                sheet.add(std::move(cell), text(spread) + ", " + text(softness) + ", " + text(density));
             }
         }
     }
