@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <limits>
 #include <vector>
 
-/// Input that no application should hand over: nothing may crash, hang or take memory without bound.
+/// Input that no application should hand over: nothing may crash, hang or take memory without bound. What hangs meets
+/// the time limit that every test has.
 namespace {
 
 using namespace ovw::test;
@@ -17,13 +17,6 @@ constexpr double cnInfinity = std::numeric_limits<double>::infinity();
 constexpr int cnIntMax = std::numeric_limits<int>::max();
 
 const double s_badNumbers[] = {cnNaN, cnInfinity, -cnInfinity, 1e300, -1e300, 3e9, -3e9};
-
-template <class Draw>
-void expectQuick(Draw draw) {
-    const auto start = std::chrono::steady_clock::now();
-    draw();
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
-}
 
 TEST(BrushBadInput, TipsTakeAnyPlaceAndSize) {
     XCCirclePattern circle, ellipse, needle;
@@ -41,10 +34,8 @@ TEST(BrushBadInput, TipsTakeAnyPlaceAndSize) {
             for (const float size : {float(cnNaN), -5.0f, -float(cnInfinity)})
                 tip->Draw(nullptr, canvas.image(), &canvas.mixer, XCPointD(400, 400), size, 1, antialias);
             EXPECT_TRUE(isSame(canvas.pixels(), untouched.pixels())) << "kind " << tip->kind;
-            expectQuick([&] {
-                for (const float size : {30000.0f, 1e9f, 1e30f, float(cnInfinity), float(cnNaN), 0.0f, -5.0f})
-                    tip->Draw(nullptr, canvas.image(), &canvas.mixer, XCPointD(150, 140), size, 1, antialias);
-            });
+            for (const float size : {30000.0f, 1e9f, 1e30f, float(cnInfinity), float(cnNaN), 0.0f, -5.0f})
+                tip->Draw(nullptr, canvas.image(), &canvas.mixer, XCPointD(150, 140), size, 1, antialias);
         }
     }
 }
@@ -83,16 +74,14 @@ TEST(BrushBadInput, StrokesTakeAnySample) {
         Studio studio(32, settings);
         setRoundBrush(studio.brush, 30, 100, 200, 30);
         studio.brush.SetSizeParam({30, 0, cnControlPressure});
-        expectQuick([&] {
-            for (const double bad : {cnNaN, cnInfinity, -cnInfinity}) {
-                studio.draw({penAt(50, 50), penAt(bad, 60), penAt(70, bad), penAt(90, 90)});
-                studio.draw({penAt(bad, bad), penAt(bad, bad)});
-                studio.draw({penAt(50, 50, float(bad)), penAt(90, 90, float(bad))});
-                XCStrokePoint point = penAt(bad, 60);
-                studio.begin();
-                studio.engine.DrawSinglePattern(nullptr, &point, bad);
-            }
-        });
+        for (const double bad : {cnNaN, cnInfinity, -cnInfinity}) {
+            studio.draw({penAt(50, 50), penAt(bad, 60), penAt(70, bad), penAt(90, 90)});
+            studio.draw({penAt(bad, bad), penAt(bad, bad)});
+            studio.draw({penAt(50, 50, float(bad)), penAt(90, 90, float(bad))});
+            XCStrokePoint point = penAt(bad, 60);
+            studio.begin();
+            studio.engine.DrawSinglePattern(nullptr, &point, bad);
+        }
         studio.draw({penAt(50, 50), penAt(90, 90)});
         EXPECT_NE(studio.image.value(60, 60) >> 24, 0u) << "the engine still draws";
     }
@@ -115,7 +104,7 @@ TEST(BrushBadInput, BrushesTakeAnySetting) {
         Studio studio(8, {.useCache = 1, .cacheKind = 1, .densityFlag = 1});
         XCPatternDrawParam& brush = studio.brush;
         const auto expectDraws = [&] {
-            expectQuick([&] { studio.draw({penAt(50, 50), penAt(60, 55), penAt(61, 56)}); });
+            studio.draw({penAt(50, 50), penAt(60, 55), penAt(61, 56)});
             brush.InitParam();
             setRoundBrush(brush, 20, 100, 200, 30);
         };
@@ -158,7 +147,7 @@ TEST(BrushBadInput, AnyScaleAndMethod) {
     for (const double scale : {cnNaN, cnInfinity, -1.0, 1e-300, 1e300}) {
         Studio studio(32, {}, scale);
         setRoundBrush(studio.brush, 20, 100, 200, 30);
-        expectQuick([&] { studio.draw({penAt(50, 50), penAt(60, 55)}); });
+        studio.draw({penAt(50, 50), penAt(60, 55)});
         studio.engine.RectOffscrToLog(XCRect(-cnIntMax - 1, 1, cnIntMax, 5));
     }
     for (const int kind : {-1, 3, 4, 8, 18, 19, 1000, cnIntMax})
