@@ -26,9 +26,9 @@ struct VXUNZIPOPTIONS {
 ///
 /// The directory is checked before anything is created. Throws 0x2001000B for names that leave the folder (absolute,
 /// with a drive, a "\" or too many ".."), links, sizes that cannot be, damage, and archives beyond the limits; 50 for
-/// encrypted entries and other methods; 206 for names that are too long. After an error every file and folder that the
-/// call created is gone again. Names are taken as they are stored; where they are no text of the current code page,
-/// their foreign bytes become %XX.
+/// encrypted entries, other methods and entries packed to 4 GiB or more; 206 for paths that are too long. After an
+/// error every file and folder that the call created is gone again. Names are taken as they are stored; where they are
+/// no text of the current code page, their foreign bytes become %XX.
 OVWCMN_API int xcUnzip(const XCFilePath& zipFile, const XCFilePath& destFolder,
                        const VXUNZIPOPTIONS* options = nullptr);
 

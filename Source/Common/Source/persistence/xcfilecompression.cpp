@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace platform = ovw::platform;
@@ -61,12 +62,14 @@ bool isFolder(const platform::FileInformation& information) {
     return information.attributes & platform::attributeFolder;
 }
 
+/// The last component whole: a ":" in it is part of the name on this system.
 XCString packableName(const XCFilePath& path) {
-    XCString name;
-    path.GetFileName(name);
-    if (!isPlainName(name))
+    const std::string text = vxWithoutBackDelimiter(static_cast<const char*>(path));
+    const std::size_t delimiter = vxFindLastDelimiter(text);
+    const std::string name = delimiter == std::string::npos ? text : text.substr(delimiter + 1);
+    if (!isPlainName(name.c_str()))
         xcThrowError(platform::cnErrorInvalidName);
-    return name;
+    return name.c_str();
 }
 
 std::int32_t seconds32(std::int64_t seconds) {

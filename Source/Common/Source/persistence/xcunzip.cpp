@@ -70,13 +70,11 @@ void checkEntry(const ZipEntry& entry, const XCFilePath& destFolder) {
     const std::uint32_t type = entry.unixMode & cnModeType;
     if (type != 0 && type != cnModeFile && type != cnModeFolder)
         xcThrowError(cnCodeFileFormat); // a link or a device
-    if (entry.isEncrypted || (entry.method != cnStored && entry.method != cnDeflated))
+    if (entry.isEncrypted || entry.isTooLong || (entry.method != cnStored && entry.method != cnDeflated))
         xcThrowError(platform::cnErrorNotSupported);
-    constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
-    const bool sizesAgree =
-        entry.method == cnStored
-            ? entry.size == entry.packedSize
-            : entry.packedSize > most || XCZLib::CanExpandTo(entry.size, static_cast<std::uint32_t>(entry.packedSize));
+    const bool sizesAgree = entry.method == cnStored
+                                ? entry.size == entry.packedSize
+                                : XCZLib::CanExpandTo(entry.size, static_cast<std::uint32_t>(entry.packedSize));
     if (!sizesAgree)
         xcThrowError(cnCodeFileFormat);
     pathOf(destFolder, placeOf(entry.name)); // throws for names that leave it or are too long

@@ -3,11 +3,13 @@
 #include "Platform/systemerror.h"
 #include "ovwcmn/xcexception.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
-#include <limits>
+#include <span>
 
 #include <minizip/unzip.h>
+#include <zlib.h>
 
 namespace ovw::persistence {
 
@@ -16,7 +18,36 @@ namespace {
 constexpr std::size_t cnMaxNameBytes = 511;
 constexpr std::uint32_t cnEncryptedFlag = 1;
 constexpr int cnUnixModeShift = 16; // in the external attributes
-constexpr std::size_t cnPieceBytes = 1 << 16;
+constexpr std::uint64_t cnPieceBytes = 1 << 16;
+constexpr std::uint32_t cnWindowBytes = 1 << 15;
+
+constexpr char cnEndSignature[] = {'P', 'K', 5, 6};
+constexpr std::size_t cnEndRecordBytes = 22;
+
+constexpr std::size_t cnMaxExtraBytes = 65535;
+constexpr std::size_t cnExtraHeadBytes = 4; // identifier and size
+constexpr std::uint32_t cnLongSizes = 1;    // the identifier of sizes of 64 bits
+constexpr std::uint64_t cnSizeElsewhere = 0xFFFFFFFF;
+
+std::uint64_t littleEndian(std::span<const std::uint8_t> bytes) {
+    std::uint64_t value = 0;
+    for (std::size_t i = bytes.size(); i-- > 0;)
+        value = value << 8 | bytes[i];
+    return value;
+}
+
+/// Where the size does not fit 32 bits, an extra field begins with it; minizip 1.1 misses that on systems whose long
+/// has 64 bits.
+void takeLongSize(std::span<const std::uint8_t> extra, ZipEntry& entry) {
+    while (entry.size == cnSizeElsewhere && extra.size() >= cnExtraHeadBytes) {
+        const std::size_t size = littleEndian(extra.subspan(2, 2));
+        const bool isLongSizes = littleEndian(extra.first(2)) == cnLongSizes;
+        extra = extra.subspan(cnExtraHeadBytes);
+        if (isLongSizes && size >= sizeof entry.size && size <= extra.size())
+            entry.size = littleEndian(extra.first(sizeof entry.size));
+        extra = extra.subspan(std::min(size, extra.size()));
+    }
+}
 
 } // namespace
 
@@ -26,7 +57,7 @@ struct ZipReader::Callbacks {
     static bool run(void* opaque, Operation operation) {
         auto& reader = *static_cast<ZipReader*>(opaque);
         try {
-            operation(reader.m_file);
+            operation(reader);
             return true;
         } catch (const XCException& error) {
             reader.m_readError = error.GetErrorCode();
@@ -36,21 +67,19 @@ struct ZipReader::Callbacks {
 
     static void* open(void* opaque, const void*, int) { return opaque; }
     static uLong read(void* opaque, void*, void* buffer, uLong size) {
-        std::uint32_t done = 0;
-        run(opaque, [&](XCFile& file) { file.Read(buffer, static_cast<std::uint32_t>(size), &done); });
+        std::size_t done = 0;
+        run(opaque, [&](ZipReader& reader) { done = reader.read(static_cast<char*>(buffer), size); });
         return done;
     }
     static uLong write(void*, void*, const void*, uLong) { return 0; }
-    static ZPOS64_T tell(void* opaque, void*) {
-        std::int64_t position = -1;
-        run(opaque, [&](XCFile& file) { position = file.GetPosition(); });
-        return static_cast<ZPOS64_T>(position);
-    }
+    static ZPOS64_T tell(void* opaque, void*) { return static_cast<ZipReader*>(opaque)->m_position; }
     static long seek(void* opaque, void*, ZPOS64_T offset, int origin) {
-        static_assert(ZLIB_FILEFUNC_SEEK_SET == FILE_BEGIN && ZLIB_FILEFUNC_SEEK_END == FILE_END);
-        const auto method = static_cast<std::uint32_t>(origin);
-        const bool done = offset <= std::numeric_limits<std::int64_t>::max() &&
-                          run(opaque, [&](XCFile& file) { file.Seek(static_cast<std::int64_t>(offset), method); });
+        const bool done = run(opaque, [&](ZipReader& reader) {
+            const std::uint64_t base = origin == ZLIB_FILEFUNC_SEEK_SET   ? 0
+                                       : origin == ZLIB_FILEFUNC_SEEK_CUR ? reader.m_position
+                                                                          : reader.archiveBytes();
+            reader.m_position = base + offset;
+        });
         return done ? 0 : -1;
     }
     static int close(void*, void*) { return 0; }
@@ -62,11 +91,50 @@ ZipReader::ZipReader(const XCFilePath& path) {
     zlib_filefunc64_def functions = {&Callbacks::open, &Callbacks::read,  &Callbacks::write, &Callbacks::tell,
                                      &Callbacks::seek, &Callbacks::close, &Callbacks::error, this};
     m_zip = unzOpen2_64("", &functions);
+    m_isEmpty = !m_zip && isEmptyArchive();
 }
 
 ZipReader::~ZipReader() {
     if (m_zip)
         unzClose(m_zip);
+}
+
+/// Whether the file is an end record (with its comment) that tells of no entries.
+bool ZipReader::isEmptyArchive() {
+    char record[cnEndRecordBytes];
+    m_position = 0;
+    if (read(record, sizeof record) != sizeof record || std::memcmp(record, cnEndSignature, sizeof cnEndSignature) != 0)
+        return false;
+    const auto* const comment = reinterpret_cast<const std::uint8_t*>(record) + cnEndRecordBytes - 2;
+    const auto isZero = [](char byte) { return byte == 0; };
+    return std::all_of(record + sizeof cnEndSignature, record + cnEndRecordBytes - 2, isZero) &&
+           archiveBytes() == cnEndRecordBytes + static_cast<std::uint64_t>(comment[0] + 256 * comment[1]);
+}
+
+/// From the position on, which moves; fewer bytes at the end of the file.
+std::size_t ZipReader::read(char* to, std::size_t size) {
+    std::size_t done = 0;
+    while (done < size) {
+        const std::uint64_t inWindow = m_position - m_windowStart;
+        if (m_position >= m_windowStart && inWindow < m_window.size()) {
+            const std::size_t count = std::min<std::size_t>(size - done, m_window.size() - inWindow);
+            std::memcpy(to + done, m_window.data() + inWindow, count);
+            done += count;
+            m_position += count;
+            continue;
+        }
+        if (m_position >= archiveBytes())
+            break;
+        std::uint32_t count = 0;
+        m_window.resize(cnWindowBytes);
+        m_windowStart = m_position;
+        m_file.Seek(static_cast<std::int64_t>(m_position), FILE_BEGIN);
+        m_file.Read(m_window.data(), cnWindowBytes, &count);
+        m_window.resize(count);
+        if (count == 0)
+            break;
+    }
+    return done;
 }
 
 void ZipReader::check(int result) const {
@@ -76,6 +144,8 @@ void ZipReader::check(int result) const {
 }
 
 std::uint64_t ZipReader::entryCount() const {
+    if (m_isEmpty)
+        return 0;
     unz_global_info64 information = {};
     check(unzGetGlobalInfo64(m_zip, &information));
     return information.number_entry;
@@ -88,36 +158,51 @@ void ZipReader::goToNext() { check(unzGoToNextFile(m_zip)); }
 ZipEntry ZipReader::entry() const {
     unz_file_info64 information = {};
     std::array<char, cnMaxNameBytes + 1> name = {};
-    check(unzGetCurrentFileInfo64(m_zip, &information, name.data(), name.size(), nullptr, 0, nullptr, 0));
+    std::vector<std::uint8_t> extra(cnMaxExtraBytes);
+    check(
+        unzGetCurrentFileInfo64(m_zip, &information, name.data(), name.size(), extra.data(), extra.size(), nullptr, 0));
     if (information.size_filename > cnMaxNameBytes)
         xcThrowError(platform::cnErrorFileNameTooLong);
     if (std::strlen(name.data()) != information.size_filename)
         xcThrowError(foundation::cnCodeFileFormat); // a NUL within
+    extra.resize(std::min<std::size_t>(extra.size(), information.size_file_extra));
     ZipEntry entry;
     entry.name = name.data();
     entry.size = information.uncompressed_size;
     entry.packedSize = information.compressed_size;
+    entry.isTooLong = entry.packedSize >= cnSizeElsewhere;
+    takeLongSize(extra, entry);
+    entry.checkSum = static_cast<std::uint32_t>(information.crc);
     entry.method = static_cast<std::uint32_t>(information.compression_method);
     entry.unixMode = static_cast<std::uint32_t>(information.external_fa) >> cnUnixModeShift;
     entry.isEncrypted = information.flag & cnEncryptedFlag;
     return entry;
 }
 
+std::size_t ZipReader::expandPiece(char* to, std::uint64_t size) {
+    const int count = unzReadCurrentFile(m_zip, to, static_cast<unsigned>(std::min<std::uint64_t>(size, cnPieceBytes)));
+    check(count);
+    return static_cast<std::size_t>(count);
+}
+
+// Size and check sum are looked at here, since minizip takes sizes of 64 bits for unknown ones and then checks nothing.
 void ZipReader::expand(const std::function<void(const void*, std::uint32_t)>& write) {
-    const std::uint64_t announced = entry().size;
+    const ZipEntry expected = entry();
     check(unzOpenCurrentFile(m_zip));
     std::array<char, cnPieceBytes> piece;
-    std::uint64_t total = 0;
-    for (;;) {
-        const int count = unzReadCurrentFile(m_zip, piece.data(), static_cast<unsigned>(piece.size()));
-        check(count);
+    std::uint64_t left = expected.size;
+    uLong sum = crc32(0, nullptr, 0);
+    while (left > 0) {
+        const std::size_t count = expandPiece(piece.data(), left);
         if (count == 0)
             break;
-        total += static_cast<std::uint64_t>(count);
+        left -= count;
+        sum = crc32(sum, reinterpret_cast<const Bytef*>(piece.data()), static_cast<uInt>(count));
         write(piece.data(), static_cast<std::uint32_t>(count));
     }
-    check(unzCloseCurrentFile(m_zip)); // looks at the check sum
-    if (total != announced)
+    const bool goesOn = expected.method != 0 && expandPiece(piece.data(), 1) != 0;
+    unzCloseCurrentFile(m_zip);
+    if (left > 0 || goesOn || sum != expected.checkSum)
         xcThrowError(foundation::cnCodeFileFormat);
 }
 

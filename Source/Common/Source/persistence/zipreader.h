@@ -3,9 +3,11 @@
 
 #include "ovwcmn/xcfile.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace ovw::persistence {
 
@@ -15,8 +17,10 @@ struct ZipEntry {
     std::uint64_t size = 0;
     std::uint64_t packedSize = 0;
     std::uint32_t method = 0;
+    std::uint32_t checkSum = 0; ///< CRC-32 of the contents
     std::uint32_t unixMode = 0; ///< 0 from systems without
     bool isEncrypted = false;
+    bool isTooLong = false; ///< minizip 1.1 cannot find its end
 };
 
 /// Walks the directory of a ZIP archive and expands its entries, through minizip. Throws 0x2001000B for damage, the
@@ -29,7 +33,7 @@ public:
     ZipReader& operator=(const ZipReader&) = delete;
 
     /// Whether the file is an archive.
-    bool isOpen() const { return m_zip; }
+    bool isOpen() const { return m_zip || m_isEmpty; }
     /// As the archive announces it.
     std::uint64_t entryCount() const;
     std::uint64_t archiveBytes() const { return static_cast<std::uint64_t>(m_file.GetLength()); }
@@ -43,10 +47,17 @@ public:
 
 private:
     void check(int result) const;
+    bool isEmptyArchive();
+    std::size_t read(char* to, std::size_t size);
+    std::size_t expandPiece(char* to, std::uint64_t size);
 
     XCFile m_file;
+    std::uint64_t m_position = 0;
+    std::vector<char> m_window; // of the file: minizip reads byte by byte
+    std::uint64_t m_windowStart = 0;
     void* m_zip = nullptr;
-    int m_readError = 0; // the code of the last failure of the file itself
+    bool m_isEmpty = false; // which minizip takes for no archive
+    int m_readError = 0;    // the code of the last failure of the file itself
 };
 
 } // namespace ovw::persistence
