@@ -1,0 +1,107 @@
+#include "offscreen/smoothblends.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace ovw::offscreen {
+
+namespace {
+
+std::uint8_t limited(int value) { return byteOf(std::min(value, cnByteMax)); }
+
+/// The parts of a row and of a column at the corner where they meet.
+ArgbPixel corner(const ArgbPixel& own, const ArgbPixel& new1, const ArgbPixel& new2, const ArgbPixel& old1,
+                 const ArgbPixel& old2) {
+    const auto together = [](int n1, int n2, int o1, int o2, int pixel) {
+        return limited((n1 + o1) / 2 + o2 + n2 + pixel / 4);
+    };
+    if (new1.alpha || new2.alpha || old1.alpha || old2.alpha) {
+        const std::uint8_t alpha = together(new1.alpha, new2.alpha, old1.alpha, old2.alpha, own.alpha);
+        return {std::max<std::uint8_t>(alpha, 1), new1.red, new1.green, new1.blue};
+    }
+    return {0, together(new1.red, new2.red, old1.red, old2.red, own.red),
+            together(new1.green, new2.green, old1.green, old2.green, own.green),
+            together(new1.blue, new2.blue, old1.blue, old2.blue, own.blue)};
+}
+
+/// A pixel with its blends: part1 alone is a whole, or, with part2, a part.
+ArgbPixel merged(const ArgbPixel& own, const ArgbPixel& part1, const ArgbPixel* part2) {
+    const int alpha2 = part2 ? part2->alpha : 0;
+    if (alpha2)
+        return {limited(own.alpha / 2 + alpha2 + part1.alpha), part1.red, part1.green, part1.blue};
+    if (part1.alpha)
+        return part1;
+    if (!part2)
+        return {cnByteMax, part1.red, part1.green, part1.blue};
+    return {cnByteMax, limited(own.red / 2 + part2->red + part1.red),
+            limited(own.green / 2 + part2->green + part1.green), limited(own.blue / 2 + part2->blue + part1.blue)};
+}
+
+ArgbPixel toArgb(ArgbPixel v) { return v; }
+ArgbPixel toArgb(RgbPixel v) { return {cnByteMax, v.red, v.green, v.blue}; }
+void fromArgb(const ArgbPixel& v, ArgbPixel& pixel) { pixel = v; }
+void fromArgb(const ArgbPixel& v, RgbPixel& pixel) { pixel = {v.red, v.green, v.blue}; }
+
+/// The first position from x on, before end, that has a mark.
+int nextMark(const std::uint8_t* marks, int x, int end) {
+    std::uint64_t eight;
+    while (x + 8 <= end && (std::memcpy(&eight, marks + x, sizeof eight), eight == 0))
+        x += 8;
+    while (x < end && !marks[x])
+        ++x;
+    return x;
+}
+
+} // namespace
+
+ArgbPixel Blend::operator()(const ArgbPixel& partner, const ArgbPixel& own, bool isOpaque) const {
+    const auto mix = [this](int p, int d) {
+        return byteOf(static_cast<int>((p * partnerWeight + d * ownWeight) / total));
+    };
+    if (isOpaque)
+        return {0, mix(partner.red, own.red), mix(partner.green, own.green), mix(partner.blue, own.blue)};
+    const ArgbPixel& colour = own.alpha ? own : partner;
+    return {std::max<std::uint8_t>(mix(partner.alpha, own.alpha), 1), colour.red, colour.green, colour.blue};
+}
+
+void SmoothBlends::writeWhole(int x, int y, const ArgbPixel& blend) {
+    storePixel<Argb32>(m_work1.row(y), x, blend);
+    std::uint8_t& at = mark(x, y);
+    if (at & (rowParts | columnParts))
+        storePixel<Argb32>(m_work2.row(y), x, Argb32::write32(cnWhite));
+    at = whole;
+}
+
+void SmoothBlends::writeParts(int x, int y, const ArgbPixel& own, const ArgbPixel& part1, const ArgbPixel& part2,
+                              bool ofColumn) {
+    std::uint8_t* const row1 = m_work1.row(y);
+    std::uint8_t* const row2 = m_work2.row(y);
+    if (ofColumn && mark(x, y) == rowParts)
+        return writeWhole(x, y, corner(own, part1, part2, loadPixel<Argb32>(row1, x), loadPixel<Argb32>(row2, x)));
+    storePixel<Argb32>(row1, x, part1);
+    storePixel<Argb32>(row2, x, part2);
+    mark(x, y) = ofColumn ? columnParts : rowParts;
+}
+
+template <class Format>
+void SmoothBlends::mergeRow(const PixelView& image, int y, int left, int right) const {
+    const std::uint8_t* const marks = &mark(0, y);
+    std::uint8_t* const row = image.row(y);
+    for (int x = left; (x = nextMark(marks, x, right)) < right; ++x) {
+        const ArgbPixel part1 = loadPixel<Argb32>(m_work1.row(y), x);
+        const ArgbPixel part2 = loadPixel<Argb32>(m_work2.row(y), x);
+        auto pixel = loadPixel<Format>(row, x);
+        fromArgb(merged(toArgb(pixel), part1, marks[x] == whole ? nullptr : &part2), pixel);
+        storePixel<Format>(row, x, pixel);
+    }
+}
+
+void SmoothBlends::mergeInto(const PixelView& image, const XCRect& rect) const {
+    for (int y = rect.top; y < rect.bottom; ++y)
+        if (image.depth == Argb32::cnBits)
+            mergeRow<Argb32>(image, y, rect.left, rect.right);
+        else
+            mergeRow<Rgb24>(image, y, rect.left, rect.right);
+}
+
+} // namespace ovw::offscreen
