@@ -1,5 +1,6 @@
-// The nineteen compositions through the mixer's stroke cache at 32 bits, beside memcpy of the destination's bytes. A
-// pixel of these also reads the image as it was before, and reads and writes its coverage in the cache.
+// The nineteen compositions through the mixer's stroke cache at 32 bits, beside Normal, and Normal beside memcpy of the
+// destination's bytes. A pixel of these also reads the image as it was before, and reads and writes its coverage in the
+// cache.
 
 #include "canvas.h"
 #include "duel.h"
@@ -17,6 +18,23 @@ constexpr const char* cnNames[] = {"Replace",    "Normal",    "Erase",         "
                                    "Water",      "Multiply",  "WaterMultiply", "Add",        "Lighten",
                                    "Darken",     "ColorBurn", "ColorDodge",    "Screen",     "Overlay",
                                    "Difference", "SoftLight", "HardLight",     "AddFade"};
+
+/// Compositions without a division or a power.
+constexpr bool isSimple(int composition) {
+    switch (composition) {
+    case Mixer::Replace:
+    case Mixer::Erase:
+    case Mixer::DarkenStep:
+    case Mixer::LightenStep:
+    case Mixer::Multiply:
+    case Mixer::Add:
+    case Mixer::Lighten:
+    case Mixer::Darken:
+    case Mixer::Difference:
+    case Mixer::AddFade: return true;
+    default: return false;
+    }
+}
 
 /// The images of a stroke beside its destination.
 class StrokeImages {
@@ -69,16 +87,22 @@ private:
 };
 
 void composite(benchmark::State& state, int composition) {
-    ovwbench::Canvas canvas(cnSide);
-    StrokeImages images(canvas, composition);
+    ovwbench::Canvas canvas(cnSide), normalCanvas(cnSide);
+    StrokeImages images(canvas, composition), normal(normalCanvas, Mixer::Normal);
     ovwbench::PlainMemory plain(std::size_t{cnSide} * cnSide * 4);
+    const bool isNormal = composition == Mixer::Normal;
     ovwbench::Duel duel;
     duel.unit = "Mpixel";
     duel.amount = canvas.megapixels();
     duel.work = [&] { images.paint(); };
-    duel.limitName = "memcpy";
-    duel.limit = [&] { plain.copy(); };
-    duel.restore = [&] { images.restore(); };
+    duel.limitName = isNormal ? "memcpy" : "Normal";
+    duel.limit = [&] { isNormal ? plain.copy() : normal.paint(); };
+    duel.restore = [&] {
+        images.restore();
+        if (!isNormal)
+            normal.restore();
+    };
+    duel.aim = isSimple(composition) ? 0.5 : 0.0;
     ovwbench::run(state, duel);
 }
 

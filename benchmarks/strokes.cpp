@@ -113,10 +113,10 @@ private:
     XCLinerStroke m_stroke;
 };
 
-void paintStrokes(benchmark::State& state, const std::string& recording, const ovwpaint::Preset& preset) {
+void paintStrokes(benchmark::State& state, const std::string& recording, const ovwpaint::Brush& brush) {
     const Strokes strokes = readRecording(recording);
     ovwbench::Canvas canvas(cnSide);
-    Painter painter(canvas, ovwpaint::brushOf(preset).scaled(cnScale));
+    Painter painter(canvas, brush);
     ovwbench::DabCopy plain(cnSide);
     const std::vector<ovwbench::Dab> dabs = painter.dabsOf(strokes);
     ovwbench::Duel duel;
@@ -134,9 +134,17 @@ const bool s_added = [] {
     for (const std::string recording : {"signature", "spiral"}) {
         for (const char* name : {"ink-pen", "pencil", "marker", "airbrush"}) {
             const ovwpaint::Preset& preset = *ovwpaint::findPreset(name);
-            ovwbench::add("stroke/" + recording + "/" + name,
-                          [recording, &preset](benchmark::State& state) { paintStrokes(state, recording, preset); });
+            ovwbench::add("stroke/" + recording + "/" + name, [recording, &preset](benchmark::State& state) {
+                paintStrokes(state, recording, ovwpaint::brushOf(preset).scaled(cnScale));
+            });
         }
+    }
+    for (const int size : {5, 50, 500}) {
+        ovwbench::add("stroke/signature/marker of size " + std::to_string(size), [size](benchmark::State& state) {
+            ovwpaint::Brush brush = ovwpaint::brushOf(*ovwpaint::findPreset("marker"));
+            brush.size.size = size;
+            paintStrokes(state, "signature", brush);
+        });
     }
     return true;
 }();
