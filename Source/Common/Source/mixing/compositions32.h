@@ -133,8 +133,9 @@ struct WaterMultiply15 : PaintsImages {
         const std::int32_t below = alphaOf(o | keep);
         const std::int32_t paint = alphaOf(c);
         const std::int32_t alpha = Scale15::lerp(below, paint, a);
-        const float part = static_cast<float>(paint * a) / static_cast<float>(most(alpha, 1) * Scale15::cnOne);
-        const float k = a == Scale15::cnOne ? 1.0f : alpha == 0 ? 0.0f : part < 1.0f ? part : 1.0f;
+        const std::int32_t sum = most(alpha, 1) * Scale15::cnOne;
+        const std::int32_t overSome = alpha == 0 ? 0 : least(paint * a, sum);
+        const float k = static_cast<float>(a == Scale15::cnOne ? sum : overSome) / static_cast<float>(sum);
         const float share = static_cast<float>(below) / 255.0f;
         const std::uint32_t mixed = eachChannel(o, c, alpha, [k, share](std::int32_t p, std::int32_t q) {
             const float under = static_cast<float>(p);

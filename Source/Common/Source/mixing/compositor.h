@@ -55,12 +55,13 @@ std::uint32_t composed32(const Mode& mode, std::uint32_t d, std::uint32_t o, std
     const std::uint32_t pixel = mode.pixel(o, color, a, keep);
     if constexpr (Mode::cnLeavesVanished)
         kept |= ((pixel <= ~cnAlphaMask) & (o > ~cnAlphaMask) & (a != Scale15::cnOne)) ? ~cnAlphaMask : 0;
+    const std::uint32_t keepOfEmpty = keep == 0 ? 0 : ~0u;
+    if constexpr (Mode::cnKeepsEmpty) // a mask instead of a condition: this vectorises
+        kept |= o > ~cnAlphaMask ? 0 : keepOfEmpty;
     const std::uint32_t result = (pixel & ~kept) | (d & kept);
     bool acts = a != 0;
     if constexpr (!Mode::cnActsOnEmpty)
         acts &= o > ~cnAlphaMask;
-    if constexpr (Mode::cnKeepsEmpty)
-        acts &= (keep == 0) | (o > ~cnAlphaMask);
     return acts ? result : d;
 }
 
@@ -164,6 +165,75 @@ void fillRow32(const CompositeSpan& span) {
         return compositeRow32<Replace8, Below::Destination, OneOpacity, OneColor>(span);
     for (int i = 0, n = span.n; i < n; ++i)
         dst[i] = pixel;
+}
+
+// ---- Normal with one opacity, where a canvas is opaque or empty in long runs
+
+/// Pixels that are looked at together, and bytes that are blended together: enough for the widest vectors.
+constexpr int cnRunPixels = 64;
+constexpr int cnRunBytes = 64;
+
+/// The blend over opaque pixels: there it is that of each byte, the alpha's included.
+class OpaqueBlend {
+public:
+    OpaqueBlend(std::uint32_t color, std::int32_t b) : m_below(static_cast<std::uint16_t>(Scale8::cnOne - b)) {
+        const std::uint32_t paint = color | cnAlphaMask;
+        for (int i = 0; i < cnRunBytes; ++i)
+            m_paint[i] = static_cast<std::uint16_t>((paint >> i % 4 * 8 & 0xFF) * static_cast<std::uint32_t>(b));
+    }
+    void apply(std::uint8_t* __restrict bytes) const {
+        for (int i = 0; i < cnRunBytes; ++i) {
+            const auto sum = static_cast<std::uint16_t>(bytes[i] * m_below + m_paint[i]);
+            bytes[i] = static_cast<std::uint8_t>(sum / Scale8::cnOne);
+        }
+    }
+
+private:
+    alignas(64) std::uint16_t m_paint[cnRunBytes];
+    std::uint16_t m_below;
+};
+
+bool isOpaqueRun(const Pixel32* pixels) {
+    std::uint32_t all = cnAlphaMask;
+    for (int i = 0; i < cnRunPixels; ++i)
+        all &= pixels[i];
+    return all == cnAlphaMask;
+}
+
+bool isEmptyRun(const Pixel32* pixels) {
+    std::uint32_t any = 0;
+    for (int i = 0; i < cnRunPixels; ++i)
+        any |= pixels[i];
+    return any <= ~cnAlphaMask;
+}
+
+/// Over an empty run: there it is the paint itself.
+void paintEmptyRun(Pixel32* __restrict pixels, std::uint32_t paint, std::uint32_t keep) {
+    for (int i = 0; i < cnRunPixels; ++i)
+        pixels[i] = (paint & ~keep) | (pixels[i] & keep);
+}
+
+void normalRow32(const CompositeSpan& span) {
+    constexpr Compositor cnAnyPixels = compositeRow32<Normal8, Below::Destination, OneOpacity, OneColor>;
+    if (span.n < cnRunPixels)
+        return cnAnyPixels(span);
+    const OpaqueBlend blend(span.color, span.opacity);
+    const std::uint32_t paint = span.color | static_cast<std::uint32_t>(span.opacity) << 24;
+    CompositeSpan rest = span;
+    for (; rest.n >= cnRunPixels; rest.n -= cnRunPixels, rest.dst += 4 * cnRunPixels) {
+        auto* pixels = reinterpret_cast<Pixel32*>(rest.dst);
+        if (isOpaqueRun(pixels)) {
+            for (int i = 0; i < 4 * cnRunPixels; i += cnRunBytes)
+                blend.apply(rest.dst + i);
+        } else if (isEmptyRun(pixels)) {
+            paintEmptyRun(pixels, paint, span.keep);
+        } else {
+            CompositeSpan run = rest;
+            run.n = cnRunPixels;
+            cnAnyPixels(run);
+        }
+    }
+    cnAnyPixels(rest);
 }
 
 } // namespace

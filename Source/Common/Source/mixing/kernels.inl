@@ -55,7 +55,7 @@ constexpr KernelTable cnKernels = {
     // fastest
     {   //                 1, 2  8                                24                              32
         /* Replace     */ {bits, uniform8<DensityReplace8>,       uniform24<ChannelReplace>,      fillRow32},
-        /* Normal      */ {bits, uniform8<DensityNormal8>,        uniform24<ChannelNormal8>,      uniform32<Normal8>},
+        /* Normal      */ {bits, uniform8<DensityNormal8>,        uniform24<ChannelNormal8>,      normalRow32},
         /* Erase       */ {bits, uniform8<DensityErase8>,         none,                           uniform32<Erase8>},
         /* DarkenStep  */ {bits, uniform8<DensityDarkenStep8>,    uniform24<DarkenStep8>,         uniform32<Channelwise<DarkenStep8>>},
         /* LightenStep */ {bits, uniform8<DensityLightenStep8>,   uniform24<LightenStep8>,        uniform32<Channelwise<LightenStep8>>},
