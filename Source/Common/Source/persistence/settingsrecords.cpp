@@ -190,7 +190,7 @@ bool SettingsReader::findText(const char* label, XCString& text) {
 void mergeSettings(const XCFilePath& path, SettingsWriter& records, int smallest) {
     XCArchiveMem old;
     {
-        XCArchiveFile file;
+        XCArchiveFile file(XCArchive::cnLoading | XCArchive::cnBigEndian, 0);
         if (openExisting(file, path) && file.GetLength() > 0)
             attachWholeFile(old, file);
     }

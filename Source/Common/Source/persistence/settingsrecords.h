@@ -89,7 +89,7 @@ private:
     const SettingsIndex::Record* record(const char* label);
     XCArchive* valueOf(const SettingsIndex::Record& record);
 
-    XCArchiveFile m_file;
+    XCArchiveFile m_file{XCArchive::cnLoading | XCArchive::cnBigEndian, 0}; // read in one go: no cache
     XCArchiveMem m_copy;
     SettingsIndex m_index;
     bool m_isLoaded = false;
