@@ -258,6 +258,23 @@ TEST_F(OvwPaint, PaintsTheSamplesOfTheRepository) {
     EXPECT_GE(count, 4);
 }
 
+TEST_F(OvwPaint, PaintsWithTheBrushesOfTheRepository) {
+    const std::string backdrop = writePng(m_folder.path("p.png"), 90, 50, [](int x, int y) {
+        return x / 6 % 2 == y / 6 % 2 ? cnWhite : packColour(120, 90, 60);
+    });
+    const std::vector<Colour> untouched =
+        draw({"--backdrop", backdrop, "--mask", backdrop, "--mask-offset", "99,0"}).pixels;
+    int count = 0;
+    for (const std::filesystem::directory_entry& entry :
+         std::filesystem::directory_iterator(OVWPAINT_SAMPLES "/../brushes")) {
+        if (entry.path().extension() != ".json")
+            continue;
+        EXPECT_NE(draw({"--backdrop", backdrop, "--brush", entry.path().string()}).pixels, untouched) << entry.path();
+        ++count;
+    }
+    EXPECT_GE(count, 8);
+}
+
 TEST_F(OvwPaint, StartsFromAPresetPrintedAsABrushFile) {
     const std::string brush = m_folder.write("b.json", runWith({"presets", "--json", "tapered-ellipse"}).output);
     EXPECT_EQ(draw({"--brush", brush}).pixels, draw({"--preset", "tapered-ellipse"}).pixels);

@@ -62,6 +62,11 @@ TEST_F(Tips, StampPicturesOfEveryDepthAsTheyAre) {
 TEST_F(Tips, CoverByDarknessOrBrightness) {
     writeRawPng(m_folder.path("grey.png"), 4, 8, PNG_COLOR_TYPE_GRAY, 0,
                 {{0, 64, 128, 255}, {0, 64, 128, 255}, {0, 64, 128, 255}, {0, 64, 128, 255}});
+    writePng(m_folder.path("colour.png"), 4, 4, [](int x, int) { return packColour(128, 128, 128, x == 0 ? 0 : 255); });
+    const Picture colour = stamp("colour.png", 4, {"--tip-grey"});
+    EXPECT_EQ(colour.at(99, 50), cnWhite) << "transparent";
+    EXPECT_NEAR(greenOf(colour.at(101, 50)), 128, 1);
+    EXPECT_EQ(redOf(colour.at(101, 50)), 255u) << "the brush's colour";
     const Picture dark = stamp("grey.png", 4), bright = stamp("grey.png", 4, {"--tip-invert"});
     for (int x = 0; x < 4; ++x) {
         const int level = x == 3 ? 255 : x * 64;

@@ -40,6 +40,7 @@ struct BrushTexture {
 struct BrushTips {
     std::vector<std::string> patterns; ///< files or built-in tips, at most cnMostTips
     int patternInvert = 0;             ///< 1: what is bright covers
+    int patternGrey = 0;               ///< 1: pictures with colours cover by their darkness, as grey ones do
     float splatterSpread = 0.4f;       ///< of splatters, 0 to 1: from drops alike to small and large ones
     float splatterSoftness = 0.2f;     ///< of their rims, 0 to 1
     float splatterDensity = 0.2f;      ///< 0 to 1: from few drops to many

@@ -30,6 +30,7 @@ constexpr std::array cnIntegerFields = {
     IntegerField{FIELD(pattern, patternKind), 0, XCPattern::cnKindImage, false, tipNames},
     IntegerField{FIELD(pattern, patternOrder), 0, cnMaxTipOrder, false, tipOrderNames},
     IntegerField{FIELD(tips, patternInvert), 0, 1},
+    IntegerField{FIELD(tips, patternGrey), 0, 1},
     IntegerField{FIELD(size, size), 1, cnMaxLength},
     IntegerField{FIELD(size, sizeMin), 0, cnMaxByte},
     IntegerField{FIELD(size, sizeControl), 0, cnScaleBits, true},

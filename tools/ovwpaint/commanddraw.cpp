@@ -109,6 +109,8 @@ void DrawCommand::addTipOptions() {
         ->type_name("FILE.png");
     addName(app(), "--tip-order", m_options.tipOrder, tipOrderNames(), "How several tips take turns");
     app().add_flag("--tip-invert", m_options.tipInvert, "What is bright in a tip covers, not what is dark");
+    app().add_flag("--tip-grey", m_options.tipGrey,
+                   "Take a coloured tip for a grey one: the brush's colour, by darkness");
     app().add_flag("--bend", m_options.bend, "Bend the tip along the stroke instead of stamping it");
     app()
         .add_option("--blur", m_options.blurRadius, "Soften what is there by so many pixels instead of painting")

@@ -38,6 +38,8 @@ void changeTips(Brush& brush, const DrawOptions& options) {
     brush.pattern.patternOrder = options.tipOrder.value_or(brush.pattern.patternOrder);
     if (options.tipInvert)
         brush.tips.patternInvert = 1;
+    if (options.tipGrey)
+        brush.tips.patternGrey = 1;
     if (options.bend)
         brush.etc.bendFlag = 1;
 }

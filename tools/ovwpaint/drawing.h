@@ -38,6 +38,7 @@ struct DrawOptions {
     std::vector<std::string> tips; ///< image tips instead of the brush's tip; likewise below
     std::optional<int> tipOrder;
     bool tipInvert = false;
+    bool tipGrey = false;
     bool bend = false;
     std::optional<int> blurRadius;
     std::string mask;

@@ -31,7 +31,8 @@ std::string versionText() {
 }
 
 /// Every command, in the order of the help.
-constexpr std::array cnCommands = {makeDrawCommand, makePresetsCommand, makeGalleryCommand};
+constexpr std::array cnCommands = {makeDrawCommand, makePresetsCommand, makeGalleryCommand,
+                                   makePackCommand, makeUnpackCommand,  makeUnzipCommand};
 
 /// The command line as CLI11 knows it.
 struct CommandLine {

@@ -147,18 +147,19 @@ std::unique_ptr<XCVOffscreen> pictureOf(const BuiltInTip& tip, const std::functi
     return image;
 }
 
-std::unique_ptr<XCVOffscreen> readTip(const std::string& path, const std::function<Colour(Colour)>& change) {
+std::unique_ptr<XCVOffscreen> readTip(const std::string& path, bool asGrey,
+                                      const std::function<Colour(Colour)>& change) {
     constexpr std::int64_t cnMostPixels = 1 << 24;
-    constexpr int cnColourDepth = 32;
+    constexpr int cnGreyDepth = 8, cnColourDepth = 32;
     PngReader reader(path);
     if (std::int64_t{reader.width()} * reader.height() > cnMostPixels)
         throw Failure(path + ": too large for a tip (" + std::to_string(reader.width()) + " x " +
                       std::to_string(reader.height()) + " pixels)");
-    std::unique_ptr<XCVOffscreen> image = makeImage(reader.width(), reader.height(), reader.depth());
-    const bool isOpaque = reader.depth() != cnColourDepth;
-    reader.read([&](const PngRow& row) {
-        storeRow(*image, row, [&](Colour colour) { return change(isOpaque ? over(colour, cnWhite) : colour); });
-    });
+    const bool isColour = reader.depth() == cnColourDepth && !asGrey;
+    const int depth = reader.depth() == cnColourDepth && asGrey ? cnGreyDepth : reader.depth();
+    std::unique_ptr<XCVOffscreen> image = makeImage(reader.width(), reader.height(), depth);
+    const auto onPaper = [&](Colour colour) { return change(isColour ? colour : over(colour, cnWhite)); };
+    reader.read([&](const PngRow& row) { storeRow(*image, row, onPaper); });
     return image;
 }
 
@@ -199,7 +200,7 @@ std::unique_ptr<XCImagePattern> loadTip(const std::string& nameOrPath, const Bru
     else if (const BuiltInTip* tip = findTip(nameOrPath))
         picture = pictureOf(*tip, change);
     else
-        picture = readTip(nameOrPath, change);
+        picture = readTip(nameOrPath, settings.patternGrey != 0, change);
     auto tip = std::make_unique<XCImagePattern>();
     tip->ImportPatternOffscreen(picture.get());
     return tip;
