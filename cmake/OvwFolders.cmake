@@ -34,13 +34,19 @@ function(ovw_folder name directory)
 endfunction()
 
 # ovw_test_program(NAME SOURCE...): the program test_NAME of GoogleTest cases, each a test of ctest with the label NAME.
+# Under sanitizers, where a process is slow to start, the whole program is one.
 function(ovw_test_program name)
   add_executable(test_${name} ${ARGN})
   target_link_libraries(test_${name} PRIVATE ovw_flags GTest::gtest GTest::gtest_main)
   target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   ovw_precompile(test_${name} ${OVW_STANDARD_HEADERS} <gtest/gtest.h>)
-  gtest_discover_tests(test_${name} TEST_PREFIX ${name}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-                       PROPERTIES TIMEOUT 300 LABELS ${name})
+  if(OVWCMN_SANITIZE)
+    add_test(NAME ${name} COMMAND test_${name} --gtest_brief=1)
+    set_tests_properties(${name} PROPERTIES TIMEOUT 900 LABELS ${name})
+  else()
+    gtest_discover_tests(test_${name} TEST_PREFIX ${name}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+                         PROPERTIES TIMEOUT 300 LABELS ${name})
+  endif()
 endfunction()
 
 # ovw_test_internals(NAME FOLDER...): lets the program test_NAME see and link the objects of the library's folders named,
