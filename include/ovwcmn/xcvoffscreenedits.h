@@ -84,6 +84,26 @@ public:
                                     XCVOffscreen* source, XCVOffscreen* second, const XCPoint& offset, int margin,
                                     int* count, int abortable);
 
+    // ---- Backgrounds and conversions. w x h from (x, y).
+    /// Puts a checkerboard behind the pixels of rect, which become opaque; 16 and 32 bits. Squares have 4 pixels when
+    /// cell is 4, else 8; colour2 is paled halfway to white unless it is colour1. Missing blocks only with allBlocks.
+    void RenderBackground(const XCRect& rect, std::uint32_t colour1, std::uint32_t colour2, int allBlocks, int cell);
+    /// The same over the pixels.
+    void RenderBackgroundFill(const XCRect& rect, std::uint32_t colour1, std::uint32_t colour2, int allBlocks,
+                              int cell);
+    /// 2, 16 and 32 bits: makes transparent and partly transparent pixels opaque, over white where mask, of at least 8
+    /// bits, has an even value above 0 in its first byte, over black where it is odd.
+    void ReverseImage(XCVOffscreen* mask, int x, int y, int w, int h);
+    /// Stores pixels of src, from (sx, sy), as transparent, white or black by ordered dither; mode 0 dithers only where
+    /// 16- and 32-bit pixels are neither nearly transparent nor nearly opaque. reverse exchanges black with the rest.
+    /// What src has in missing blocks is left out.
+    void Monochromic(int dx, int dy, int w, int h, XCVOffscreen* src, int sx, int sy, int reverse, int mode);
+    /// Stores the darkness of pixels of src as densities, with reverse their lightness; into 16 bits it is Copy. An
+    /// 8-bit image takes the greys of the same place without coverage or alpha, every other way goes over black.
+    void Grayish(int dx, int dy, int w, int h, XCVOffscreen* src, int sx, int sy, int reverse);
+    /// The number of Get24BitColor's values, at most 257; -1 unless the image has 24 or 32 bits.
+    int GetUseColorCount();
+
     // ---- Round shapes; clip null: the whole image. Nothing is drawn outside the image.
     /// An outline, one pixel wide, where the mask (may be null) is free. The mixer paints into this image, which the
     /// caller locks for editing; the points on the axes and diagonals are mixed more than once.

@@ -1,0 +1,56 @@
+// Loops over plain arrays, for the compiler to vectorise.
+
+#include "vimage/luminancerow.h"
+
+namespace ovw::vimage {
+
+namespace {
+
+constexpr int cnWeights = 7;
+constexpr int cnLargestSum = cnWeights * cnByteMax;
+constexpr int cnShift = 16;
+constexpr std::uint32_t cnReciprocal = (1u << cnShift) / cnWeights + 1;
+
+/// sum / 7, as the high half of a 16-bit product.
+constexpr std::uint16_t seventh(std::uint16_t sum) { return static_cast<std::uint16_t>(sum * cnReciprocal >> cnShift); }
+
+constexpr bool isSeventhExact() {
+    for (int sum = 0; sum <= cnLargestSum; ++sum)
+        if (seventh(static_cast<std::uint16_t>(sum)) != sum / cnWeights)
+            return false;
+    return true;
+}
+static_assert(isSeventhExact());
+
+} // namespace
+
+template <class Format>
+void luminanceRow(const std::uint8_t* pixels, int count, std::uint8_t* luminances) {
+    std::uint16_t sums[cnBlockSize];
+    for (int i = 0; i < count; ++i) {
+        const std::uint8_t* const p = pixels + i * Format::cnBytes;
+        sums[i] = static_cast<std::uint16_t>(2 * p[0] + 4 * p[1] + p[2]);
+    }
+    for (int i = 0; i < count; ++i)
+        luminances[i] = static_cast<std::uint8_t>(seventh(sums[i]));
+}
+template void luminanceRow<Rgb24>(const std::uint8_t*, int, std::uint8_t*);
+template void luminanceRow<Rgba32>(const std::uint8_t*, int, std::uint8_t*);
+
+void toneRow(const std::uint8_t* coverages, const std::uint8_t* darknesses, const std::uint8_t* thresholds, int count,
+             bool onlyOpaque, const FourTones& tones, std::uint8_t* result) {
+    // The tone as a polynomial of its two bits over exclusive or, without a branch or a table a pixel.
+    const auto& of = tones.of;
+    const std::uint8_t neither = of[0];
+    const std::uint8_t byDark = onlyOpaque ? 0 : of[0] ^ of[1];
+    const std::uint8_t byOpaque = of[0] ^ of[2];
+    const std::uint8_t byBoth = of[3] ^ of[2] ^ byDark;
+    for (int i = 0; i < count; ++i) {
+        const auto opaque = static_cast<std::uint8_t>(-(coverages[i] >= thresholds[i]));
+        const auto dark = static_cast<std::uint8_t>(-(darknesses[i] >= thresholds[i]));
+        result[i] =
+            static_cast<std::uint8_t>(neither ^ (dark & byDark) ^ (opaque & byOpaque) ^ (opaque & dark & byBoth));
+    }
+}
+
+} // namespace ovw::vimage
