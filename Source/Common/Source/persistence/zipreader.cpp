@@ -88,6 +88,7 @@ struct ZipReader::Callbacks {
 
 ZipReader::ZipReader(const XCFilePath& path) {
     m_file.Open(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, 0);
+    m_length = static_cast<std::uint64_t>(m_file.GetLength());
     zlib_filefunc64_def functions = {&Callbacks::open, &Callbacks::read,  &Callbacks::write, &Callbacks::tell,
                                      &Callbacks::seek, &Callbacks::close, &Callbacks::error, this};
     m_zip = unzOpen2_64("", &functions);

@@ -36,7 +36,7 @@ public:
     bool isOpen() const { return m_zip || m_isEmpty; }
     /// As the archive announces it.
     std::uint64_t entryCount() const;
-    std::uint64_t archiveBytes() const { return static_cast<std::uint64_t>(m_file.GetLength()); }
+    std::uint64_t archiveBytes() const { return m_length; }
     void goToFirst();
     void goToNext();
     ZipEntry entry() const;
@@ -52,6 +52,7 @@ private:
     std::size_t expandPiece(char* to, std::uint64_t size);
 
     XCFile m_file;
+    std::uint64_t m_length = 0;
     std::uint64_t m_position = 0;
     std::vector<char> m_window; // of the file: minizip reads byte by byte
     std::uint64_t m_windowStart = 0;
