@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <vector>
 
 /// Morphological anti-aliasing: lines are cut into runs of similar colour; where the run of one line begins or ends
 /// inside that of the next, the half of the step at the end takes on, by a ramp, the colour that continues beside it.
@@ -40,7 +41,7 @@ constexpr int halfOf(int step) { return (step + 1) / 2; }
 class SmoothPass {
 public:
     SmoothPass(const PixelView& view, SmoothBlends& blends, SmoothLines& lines)
-        : m_view(view), m_blends(blends), m_lines(lines) {}
+        : m_view(view), m_blends(blends), m_lines(lines), m_found(static_cast<std::size_t>(lines.to())) {}
 
     void run(int firstLine, int lastLine) {
         m_lines.enter(firstLine);
@@ -55,6 +56,10 @@ public:
     }
 
 private:
+    using Kind = SmoothedPixel::Kind;
+
+    static Kind kindOf(int step) { return step == 1 ? Kind::diagonal : Kind::whole; }
+
     void smoothLine() {
         const int count = m_lines.runCount(0);
         // Lines of one run each have no steps.
@@ -63,6 +68,15 @@ private:
         m_current = m_lines.pixels(0);
         for (int number = 0; number < count; ++number)
             smoothRun(m_lines.run(0, number));
+        for (const int p : m_touched) {
+            SmoothedPixel& found = m_found[static_cast<std::size_t>(p)];
+            if (m_lines.isVertical())
+                m_blends.add(m_line, m_view.height - p - 1, m_current[p], found);
+            else
+                m_blends.add(p, m_line, m_current[p], found);
+            found = SmoothedPixel();
+        }
+        m_touched.clear();
     }
 
     void smoothRun(const _LData& run) {
@@ -78,7 +92,7 @@ private:
         const ArgbPixel fromStart = blendStep(start, startStep, shareMiddle);
         const ArgbPixel fromEnd = blendStep(end, endStep, shareMiddle);
         if (shareMiddle)
-            write(start.at(halfOf(startStep) - 1), averageOf(fromStart, fromEnd));
+            write(start.at(halfOf(startStep) - 1), {kindOf(startStep), averageOf(fromStart, fromEnd), {}});
         if (run.end - run.start >= 2 && isBetween(run, before, after))
             blendHalves(run, before.reachesStart || after.reachesStart, before.reachesEnd || after.reachesEnd);
     }
@@ -118,7 +132,7 @@ private:
     /// The step if it is one: along its half, the run stands out from the neighbouring line, and that line goes on in
     /// the colour of the partner. Else 0.
     int admitted(const Beside& beside, const Side& side, int step) const {
-        if (step == 0 || (step == 1 && m_lines.isVertical()))
+        if (step == 0)
             return 0;
         ArgbPixel continued = partnerOf(side);
         for (int i = 0; i < halfOf(step); ++i) {
@@ -142,22 +156,17 @@ private:
             const ArgbPixel own = m_current[side.at(i)];
             isOpaque &= own.alpha != 0;
             if (i == 0 && step >= 2) {
-                writeParts(side.at(i), own, Blend{total / 4 - 1, 1, total}(partner, own, isOpaque),
-                           Blend{total / 4 - 3, 3, total}(partner, own, isOpaque));
+                write(side.at(i), {Kind::parts, Blend{total / 4 - 1, 1, total}(partner, own, isOpaque),
+                                   Blend{total / 4 - 3, 3, total}(partner, own, isOpaque)});
                 continue;
             }
             const bool isMiddle = step % 2 != 0 && i == halfOf(step) - 1;
             const std::int64_t weight = isMiddle ? total - 1 : total / 2 + 4 + std::int64_t{8} * i;
             blend = Blend{total - weight, weight, total}(partner, own, isOpaque);
             if (!isMiddle || !keepLast)
-                write(side.at(i), blend);
+                write(side.at(i), {kindOf(step), blend, {}});
         }
         return blend;
-    }
-
-    static ArgbPixel averageOf(const ArgbPixel& a, const ArgbPixel& b) {
-        return {byteOf((a.alpha + b.alpha) / 2), byteOf((a.red + b.red) / 2), byteOf((a.green + b.green) / 2),
-                byteOf((a.blue + b.blue) / 2)};
     }
 
     /// Whether the run ends, as a U or a Z, between a line that it stands out from and one that goes on past an end.
@@ -192,15 +201,16 @@ private:
             const ArgbPixel own = m_current[side.at(i)];
             isOpaque &= own.alpha != 0;
             const std::int64_t weight = total / 2 + 1 + std::int64_t{4} * i;
-            write(side.at(i), Blend{total - weight, weight, total}(partner, own, isOpaque));
+            write(side.at(i), {Kind::whole, Blend{total - weight, weight, total}(partner, own, isOpaque), {}});
         }
     }
 
-    int xOf(int position) const { return m_lines.isVertical() ? m_line : position; }
-    int yOf(int position) const { return m_lines.isVertical() ? m_view.height - position - 1 : m_line; }
-    void write(int position, const ArgbPixel& blend) { m_blends.writeWhole(xOf(position), yOf(position), blend); }
-    void writeParts(int position, const ArgbPixel& own, const ArgbPixel& part1, const ArgbPixel& part2) {
-        m_blends.writeParts(xOf(position), yOf(position), own, part1, part2, m_lines.isVertical());
+    /// What is found for a pixel later in a line replaces what was found before.
+    void write(int position, const SmoothedPixel& found) {
+        SmoothedPixel& at = m_found[static_cast<std::size_t>(position)];
+        if (at.kind == Kind::none)
+            m_touched.push_back(position);
+        at = found;
     }
 
     const PixelView& m_view;
@@ -208,6 +218,8 @@ private:
     SmoothLines& m_lines;
     const ArgbPixel* m_current = nullptr; // by position
     int m_line = 0;
+    std::vector<SmoothedPixel> m_found; // by position, on the current line
+    std::vector<int> m_touched;         // the positions that have something there
 };
 
 bool canSmooth(int depth) { return depth == Argb32::cnBits || depth == Rgb24::cnBits; }
