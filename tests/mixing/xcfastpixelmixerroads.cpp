@@ -157,6 +157,36 @@ TEST(MixerRoads, ALargeBlockPartEqualsItsRows) {
         }
 }
 
+TEST(MixerRoads, ALongSpanOverOpaqueAndEmptyPixelsEqualsItsPixels) {
+    SetRotation sets;
+    for (int seed = 0; seed < 36; ++seed) {
+        sets.turn(std::uint64_t(seed));
+        TestStore store;
+        TestImage image(store, 32, 256, 2);
+        XCVOffscreenAutoLock lock(image.get(), 1);
+        image->MoveCursor(0, 0);
+        std::uint8_t* row = image->GetBaseAddress();
+        Random random(std::uint64_t(seed + 1));
+        for (int x = 0; x < 256; ++x) { // runs of 70 pixels: opaque, empty, anything
+            const int alpha = x / 70 % 3 == 0 ? 255 : x / 70 % 3 == 1 ? 0 : random.number(0, 255);
+            for (int channel = 0; channel < 4; ++channel)
+                row[4 * x + channel] = std::uint8_t(channel == 3 ? alpha : random.number(0, 255));
+        }
+        std::memcpy(row + 1024, row, 1024);
+        XCFastPixelMixer mixer;
+        mixer.SetDstOffscreen(image.get());
+        mixer.SetDrawCompositioin(XCFastPixelMixer::Normal);
+        mixer.SetColor(0xFFC81E50);
+        mixer.SetMixAlpha(float(random.number(1, 255)) / 255);
+        mixer.SetNotChangeAlpha(seed % 2);
+        mixer.MoveCursorToBlock(0, 0);
+        mixer.DoLineRow(0, 255 - seed % 7, 0);
+        for (int x = 0; x <= 255 - seed % 7; ++x)
+            mixer.DoLineRow(x, x, 1);
+        ASSERT_EQ(std::memcmp(row, row + 1024, 1024), 0) << seed;
+    }
+}
+
 TEST(MixerRoads, AnEmptyBlockPartPaintsNothing) {
     TestStore store;
     TestImage image(store, 8, 100, 100);

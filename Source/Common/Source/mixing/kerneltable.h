@@ -78,7 +78,7 @@ struct KernelTable {
     void (*startCoverage)(CoverageRow& row, const float* coverage, float base);
     /// Scales a by factor, and sets the cap.
     void (*scaleStart)(CoverageRow& row, std::int32_t factor, std::int32_t cap);
-    /// coverages of n pixels, which may be more than the row has.
+    /// The coverages of n pixels; writes up to seven more.
     void (*circleRow)(float* coverage, int n, const CircleRow& row);
     void (*skipFull)(CoverageRow& row, const std::uint16_t* cache, std::int32_t limit);
 

@@ -36,6 +36,8 @@ struct BatchRules {
 /// may come twice, and nobody else may touch them before paint().
 class RowBatch {
 public:
+    static constexpr int cnPadding = 16; ///< lanes of the widest vectors
+
     RowBatch() = default;
     RowBatch(const RowBatch&) = delete;
     RowBatch& operator=(const RowBatch&) = delete;
@@ -55,8 +57,7 @@ public:
 
 private:
     static constexpr int cnMaxRows = 64;
-    static constexpr int cnPadding = 16; ///< lanes of the widest vectors
-    static constexpr int cnBytes = 4;    ///< of a pixel, at most
+    static constexpr int cnBytes = 4; ///< of a pixel, at most
 
     struct Row {
         std::uint8_t* dst;

@@ -81,7 +81,7 @@ void StampRows::paintCircle(int y, const RimmedSpan& span, CircleRow circle) {
     float* coverage = m_batch.coverageOf(m_rules, n);
     circle.innerStart = span.innerStart - span.start;
     circle.innerEnd = span.innerEnd - span.start;
-    const int whole = RowBatch::padded(n);
+    const int whole = n <= 2 * RowBatch::cnPadding ? RowBatch::padded(n) : n;
     kernels(whole).circleRow(coverage, whole, circle);
     paintRow(y, span, coverage);
 }

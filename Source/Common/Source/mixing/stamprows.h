@@ -53,15 +53,12 @@ public:
         paintRow(y, span, coverage);
     }
 
-    /// Whether a row is one for paintCircle.
-    bool isNarrow(const RimmedSpan& span) const { return m_road == Road::Batched && span.end - span.start <= cnNarrow; }
-    /// A narrow row through a circle. Its first pixel is that of the span, its interior need not be told.
+    /// Whether paintCircle is faster than paint.
+    bool prefersCircles() const { return m_road == Road::Batched; }
+    /// A row through a circle. Its first pixel is that of the span, its interior need not be told.
     void paintCircle(int y, const RimmedSpan& span, CircleRow circle);
 
 private:
-    /// Pixels of a row up to which the steps from rim to interior cost more than the pixels.
-    static constexpr int cnNarrow = 32;
-
     enum class Road {
         Plain,   ///< One colour and opacity.
         Batched, ///< Every row is gathered.
