@@ -64,7 +64,7 @@ void paintRow(StampRows& rows, const FixedCircle& circle, const XCRect& tile, in
         span.innerStart = std::clamp(pixelOf(circle.cx - innerHalf), tile.left, tile.right);
         span.innerEnd = std::clamp(pixelOf(circle.cx + innerHalf), tile.left, tile.right);
     }
-    if (circle.radius <= cnMaxExactRadius && rows.isNarrow(span)) {
+    if (circle.radius <= cnMaxExactRadius && rows.prefersCircles()) {
         const auto dx = static_cast<double>((span.start + std::int64_t{1}) * cnFixOne - circle.cx);
         return rows.paintCircle(y, span,
                                 {dx, cnFixOne, static_cast<double>(dy * dy), 1.0 / cnFixOne, circle.pixelRadius, 0, 0});
