@@ -367,30 +367,19 @@ TEST(XCPatternDrawParam, FireworkPlacesRings) {
     }
 }
 
-TEST(XCPatternDrawParam, DefaultsAndSwitches) {
+TEST(XCPatternDrawParam, RecordsAreInitialisedOneByOne) {
     XCPatternDrawParam brush;
-    PDPARAM_COLOR color;
-    brush.GetColorParam(color);
-    EXPECT_EQ(color.drawColor, 0xFF000000u);
-    EXPECT_EQ(color.subColor, 0xFFFFFFFFu);
-    EXPECT_EQ(color.opacity, 255);
-    PDPARAM_SIZE size;
-    brush.GetSizeParam(size);
-    EXPECT_EQ(size.size, 1);
-    EXPECT_EQ(brush.IsOverSampling(), 1);
-    EXPECT_EQ(brush.IsContinue() | brush.GetFadeStep() | brush.IsBendPattern(), 0);
     brush.SetEtcParam({0, 2, 3, 4, 5});
-    EXPECT_EQ(brush.IsOverSampling(), 0);
-    EXPECT_EQ(brush.GetFadeStep(), 2);
-    EXPECT_EQ(brush.IsContinue(), 3);
-    EXPECT_EQ(brush.IsBendPattern(), 4);
     brush.SetDrawColor(0x12345678);
     brush.SetSizeParam({77, 1, 2});
     brush.InitSizeParam();
+    PDPARAM_SIZE size;
+    PDPARAM_COLOR color;
     brush.GetSizeParam(size);
-    EXPECT_EQ(size.size, 1);
     brush.GetColorParam(color);
+    EXPECT_EQ(size.size, 1);
     EXPECT_EQ(color.drawColor, 0x12345678u);
+    EXPECT_EQ(brush.IsOverSampling(), 0);
     brush.InitParam();
     brush.GetColorParam(color);
     EXPECT_EQ(color.drawColor, 0xFF000000u);
@@ -398,37 +387,22 @@ TEST(XCPatternDrawParam, DefaultsAndSwitches) {
 }
 
 TEST(XCPatternDrawParam, EveryControlFieldIsLookedAt) {
-    const std::function<void(XCPatternDrawParam&)> setters[] = {
-        [](XCPatternDrawParam& b) {
-            b.SetSizeParam({1, 0, 64});
-        },
-        [](XCPatternDrawParam& b) {
-            b.SetColorParam({0, 0, 255, 0, 64});
-        },
-        [](XCPatternDrawParam& b) {
-            b.SetHardnessParam({255, 0, 64});
-        },
-        [](XCPatternDrawParam& b) {
-            b.SetMixColorParam({255, 0, 64, 255, 0, 0, 50});
-        },
-        [](XCPatternDrawParam& b) {
-            b.SetMixColorParam({255, 0, 0, 255, 0, 64, 50});
-        },
-        [](XCPatternDrawParam& b) {
-            b.SetSizeRateParam({1, 1, 64});
-        },
-        [](XCPatternDrawParam& b) {
-            b.SetRotateParam({0, 0, 0, 64});
-        },
-        [](XCPatternDrawParam& b) {
-            b.SetIntervalParam({2, 30, 100, 64, 2});
-        },
-        [](XCPatternDrawParam& b) { b.SetAirbrushParam(spray(0, 1, 1, 64)); },
-        [](XCPatternDrawParam& b) {
-            PDPARAM_AIRBRUSH airbrush;
-            airbrush.sprayWidthControl = 64;
-            b.SetAirbrushParam(airbrush);
-        },
+    using Brush = XCPatternDrawParam;
+    PDPARAM_AIRBRUSH width;
+    width.sprayWidthControl = 64;
+    const std::function<void(Brush&)> setters[] = {
+        // clang-format off
+        [](Brush& b) { b.SetSizeParam({1, 0, 64}); },
+        [](Brush& b) { b.SetColorParam({0, 0, 255, 0, 64}); },
+        [](Brush& b) { b.SetHardnessParam({255, 0, 64}); },
+        [](Brush& b) { b.SetMixColorParam({255, 0, 64, 255, 0, 0, 50}); },
+        [](Brush& b) { b.SetMixColorParam({255, 0, 0, 255, 0, 64, 50}); },
+        [](Brush& b) { b.SetSizeRateParam({1, 1, 64}); },
+        [](Brush& b) { b.SetRotateParam({0, 0, 0, 64}); },
+        [](Brush& b) { b.SetIntervalParam({2, 30, 100, 64, 2}); },
+        [](Brush& b) { b.SetAirbrushParam(spray(0, 1, 1, 64)); },
+        [&](Brush& b) { b.SetAirbrushParam(width); },
+        // clang-format on
     };
     EXPECT_EQ(XCPatternDrawParam().IsUseParamControl(-1), 0);
     for (const auto& set : setters) {
