@@ -10,7 +10,7 @@ namespace {
 
 using ovw::test::TempFolder;
 
-std::string number(std::uint32_t value, int bytes) {
+std::string number(std::uint64_t value, int bytes) {
     std::string text;
     for (int i = 0; i < bytes; ++i)
         text += static_cast<char>(value >> 8 * i);
