@@ -14,7 +14,7 @@ namespace ovw::vimage {
 
 namespace {
 
-constexpr int cnBandRows = 16; // of the destination, so that a source block is entered once for all of them
+constexpr int cnBandRows = 8; // of the destination, so that a source block is entered once for all of them
 
 /// What is stored of the sums.
 struct StoredRow {
@@ -175,19 +175,15 @@ private:
             const int blockEnd = std::min((y | cnBlockMask) + 1, end);
             m_source.MoveCursor(columns.begin, y);
             if (const std::uint8_t* const base = m_source.GetBaseAddress()) {
-                if (!exists)
-                    clearColumns(count);
-                exists = true;
-                for (int row = y; row < blockEnd; ++row)
-                    m_kernels.addRow(rowOf(base, row, columns.begin, count), count, rows.weight(row), m_work->columns);
+                for (int row = y; row < blockEnd; ++row) {
+                    const auto add = exists ? m_kernels.addRow : m_kernels.setRow;
+                    add(rowOf(base, row, columns.begin, count), count, rows.weight(row), m_work->columns);
+                    exists = true;
+                }
             }
             y = blockEnd;
         }
         return exists;
-    }
-    void clearColumns(int count) {
-        std::fill_n(m_work->columns.channels, 4 * count, 0.0);
-        std::fill_n(m_work->columns.weights, count, 0.0);
     }
     const BgraPixel* rowOf(const std::uint8_t* base, int y, int x, int count) {
         const std::uint8_t* const row = base + (y & cnBlockMask) * m_source.GetBlockRowBytes();

@@ -3,7 +3,7 @@
 set(ovw_vimage ${CMAKE_CURRENT_LIST_DIR})
 set(ovw_row_flags -O3 -ffp-contract=off -fno-math-errno -fno-trapping-math)
 set_source_files_properties(${ovw_vimage}/resamplekernels_base.cpp ${ovw_vimage}/pixelrows.cpp
-                            ${ovw_vimage}/boxaverage.cpp ${ovw_vimage}/quarterturn.cpp
+                            ${ovw_vimage}/boxaverage.cpp
                             ${ovw_vimage}/luminancerow.cpp ${ovw_vimage}/greyscale.cpp ${ovw_vimage}/monochrome.cpp
                             PROPERTIES COMPILE_OPTIONS "${ovw_row_flags}")
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64|amd64")

@@ -19,8 +19,8 @@ struct ColumnSums {
     double weights[cnBlockSize];
 };
 
-/// Averages count squares; rows lie stride pixels apart. isVisible: 0 for squares without a pixel of some alpha, of which
-/// the colour means nothing.
+/// Averages count squares; rows lie stride pixels apart. isVisible: 0 for squares without a pixel of some alpha, of
+/// which the colour means nothing.
 using ColourAverager = void (*)(const BgraPixel* rows, std::ptrdiff_t stride, int count, BgraPixel* colours,
                                 std::uint8_t* isVisible);
 /// Adds up count squares of bytes.
@@ -30,7 +30,8 @@ struct ResampleKernels {
     // Of squares with side 2, 4, 8.
     ColourAverager averageColours[3];
     ByteAdder addBytes[3];
-    /// Adds weight x a row of up to cnBlockSize pixels.
+    // weight x a row of up to cnBlockSize pixels, to begin sums with and to add to them.
+    void (*setRow)(const BgraPixel* row, int count, double weight, ColumnSums& sums);
     void (*addRow)(const BgraPixel* row, int count, double weight, ColumnSums& sums);
     /// Each of count pixels twice, or four times, one after the other.
     void (*repeat[2])(const BgraPixel* row, int count, BgraPixel* repeated);

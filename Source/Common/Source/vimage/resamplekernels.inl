@@ -46,6 +46,30 @@ struct ColourColumns {
     }
 };
 
+/// Of squares without a transparent pixel.
+template <int Factor>
+void meanOfAll(const ColourColumns& columns, int count, std::uint32_t* words) {
+    constexpr int cnShift = Factor == 2 ? 2 : Factor == 4 ? 4 : 6;
+    for (int i = 0; i < count; ++i)
+        words[i] = (columns.blueRed[i] >> cnShift & cnEvenBytes) |
+                   (columns.greenAlpha[i] >> cnShift & cnEvenBytes) << 8;
+}
+
+template <int Factor>
+void meanOfVisible(const ColourColumns& columns, int count, std::uint32_t* words) {
+    for (int i = 0; i < count; ++i) {
+        // Half a unit of the sum keeps whole quotients whole; nothing else comes that close to the next number.
+        const auto number = static_cast<std::int32_t>(columns.visible[i]);
+        const float scale = 1.0f / static_cast<float>(number ? number : 1);
+        const auto mean = [&](std::uint32_t sum) {
+            return static_cast<std::uint32_t>(
+                static_cast<std::int32_t>((static_cast<float>(static_cast<std::int32_t>(sum)) + 0.5f) * scale));
+        };
+        words[i] = mean(columns.blueRed[i] & 0xFFFF) | mean(columns.greenAlpha[i] & 0xFFFF) << 8 |
+                   mean(columns.blueRed[i] >> 16) << 16 | (columns.greenAlpha[i] >> 16) / (Factor * Factor) << 24;
+    }
+}
+
 template <int Factor>
 void averageColours(const BgraPixel* rows, std::ptrdiff_t stride, int count, BgraPixel* colours,
                     std::uint8_t* isVisible) {
@@ -54,20 +78,16 @@ void averageColours(const BgraPixel* rows, std::ptrdiff_t stride, int count, Bgr
     columns.add<Factor>(rows, stride, count * Factor);
     for (int width = Factor / 2; width > 0; width /= 2)
         columns.halve(count * width);
-    std::uint32_t words[cnBlockSize];
+    std::uint32_t hidden = 0;
     for (int i = 0; i < count; ++i) {
-        const std::uint32_t number = columns.visible[i];
-        // Half a unit of the sum keeps whole quotients whole; nothing else comes that close to the next number.
-        const float scale = 1.0f / static_cast<float>(static_cast<std::int32_t>(number ? number : 1));
-        const auto mean = [&](std::uint32_t sum) {
-            return static_cast<std::uint32_t>(
-                static_cast<std::int32_t>((static_cast<float>(static_cast<std::int32_t>(sum)) + 0.5f) * scale));
-        };
-        const std::uint32_t blue = mean(columns.blueRed[i] & 0xFFFF), red = mean(columns.blueRed[i] >> 16);
-        const std::uint32_t green = mean(columns.greenAlpha[i] & 0xFFFF);
-        words[i] = blue | green << 8 | red << 16 | (columns.greenAlpha[i] >> 16) / cnArea << 24;
-        isVisible[i] = number != 0;
+        hidden |= cnArea - columns.visible[i];
+        isVisible[i] = columns.visible[i] != 0;
     }
+    std::uint32_t words[cnBlockSize];
+    if (hidden)
+        meanOfVisible<Factor>(columns, count, words);
+    else
+        meanOfAll<Factor>(columns, count, words);
     std::memcpy(colours, words, static_cast<std::size_t>(count) * sizeof *words);
 }
 
@@ -88,14 +108,17 @@ void addBytes(const std::uint8_t* rows, std::ptrdiff_t stride, int count, std::u
     }
 }
 
+/// isFirst: the sums begin with this row.
+template <bool isFirst>
 void addRow(const BgraPixel* row, int count, double weight, ColumnSums& sums) {
+    const auto add = [](double& sum, double value) { sum = isFirst ? value : sum + value; };
     for (int i = 0; i < count; ++i) {
         const double visible = row[i].alpha ? weight : 0.0;
-        sums.channels[4 * i] += visible * row[i].blue;
-        sums.channels[4 * i + 1] += visible * row[i].green;
-        sums.channels[4 * i + 2] += visible * row[i].red;
-        sums.channels[4 * i + 3] += visible * row[i].alpha;
-        sums.weights[i] += visible;
+        add(sums.channels[4 * i], visible * row[i].blue);
+        add(sums.channels[4 * i + 1], visible * row[i].green);
+        add(sums.channels[4 * i + 2], visible * row[i].red);
+        add(sums.channels[4 * i + 3], visible * row[i].alpha);
+        add(sums.weights[i], visible);
     }
 }
 
@@ -109,7 +132,8 @@ void repeat(const BgraPixel* row, int count, BgraPixel* repeated) {
 constexpr ResampleKernels cnKernels = {
     {averageColours<2>, averageColours<4>, averageColours<8>},
     {addBytes<2>, addBytes<4>, addBytes<8>},
-    addRow,
+    addRow<true>,
+    addRow<false>,
     {repeat<2>, repeat<4>},
 };
 

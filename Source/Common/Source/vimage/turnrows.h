@@ -74,6 +74,10 @@ inline void transposePixels<Rgba32>(const PixelGrid& to, const PixelGrid& from, 
         const int bottom = std::min(top + cnTile, height);
         int x = 0;
         for (; x + cnSquare <= width; x += cnSquare) {
+            // Rows of the destination lie too far apart for the processor to foresee them.
+            if (x + cnTile + cnSquare <= width)
+                for (int i = 0; i < cnSquare; ++i)
+                    __builtin_prefetch(to.row(x + cnTile + i) + top * 4, 1);
             int y = top;
             for (; y + cnSquare <= bottom; y += cnSquare)
                 transposeFour(to, from, x, y);
