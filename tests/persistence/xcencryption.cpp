@@ -38,9 +38,9 @@ std::string enciphered(bool withRightHalf) {
         std::copy_n(key.begin(), 8, key.begin() + 8);
     const FealSchedule<Rounds> schedule = fealEncipheringSchedule<Rounds>(key);
     FealBlock block = {};
-    fealBlock(schedule, block.data(), block.data());
-    FealBlock back;
-    fealBlock(fealDecipheringSchedule(schedule), block.data(), back.data());
+    fealBlocks(schedule, block.data(), block.size());
+    FealBlock back = block;
+    fealBlocks(fealDecipheringSchedule(schedule), back.data(), back.size());
     EXPECT_EQ(back, FealBlock{});
     return hex(block.data(), block.size());
 }
@@ -61,6 +61,15 @@ std::string sample(std::size_t size) {
     for (std::size_t i = 0; i < size; ++i)
         bytes[i] = static_cast<char>(i * 37 + i / 251);
     return bytes;
+}
+
+TEST(Feal, GivesManyBlocksWhatItGivesEach) {
+    const FealSchedule<128> schedule = fealEncipheringSchedule<128>({1, 2, 3, 4, 5, 6, 7, 8, 9});
+    std::string together = sample(8 * 37), single = together;
+    fealBlocks(schedule, reinterpret_cast<std::uint8_t*>(together.data()), together.size());
+    for (std::size_t i = 0; i < single.size(); i += cnFealBlock)
+        fealBlocks(schedule, reinterpret_cast<std::uint8_t*>(&single[i]), cnFealBlock);
+    EXPECT_EQ(together, single);
 }
 
 TEST(XCEncryption, DeciphersWhatItEnciphered) {

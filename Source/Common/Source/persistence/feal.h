@@ -32,9 +32,9 @@ FealSchedule<Rounds> fealEncipheringSchedule(const std::array<std::uint8_t, cnFe
 template <std::size_t Rounds>
 FealSchedule<Rounds> fealDecipheringSchedule(const FealSchedule<Rounds>& enciphering);
 
-/// `in` and `out` may be the same; both are cnFealBlock bytes.
+/// Each block of the bytes by itself, in place; `size` is a multiple of cnFealBlock.
 template <std::size_t Rounds>
-void fealBlock(const FealSchedule<Rounds>& schedule, const std::uint8_t* in, std::uint8_t* out);
+void fealBlocks(const FealSchedule<Rounds>& schedule, std::uint8_t* bytes, std::size_t size);
 
 } // namespace ovw::persistence
 

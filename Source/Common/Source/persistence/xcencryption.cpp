@@ -49,11 +49,6 @@ std::uint32_t paddedSize(std::uint32_t size) {
     return (size + block - 1) / block * block;
 }
 
-void transform(const Schedule& schedule, std::uint8_t* bytes, std::uint32_t size) {
-    for (std::uint32_t i = 0; i < size; i += cnFealBlock)
-        persistence::fealBlock(schedule, bytes + i, bytes + i);
-}
-
 void openForReading(XCFile& file, const XCFilePath& path) {
     file.Open(path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0);
 }
@@ -101,7 +96,7 @@ void decipherInto(const Schedule& schedule, XCFile& in, char* buffer, int size) 
         if (done == 0)
             break;
         std::fill(chunk.begin() + done, chunk.end(), std::uint8_t{0});
-        transform(schedule, chunk.data(), paddedSize(done));
+        persistence::fealBlocks(schedule, chunk.data(), paddedSize(done));
         const std::uint32_t count = std::min(wanted, paddedSize(done));
         std::memcpy(buffer + written, chunk.data(), count);
         written += count;
@@ -171,7 +166,7 @@ int transformFile(const Schedule& schedule, XCFile& in, XCFile& out, std::uint32
         in.Read(buffer.data(), cnChunkBytes, &done);
         const std::uint32_t padded = paddedSize(done);
         if (limit == 0 || chunk < limit)
-            transform(schedule, buffer.data(), padded);
+            persistence::fealBlocks(schedule, buffer.data(), padded);
         out.Write(buffer.data(), padded);
         progress.step(done);
     }
@@ -258,7 +253,8 @@ void XCEncryption::KeySet(const char* text) { setKey(text); }
 void XCEncryption::MakeKey(int encrypt) { makeSchedule(encrypt != 0); }
 
 void XCEncryption::Feal(const unsigned char* in, unsigned char* out) {
-    persistence::fealBlock(currentSchedule(), in, out);
+    std::memmove(out, in, cnFealBlock);
+    persistence::fealBlocks(currentSchedule(), out, cnFealBlock);
 }
 
 int XCEncryption::HexCode(char character) { return digitOf(character); }
