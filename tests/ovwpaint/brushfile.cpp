@@ -74,6 +74,7 @@ TEST(BrushFile, NamesTheFieldThatIsWrong) {
          "b.json: field \"patterns\": a list of the names of PNG files is needed, not string"},
         {R"({"patterns": [3]})", "b.json: field \"patterns\": the name of a PNG file is needed, not number"},
         {R"({"patterns": [""]})", "b.json: field \"patterns\": \"\" is no file name"},
+        {R"({"patterns": ["none.png"]})", "b.json: field \"patterns\": none.png: no such file"},
         {R"({"patterns": ["builtin:moon"]})",
          "b.json: field \"patterns\": \"builtin:moon\" is none of builtin:splatter"},
         {R"({"patternKind": "image"})", "b.json: field \"patternKind\": image tips are needed in \"patterns\""},

@@ -165,7 +165,11 @@ std::string BrushParser::fileName(const std::string& field, const Json& value) c
     const std::string& name = value.get_ref<const std::string&>();
     if (name.empty() || name.find('\0') != std::string::npos)
         fail(field, value.dump() + " is no file name");
-    return (m_folder / name).string();
+    const std::filesystem::path path = m_folder / name;
+    std::error_code ignored;
+    if (!std::filesystem::exists(path, ignored))
+        fail(field, path.string() + ": no such file");
+    return path.string();
 }
 
 void BrushParser::assignTexture(const Json& value) {

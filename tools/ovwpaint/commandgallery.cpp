@@ -61,7 +61,7 @@ private:
         return m_only.empty() || std::find(m_only.begin(), m_only.end(), name) != m_only.end();
     }
     gallery::PhotoMaker photoMaker() const;
-    void paint(const gallery::SheetKind& kind, Progress& progress) const;
+    void paint(const gallery::SheetKind& kind) const;
 
     std::string m_folder;
     std::vector<std::string> m_only;
@@ -81,7 +81,7 @@ void GalleryCommand::run() {
     for (const gallery::SheetKind& kind : gallery::sheetKinds()) {
         progress.show("painting", done++, gallery::sheetKinds().size());
         if (isWanted(kind.name))
-            paint(kind, progress);
+            paint(kind);
     }
 }
 
@@ -92,12 +92,13 @@ gallery::PhotoMaker GalleryCommand::photoMaker() const {
 }
 
 /// Every sheet begins with the same random numbers, so that it looks the same alone.
-void GalleryCommand::paint(const gallery::SheetKind& kind, Progress& progress) const {
+void GalleryCommand::paint(const gallery::SheetKind& kind) const {
     constexpr int cnOpaqueDepth = 24;
     OutputFile file((std::filesystem::path(m_folder) / (std::string(kind.name) + ".png")).string());
     xcSetRandomSeed(1);
     gallery::Sheet sheet = kind.paint(photoMaker());
-    writePng(*sheet.compose(), cnOpaqueDepth, file, progress);
+    Progress silent(true); // the bar counts sheets
+    writePng(*sheet.compose(), cnOpaqueDepth, file, silent);
     file.commit();
 }
 
