@@ -171,7 +171,7 @@ std::optional<Node> child(const std::optional<Node>& parent, std::u16string_view
     const auto lower = [](char16_t c) { return c >= u'A' && c <= u'Z' ? char16_t(c - u'A' + u'a') : c; };
     const auto isSame = [&](char16_t a, char16_t b) { return lower(a) == lower(b); };
     std::string_view rest = parent ? parent->children : std::string_view();
-    while (const std::optional<Node> node = nodeAt(rest)) {
+    while (std::optional<Node> node = nodeAt(rest)) {
         if (name.empty() || std::equal(name.begin(), name.end(), node->name.begin(), node->name.end(), isSame))
             return node;
         rest = part(rest, node->length, std::string_view::npos);

@@ -37,6 +37,10 @@ std::vector<std::string> subKeyNames(const char* subKey) {
     return names;
 }
 
+/// A value as the numbers that it consists of.
+template <class Part, class Value, std::size_t Bytes = sizeof(Value)>
+using PartsOf = std::array<Part, Bytes / sizeof(Part)>;
+
 /// The archive in little-endian order while it lives.
 class LittleEndianScope {
 public:
@@ -143,7 +147,7 @@ template <class Part, class Value>
 void XCRegKey::setParts(const Value& value, const char* label) {
     static_assert(sizeof(Value) % sizeof(Part) == 0);
     requireWriting();
-    std::array<Part, sizeof(Value) / sizeof(Part)> parts;
+    PartsOf<Part, Value> parts;
     std::memcpy(parts.data(), &value, sizeof value);
     XCArchive& archive = m_state->records.begin(label, sizeof value);
     for (const Part part : parts)
@@ -155,7 +159,7 @@ int XCRegKey::getParts(Value& value, const char* label) {
     XCArchive* const archive = m_state->reader.find(label, sizeof value);
     if (!archive)
         return 0;
-    std::array<Part, sizeof(Value) / sizeof(Part)> parts;
+    PartsOf<Part, Value> parts;
     for (Part& part : parts)
         *archive >> part;
     std::memcpy(&value, parts.data(), sizeof value);
