@@ -5,6 +5,7 @@ import sys
 
 OURS = re.compile(r'^(vtable for |typeinfo for |typeinfo name for |non-virtual thunk to |VTT for )?'
                   r'((XC|vx|xc|xcw)\w*)(::|\(|<|\[|$)')
+OPERATORS = re.compile(r'^operator(<<|>>)\(XCArchive&, ')
 # What public headers instantiate or derive from: the pixel formats behind the depths, the arrays' size check.
 IN_HEADERS = re.compile(r'ovw::(vimage::(DepthVariant<|Bit1|Bit2|Density8|CoverageGrey16|Rgb24|Rgba32)|foundation::elementBytes)')
 STANDARD = re.compile(r'^(typeinfo (name )?for |vtable for )?([\w:<>,&\* ]+ )?std::')
@@ -15,7 +16,7 @@ def main(library):
     listed = subprocess.run(['nm', '-D', '--defined-only', '-C', library], capture_output=True, text=True, check=True).stdout
     names = [line.split(' ', 2)[2] for line in listed.splitlines() if line.count(' ') >= 2]
     # The standard library marks its own templates as visible; they are weak and harmless.
-    allowed = (OURS, RETURNING, IN_HEADERS, STANDARD)
+    allowed = (OURS, OPERATORS, RETURNING, IN_HEADERS, STANDARD)
     leaked = [name for name in names if not any(pattern.search(name) for pattern in allowed)]
     print(f'{len(names)} symbols, {len(leaked)} of them not of the interface')
     print('\n'.join(leaked))

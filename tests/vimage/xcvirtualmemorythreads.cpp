@@ -43,7 +43,8 @@ std::vector<std::uint32_t> pixelsOf(XCVOffscreen& image) {
 // Blocks of both images push each other out to the swap file all the time.
 TEST(XCVirtualMemoryThreads, PaintTheSamePixelsAsOneAfterTheOther) {
     constexpr int steps = 250, depths[] = {32, 8, 24};
-    TestStore shared(2u << 20), alone(256u << 20);
+    // A locked block keeps its pool of 1 MiB from eviction: three threads may hold three, and need room beside them.
+    TestStore shared(4u << 20), alone(256u << 20);
     std::vector<std::unique_ptr<TestImage>> images, references;
     for (int depth : depths) {
         images.push_back(std::make_unique<TestImage>(shared, depth, cnSize, cnSize));
