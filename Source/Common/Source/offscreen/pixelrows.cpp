@@ -19,6 +19,18 @@ std::uint8_t eightBits(const std::uint8_t* row, int x, int end) {
     return static_cast<std::uint8_t>(bits);
 }
 
+std::uint64_t loadBigEndian(const std::uint8_t* bytes) {
+    std::uint64_t word = 0;
+    for (int i = 0; i < 8; ++i) // compilers make one load of it
+        word = word << 8 | bytes[i];
+    return word;
+}
+
+void storeBigEndian(std::uint8_t* bytes, std::uint64_t word) {
+    for (int i = 7; i >= 0; --i, word >>= 8)
+        bytes[i] = static_cast<std::uint8_t>(word);
+}
+
 } // namespace
 
 template <class Format>
@@ -39,6 +51,11 @@ void copyRow<Ink1>(std::uint8_t* to, int x, const std::uint8_t* from, int sx, in
     if ((sx & 7) == 0) {
         std::memcpy(to + (x >> 3), from + (sx >> 3), static_cast<std::size_t>(count >> 3));
         x += count & ~7, sx += count & ~7, count &= 7;
+    }
+    // 64 pixels that lie in 9 bytes.
+    for (const int shift = sx & 7; count >= 72; x += 64, sx += 64, count -= 64) {
+        const std::uint8_t* const bytes = from + (sx >> 3);
+        storeBigEndian(to + (x >> 3), loadBigEndian(bytes) << shift | bytes[8] >> (8 - shift));
     }
     for (; count >= 8; x += 8, sx += 8, count -= 8)
         to[x >> 3] = eightBits(from, sx, end);
