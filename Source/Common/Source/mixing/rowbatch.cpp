@@ -44,12 +44,12 @@ void RowBatch::add(const BatchRules& rules, int x, int y, int n) {
     const int pixelBytes = rules.dst.pixelBytes;
     Row& row = m_rowsOf[m_rows++];
     row = {rules.dst.at(column, line), nullptr, m_count, n};
-    copyRow(m_dst + m_count * pixelBytes, row.dst, static_cast<std::size_t>(n * pixelBytes));
+    copyRow(m_dst + m_count * pixelBytes, row.dst, std::size_t(n) * std::size_t(pixelBytes));
     if (rules.hasCache()) {
         row.cache = rules.cache.at(column, line);
         copyRow(reinterpret_cast<std::uint8_t*>(m_cache + m_count), row.cache, n * sizeof(*m_cache));
         const std::uint8_t* ref = rules.ref.bits ? rules.ref.at(column, line) : rules.blank;
-        copyRow(m_ref + m_count * pixelBytes, ref, static_cast<std::size_t>(n * pixelBytes));
+        copyRow(m_ref + m_count * pixelBytes, ref, std::size_t(n) * std::size_t(pixelBytes));
     }
     if (rules.gauss) {
         if (rules.gauss->StartLine(y, x))
@@ -103,7 +103,7 @@ void RowBatch::paint(const BatchRules& rules) {
     (kernel.*rules.compositors)[rules.composition][rules.column](span);
     for (const Row* row = m_rowsOf; row != m_rowsOf + m_rows; ++row) {
         const int pixelBytes = rules.dst.pixelBytes;
-        copyRow(row->dst, m_dst + row->first * pixelBytes, static_cast<std::size_t>(row->n * pixelBytes));
+        copyRow(row->dst, m_dst + row->first * pixelBytes, std::size_t(row->n) * std::size_t(pixelBytes));
         if (rules.hasCache())
             copyRow(row->cache, reinterpret_cast<std::uint8_t*>(m_cache + row->first), row->n * sizeof(*m_cache));
     }

@@ -125,9 +125,10 @@ XCVOffscreen* XCOffscreen::CopyToOffscreen() {
                 int x = part.left;
                 Tiled::changeRow(vimage::rowOf<Tiled>(image->GetBaseAddress(), y), 0, part.Width(),
                                  [row = view.row(y), &x](typename Tiled::Value) {
+                                     [[maybe_unused]] const int column = x++;
                                      if constexpr (Tiled::cnBits == Format::cnBits)
                                          return static_cast<typename Tiled::Value>(
-                                             toTiled(loadPixel<Format>(row, x++)));
+                                             toTiled(loadPixel<Format>(row, column)));
                                      else
                                          return typename Tiled::Value{}; // no tiled image of such a depth is made here
                                  });
