@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace ovwpaint {
 
@@ -19,12 +20,13 @@ std::size_t blockBytes(const XCVOffscreen& image) {
 } // namespace
 
 Canvas::Canvas(int width, int height, int depth, Colour background, bool keepBefore)
-    : m_background(shownColour(background, depth)), m_image(makeImage(width, height, depth)) {
+    : Canvas(makeImage(width, height, depth), background, keepBefore) {}
+
+Canvas::Canvas(std::unique_ptr<XCVOffscreen> image, Colour background, bool keepBefore)
+    : m_background(shownColour(background, image->GetDepth())), m_image(std::move(image)) {
     setBackground(*m_image);
-    if (keepBefore) {
-        m_before = makeImage(width, height, depth);
-        setBackground(*m_before);
-    }
+    if (keepBefore)
+        m_before.reset(m_image->CreateAndCopyAll()); // with the clear colour
 }
 
 /// New blocks get the clear colour, which for 1 and 8 bits is a byte.

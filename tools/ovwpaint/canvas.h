@@ -21,6 +21,8 @@ class Canvas {
 public:
     /// @param depth 1, 2, 8, 16, 24 or 32 @param keepBefore whether to have the second image
     Canvas(int width, int height, int depth, Colour background, bool keepBefore);
+    /// Takes over an image with its pixels; `background` is for the blocks that it does not have.
+    Canvas(std::unique_ptr<XCVOffscreen> image, Colour background, bool keepBefore);
 
     XCVOffscreen& image() { return *m_image; }
     /// The second image, or null.

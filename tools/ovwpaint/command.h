@@ -36,6 +36,7 @@ private:
 std::unique_ptr<Command> makeDrawCommand(CLI::App& program);
 std::unique_ptr<Command> makePresetsCommand(CLI::App& program);
 std::unique_ptr<Command> makeGalleryCommand(CLI::App& program);
+std::unique_ptr<Command> makeConvertCommand(CLI::App& program);
 std::unique_ptr<Command> makePackCommand(CLI::App& program);
 std::unique_ptr<Command> makeUnpackCommand(CLI::App& program);
 std::unique_ptr<Command> makeUnzipCommand(CLI::App& program);

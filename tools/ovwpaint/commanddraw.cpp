@@ -25,7 +25,7 @@ public:
         addTipOptions();
         addTextureOptions();
         addMaterialOptions();
-        addRunOptions();
+        addRunOptions(app(), m_options.run);
         app().footer(drawHelp());
     }
 
@@ -43,7 +43,6 @@ private:
     void addTipOptions();
     void addTextureOptions();
     void addMaterialOptions();
-    void addRunOptions();
 
     DrawOptions m_options;
     std::string m_background;
@@ -146,18 +145,6 @@ void DrawCommand::addMaterialOptions() {
         ->type_name("FILE.png");
     addPoint(app(), "--clone-offset", m_options.cloneOffset,
              "What to add to a place for the place to clone; without --clone, in the picture itself");
-}
-
-void DrawCommand::addRunOptions() {
-    app()
-        .add_option("--memory", m_options.memory, "Memory for the picture, in MiB; the rest goes to a swap file")
-        ->check(CLI::Range(1, 2047))
-        ->type_name("MIB")
-        ->capture_default_str();
-    app()
-        .add_option("--swap", m_options.swapFolder, "Folder of the swap file (default: the temporary folder)")
-        ->type_name("FOLDER");
-    app().add_flag("--quiet", m_options.quiet, "No progress bar");
 }
 
 } // namespace

@@ -90,4 +90,14 @@ CLI::Option* addName(CLI::App& app, const std::string& option, std::optional<int
     return app.add_option(option, value, description)->transform(CLI::Validator(toNumber, ""))->type_name("NAME");
 }
 
+void addRunOptions(CLI::App& app, RunOptions& options) {
+    app.add_option("--memory", options.memory, "Memory for the picture, in MiB; the rest goes to a swap file")
+        ->check(CLI::Range(1, 2047))
+        ->type_name("MIB")
+        ->capture_default_str();
+    app.add_option("--swap", options.swapFolder, "Folder of the swap file (default: the temporary folder)")
+        ->type_name("FOLDER");
+    app.add_flag("--quiet", options.quiet, "No progress bar");
+}
+
 } // namespace ovwpaint

@@ -5,6 +5,7 @@
 /// Options that several commands have, and the texts that they take.
 
 #include "names.h"
+#include "runoptions.h"
 
 #include "ovwcmn/xcgeometry.h"
 
@@ -31,6 +32,8 @@ CLI::Option* addPoint(CLI::App& app, const std::string& option, std::optional<XC
 /// An option that takes one of the names or its number.
 CLI::Option* addName(CLI::App& app, const std::string& option, std::optional<int>& value,
                      std::span<const NamedValue> names, const std::string& description);
+
+void addRunOptions(CLI::App& app, RunOptions& options);
 
 } // namespace ovwpaint
 

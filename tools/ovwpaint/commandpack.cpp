@@ -3,6 +3,7 @@
 #include "command.h"
 #include "failure.h"
 #include "libraryprogress.h"
+#include "naming.h"
 
 #include "ovwcmn/vxwutl.h"
 #include "ovwcmn/xcexception.h"
@@ -19,16 +20,6 @@
 namespace ovwpaint {
 
 namespace {
-
-/// Runs an operation on a file; a failure of the library names the file.
-template <class Operation>
-void naming(const std::string& file, Operation operation) {
-    try {
-        operation();
-    } catch (const XCException& error) {
-        throw Failure(file + ": " + error.what());
-    }
-}
 
 void makeFolder(const std::string& folder) {
     std::error_code error;

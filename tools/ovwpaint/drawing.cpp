@@ -186,7 +186,7 @@ void paint(const InkDocument& document, Painter& painter, const PathMapping& map
 
 void drawPicture(const DrawOptions& options) {
     refuseToReplaceInput(options);
-    Progress progress(options.quiet);
+    Progress progress(options.run.quiet);
     const Brush chosen = chooseBrush(options);
     InkDocument document(options.strokes);
     const InkSurvey survey = document.survey();
@@ -195,7 +195,7 @@ void drawPicture(const DrawOptions& options) {
         backdrop.emplace(options.backdrop);
     const Layout layout = chooseLayout(options, survey, chosen, backdrop ? &*backdrop : nullptr);
     OutputFile output(options.output); // before the work, so that a bad path is known at once
-    const Store store(options.memory, options.swapFolder);
+    const Store store(options.run);
     const int depth = paintingDepth(options, chosen);
     const Brush brush = scaledBrush(adaptToDepth(chosen, options.depth), layout.scale);
     Canvas canvas(layout.width, layout.height, depth, chooseBackground(options, chosen),

@@ -7,6 +7,7 @@
 #include "colour.h"
 #include "layout.h"
 #include "materials.h"
+#include "runoptions.h"
 #include "strokeshaper.h"
 
 #include <cstdint>
@@ -22,8 +23,7 @@ struct DrawOptions {
     SizeWish size;
     std::optional<Colour> background; ///< white, or black ink for a brush that erases
     int depth = 32;                   ///< bits a pixel
-    int memory = 256;                 ///< MiB
-    std::string swapFolder;           ///< empty: the system's temporary folder
+    RunOptions run;
     std::uint32_t seed = 1;
     std::string preset = "ink-pen";
     std::string brushFile;          ///< empty: the preset
@@ -46,7 +46,6 @@ struct DrawOptions {
     PictureWish pictures;
     std::string backdrop; ///< a picture to paint on
     Joining joining = Joining::Smooth;
-    bool quiet = false;
 };
 
 /// Throws Failure, Interrupted or XCException; the output file is as it was before then.

@@ -88,6 +88,13 @@ void OutputFile::write(const void* bytes, std::size_t count) {
     }
 }
 
+std::uint64_t OutputFile::seek(std::int64_t offset, bool fromHere) {
+    const off_t place = lseek(m_descriptor, offset, fromHere ? SEEK_CUR : SEEK_SET);
+    if (place < 0)
+        fail(errno);
+    return static_cast<std::uint64_t>(place);
+}
+
 void OutputFile::commit() {
     if (!m_temporary.empty() && fsync(m_descriptor) != 0)
         fail(errno);

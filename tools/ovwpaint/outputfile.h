@@ -5,6 +5,7 @@
 /// A file that appears whole or not at all.
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace ovwpaint {
@@ -20,6 +21,8 @@ public:
     OutputFile& operator=(const OutputFile&) = delete;
 
     void write(const void* bytes, std::size_t count);
+    /// Goes to a place counted from the start or, with `fromHere`, from where the file stands. Returns the new place.
+    std::uint64_t seek(std::int64_t offset, bool fromHere);
     void commit();
 
 private:

@@ -1,5 +1,8 @@
 #include "picture.h"
 
+#include "imageedits.h"
+#include "progress.h"
+
 #include "ovwcmn/xcvirtualmemory.h"
 #include "ovwcmn/xcvoffscreenlock.h"
 
@@ -38,8 +41,6 @@ PixelStore storeFor(int depth) {
     }
 }
 
-bool hasTransparency(int depth) { return depth == 2 || depth == 32; }
-
 Colour overWhite(Colour colour) { return over(colour, cnWhite); }
 
 } // namespace
@@ -61,13 +62,22 @@ void storeRow(XCVOffscreen& image, const PngRow& row, const std::function<Colour
     }
 }
 
-std::unique_ptr<XCVOffscreen> readImage(const std::string& path, int depth) {
-    PngReader picture(path);
+std::unique_ptr<XCVOffscreen> readImage(PngReader& picture, int depth, Progress* progress) {
     std::unique_ptr<XCVOffscreen> image = makeImage(picture.width(), picture.height(), depth);
     const auto unchanged = [](Colour colour) { return colour; };
     const std::function<Colour(Colour)> change = hasTransparency(depth) ? unchanged : overWhite;
-    picture.read([&](const PngRow& row) { storeRow(*image, row, change); });
+    picture.read([&](const PngRow& row) {
+        storeRow(*image, row, change);
+        if (progress)
+            progress->show("reading", static_cast<std::uint64_t>(row.y) + 1,
+                           static_cast<std::uint64_t>(picture.height()));
+    });
     return image;
+}
+
+std::unique_ptr<XCVOffscreen> readImage(const std::string& path, int depth) {
+    PngReader picture(path);
+    return readImage(picture, depth, nullptr);
 }
 
 std::unique_ptr<XCVOffscreen> readSelection(const std::string& path) {

@@ -17,6 +17,8 @@
 
 namespace ovwpaint {
 
+class Progress;
+
 /// Pixels an inch of every image here; masks and targets must agree.
 inline constexpr double cnResolution = 96.0;
 
@@ -26,7 +28,8 @@ std::unique_ptr<XCVOffscreen> makeImage(int width, int height, int depth);
 /// bits take what is darker than middle grey for ink, those of 8 bits the darkness.
 void storeRow(XCVOffscreen& image, const PngRow& row, const std::function<Colour(Colour)>& change);
 
-/// The picture as an image of that depth; where there is no transparency, over white.
+/// The picture as an image of that depth; where there is no transparency, over white. `progress` may be null.
+std::unique_ptr<XCVOffscreen> readImage(PngReader& picture, int depth, Progress* progress);
 std::unique_ptr<XCVOffscreen> readImage(const std::string& path, int depth);
 /// The picture as a selection of 8 bits: white selects, black and transparent do not.
 std::unique_ptr<XCVOffscreen> readSelection(const std::string& path);

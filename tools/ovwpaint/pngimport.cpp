@@ -19,6 +19,23 @@ constexpr std::size_t cnBytesPerPixel = 4;
 /// The best that deflate can do.
 constexpr std::uint64_t cnMaxCompression = 1032;
 
+/// Whether every colour is transparent, white or black.
+bool hasInkPalette(png_structp png, png_infop info) {
+    png_colorp colours = nullptr;
+    png_bytep alphas = nullptr;
+    int count = 0;
+    int alphaCount = 0;
+    png_get_PLTE(png, info, &colours, &count);
+    png_get_tRNS(png, info, &alphas, &alphaCount, nullptr);
+    for (int i = 0; i < count; ++i) {
+        const png_byte alpha = i < alphaCount ? alphas[i] : png_byte{255};
+        const Colour colour = packColour(colours[i].red, colours[i].green, colours[i].blue, alpha);
+        if (alpha != 0 && colour != packColour(255, 255, 255) && colour != packColour(0, 0, 0))
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 /// libpng's reader. Its errors leave as Failure, through its own frames, which carry unwinding tables on every system
@@ -85,6 +102,20 @@ void PngReader::readHeader() {
     const bool isGrey =
         png_get_color_type(png, info) == PNG_COLOR_TYPE_GRAY && !png_get_valid(png, info, PNG_INFO_tRNS);
     m_depth = !isGrey ? 32 : png_get_bit_depth(png, info) == 1 ? 1 : 8;
+    m_storedDepth = isGrey ? m_depth : findStoredDepth();
+}
+
+int PngReader::findStoredDepth() const {
+    png_structp png = m_decoder->png;
+    png_infop info = m_decoder->info;
+    const bool isOpaque = !png_get_valid(png, info, PNG_INFO_tRNS);
+    switch (png_get_color_type(png, info)) {
+    case PNG_COLOR_TYPE_GRAY:
+    case PNG_COLOR_TYPE_GRAY_ALPHA: return 16;
+    case PNG_COLOR_TYPE_RGB: return isOpaque ? 24 : 32;
+    case PNG_COLOR_TYPE_PALETTE: return hasInkPalette(png, info) ? 2 : isOpaque ? 24 : 32;
+    default: return 32;
+    }
 }
 
 /// What is plainly a lie is known before anything is made of that size.

@@ -38,6 +38,8 @@ public:
     int height() const { return m_height; }
     /// The depth of a tiled image that holds the picture: 1 for black and white, 8 for grey, else 32.
     int depth() const { return m_depth; }
+    /// The depth whose pictures are written in this form (see pngexport.h).
+    int storedDepth() const { return m_storedDepth; }
     /// Hands over every pixel once. To be called once.
     void read(const std::function<void(const PngRow&)>& take);
 
@@ -49,6 +51,7 @@ private:
 
     void open();
     void readHeader();
+    int findStoredDepth() const;
     void checkSize() const;
     void readRow(std::vector<std::uint8_t>& bytes, std::vector<Colour>& pixels);
     [[noreturn]] void fail(const std::string& what) const;
@@ -59,6 +62,7 @@ private:
     int m_width = 0;
     int m_height = 0;
     int m_depth = 0;
+    int m_storedDepth = 0;
 };
 
 } // namespace ovwpaint

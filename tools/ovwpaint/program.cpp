@@ -31,12 +31,12 @@ std::string versionText() {
 }
 
 /// Every command, in the order of the help.
-constexpr std::array cnCommands = {makeDrawCommand, makePresetsCommand, makeGalleryCommand,
+constexpr std::array cnCommands = {makeDrawCommand, makePresetsCommand, makeGalleryCommand, makeConvertCommand,
                                    makePackCommand, makeUnpackCommand,  makeUnzipCommand};
 
 /// The command line as CLI11 knows it.
 struct CommandLine {
-    CLI::App app{"Paints recorded pen strokes into pictures."};
+    CLI::App app{"Paints recorded pen strokes into pictures, and works with pictures and files of the library."};
     std::vector<std::unique_ptr<Command>> commands;
 
     CommandLine() {

@@ -19,15 +19,29 @@ Progress::Progress(bool quiet) : m_enabled(!quiet && isatty(STDERR_FILENO) == 1)
 
 Progress::~Progress() { wipe(); }
 
-void Progress::show(const char* activity, std::uint64_t done, std::uint64_t total) {
-    if (!m_enabled || total == 0 || Clock::now() < m_due)
-        return;
+bool Progress::isDue() {
+    if (!m_enabled || Clock::now() < m_due)
+        return false;
     m_due = Clock::now() + cnBetween;
     m_visible = true;
+    return true;
+}
+
+void Progress::showAmount(const char* activity, std::uint64_t bytes) {
+    constexpr double cnMiB = 1 << 20;
+    if (!isDue())
+        return;
+    std::fprintf(stderr, "\r%-8s %.1f MiB\033[K", activity, static_cast<double>(bytes) / cnMiB);
+    std::fflush(stderr);
+}
+
+void Progress::show(const char* activity, std::uint64_t done, std::uint64_t total) {
+    if (total == 0 || !isDue())
+        return;
     const double share = static_cast<double>(std::min(done, total)) / static_cast<double>(total);
     std::string bar(cnBarWidth, '.');
     std::fill_n(bar.begin(), static_cast<std::size_t>(share * cnBarWidth), '#');
-    std::fprintf(stderr, "\r%-8s [%s] %3d %%", activity, bar.c_str(), static_cast<int>(share * 100.0));
+    std::fprintf(stderr, "\r%-8s [%s] %3d %%\033[K", activity, bar.c_str(), static_cast<int>(share * 100.0));
     std::fflush(stderr);
 }
 

@@ -20,10 +20,14 @@ public:
 
     /// Tells how far the work is. Cheap: at most ten times a second something is printed.
     void show(const char* activity, std::uint64_t done, std::uint64_t total);
+    /// The same for work whose end is not known.
+    void showAmount(const char* activity, std::uint64_t bytes);
     void wipe();
 
 private:
     using Clock = std::chrono::steady_clock;
+
+    bool isDue();
 
     const bool m_enabled;
     bool m_visible = false;

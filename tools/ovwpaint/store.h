@@ -4,6 +4,8 @@
 /// @file
 /// The block store under every picture.
 
+#include "runoptions.h"
+
 #include <string>
 
 namespace ovwpaint {
@@ -13,6 +15,7 @@ class Store {
 public:
     /// @param folder of the swap file; empty: the system's temporary folder
     Store(int memoryMiB, const std::string& folder);
+    explicit Store(const RunOptions& options) : Store(options.memory, options.swapFolder) {}
     ~Store();
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
