@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -24,7 +25,7 @@ Bytes saved(XCOffscreen& image, int reverse) {
 
 void load(XCOffscreen& image, const Bytes& bytes, int reverse = 0) {
     const VXHANDLE block = vxAlloc(static_cast<std::uint32_t>(bytes.size()), 0, nullptr);
-    std::memcpy(vxLock(block), bytes.data(), bytes.size());
+    std::copy(bytes.begin(), bytes.end(), static_cast<std::uint8_t*>(vxLock(block)));
     vxUnlock(block);
     XCArchiveMem archive;
     archive.Attach(block, static_cast<std::uint32_t>(bytes.size()));
