@@ -31,7 +31,10 @@ public:
     T* GetData() const { return reinterpret_cast<T*>(m_bytes.GetHandle()); }
 
 private:
-    static std::uint32_t bytes(std::int64_t count) { return ovw::foundation::elementBytes(count, sizeof(T)); }
+    static std::uint32_t bytes(std::int64_t count) {
+        return ovw::foundation::elementBytes(count,
+                                             sizeof(T)); // NOLINT(bugprone-sizeof-expression): T may be a pointer
+    }
 
     XCHandle m_bytes;
 };

@@ -121,8 +121,9 @@ Colour pixelOf(const BuiltInTip& tip, int x, int y) {
     constexpr int cnPlaces = 4;
     double sums[4] = {};
     for (int i = 0; i < cnPlaces * cnPlaces; ++i) {
-        const double u = (x + (i % cnPlaces + 0.5) / cnPlaces) / tip.width * 2.0 - 1.0;
-        const double v = (y + (i / cnPlaces + 0.5) / cnPlaces) / tip.height * 2.0 - 1.0;
+        const int column = i % cnPlaces, row = i / cnPlaces;
+        const double u = (x + (column + 0.5) / cnPlaces) / tip.width * 2.0 - 1.0;
+        const double v = (y + (row + 0.5) / cnPlaces) / tip.height * 2.0 - 1.0;
         const Colour colour = tip.at(u, v);
         const double alpha = alphaOf(colour);
         sums[0] += redOf(colour) * alpha;

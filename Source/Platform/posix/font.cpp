@@ -104,7 +104,7 @@ std::optional<fs::path> findFont(const FontRequest& font) {
     if (!font.name.empty())
         return findFamily(files, std::string(font.name), font);
     for (const char* const family : cnUsualFamilies)
-        if (const auto file = findFamily(files, family, font))
+        if (auto file = findFamily(files, family, font))
             return file;
     return files.empty() ? std::nullopt : std::optional(files.front());
 }

@@ -19,8 +19,8 @@ struct NamedBrush {
     Brush brush;
 };
 
-void addAll(Sheet& sheet, std::vector<NamedBrush> brushes, int width, int height, Path (*path)(int, int)) {
-    for (NamedBrush& named : brushes)
+void addAll(Sheet& sheet, const std::vector<NamedBrush>& brushes, int width, int height, Path (*path)(int, int)) {
+    for (const NamedBrush& named : brushes)
         sheet.add(std::move(Cell(width, height).stroke(named.brush, path(width, height), 48)), named.caption);
 }
 
@@ -200,7 +200,7 @@ Sheet paintDepths(const PhotoMaker&) {
         pen.size.sizeControl = cnControlPressure;
         cell.stroke(pen, [=](double t) {
             XCStrokePoint point = wave(t);
-            point.y += cnHeight / 2;
+            point.y += cnHeight / 2.0;
             return point;
         });
         sheet.add(std::move(cell), std::to_string(depth) + (depth == 1 ? " bit" : " bits"));
