@@ -38,9 +38,9 @@ void forEachSpreadRun(int begin, int end, const NearestMap& map, int size, const
 
 /// Where each pixel of a run lies in a row of the source.
 struct RunPlaces {
-    std::array<std::uint8_t, cnBlockSize> from; ///< in the run's source pixels
-    int sourceCount;
-    int factor; ///< 2 or 4 when every source pixel is taken that often, else 0
+    std::array<std::uint8_t, cnBlockSize> from{}; ///< in the run's source pixels
+    int sourceCount = 0;
+    int factor = 0; ///< 2 or 4 when every source pixel is taken that often, else 0
 
     RunPlaces(const SpreadRun& run, const NearestMap& map) {
         for (int i = 0; i < run.count; ++i)
