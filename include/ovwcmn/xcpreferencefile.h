@@ -13,6 +13,7 @@
 class XCFilePath;
 class XCLength;
 class XCString;
+class XCStringArray;
 struct _VXNUMBER;
 struct tagVXRGBCOLOR16;
 
@@ -81,6 +82,10 @@ public:
     int GetPreferenceFile(const char* label, tagVXRGBCOLOR16& color);
     int GetPreferenceFile(const char* label, XCLength& length);
     int GetPreferenceFile(const char* label, tagRECT& rect);
+    /// Appends every label once, in the order of the file. How many; 0 while the file is not open for reading.
+    int GetLabels(XCStringArray& labels);
+    /// Bytes of a label's value, as getting it as data needs; -1 when it is missing.
+    int GetValueSize(const char* label);
     /// @}
 
 private:

@@ -13,6 +13,7 @@
 class XCFilePath;
 class XCLength;
 class XCString;
+class XCStringArray;
 
 /// A key of settings: a folder whose file "pref.pff" holds labelled values and whose sub-folders are sub-keys. Open
 /// either for reading or for writing; closing replaces the file in one step by the values set since, followed by the
@@ -99,6 +100,10 @@ public:
     int GetValue(tagRECTD& value, const char* label);
     int GetValue(XCLength& value, const char* label);
     int GetValue(void* data, int size, const char* label);
+    /// Appends every label once, in the order of the file. How many; 0 unless open for reading.
+    int GetLabels(XCStringArray& labels);
+    /// Bytes of a label's value; -1 when it is missing.
+    int GetValueSize(const char* label);
     /// @}
 
 private:

@@ -4,6 +4,7 @@
 #include "ovwcmn/wintypes.h"
 #include "ovwcmn/xcexception.h"
 #include "ovwcmn/xcstring.h"
+#include "ovwcmn/xcstringarray.h"
 #include "persistence/linebreaks.h"
 #include "persistence/replacingfile.h"
 
@@ -174,6 +175,27 @@ XCArchive* SettingsReader::find(const char* label, int bytes) {
 XCArchive* SettingsReader::findAtLeast(const char* label, int bytes) {
     const SettingsIndex::Record* const found = record(label);
     return found && found->valueBytes() >= bytes ? valueOf(*found) : nullptr;
+}
+
+int SettingsReader::valueBytes(const char* label) {
+    const SettingsIndex::Record* const found = record(label);
+    return found ? found->valueBytes() : -1;
+}
+
+int SettingsReader::listLabels(XCStringArray& labels) {
+    if (!load())
+        return 0;
+    int count = 0;
+    for (const SettingsIndex::Record& record : m_index.records()) {
+        if (m_index.findStored(record.label) != &record)
+            continue; // an earlier one wins
+        XCString label;
+        m_copy.Seek(static_cast<int>(record.begin), 0);
+        m_copy >> label;
+        labels.PushBack(new XCString(label));
+        ++count;
+    }
+    return count;
 }
 
 bool SettingsReader::findText(const char* label, XCString& text) {

@@ -11,6 +11,7 @@
 #include <vector>
 
 class XCString;
+class XCStringArray;
 
 /// @file
 /// Settings as labelled records, one after another: the label as an archive's text, the value's size (16 bits, signed),
@@ -81,6 +82,10 @@ public:
     /// The archive at the value of a label of just, or of at least, so many bytes; null when there is none.
     XCArchive* find(const char* label, int bytes);
     XCArchive* findAtLeast(const char* label, int bytes);
+    /// Bytes of a label's value; -1 when there is none.
+    int valueBytes(const char* label);
+    /// Appends every label once, in the order of the file; how many.
+    int listLabels(XCStringArray& labels);
     /// False when there is none. A single space reads as the empty text.
     bool findText(const char* label, XCString& text);
 

@@ -251,3 +251,7 @@ int XCPreferenceFile::GetPreferenceFile(const char* label, tagRECT& rect) {
     rect = {parts[0], parts[1], parts[2], parts[3]};
     return 1;
 }
+
+int XCPreferenceFile::GetLabels(XCStringArray& labels) { return m_state->reader.listLabels(labels); }
+
+int XCPreferenceFile::GetValueSize(const char* label) { return m_state->reader.valueBytes(label); }

@@ -307,3 +307,7 @@ int XCRegKey::GetValue(void* data, int size, const char* label) {
     archive->Read(data, static_cast<std::uint32_t>(size));
     return 1;
 }
+
+int XCRegKey::GetLabels(XCStringArray& labels) { return m_state->reader.listLabels(labels); }
+
+int XCRegKey::GetValueSize(const char* label) { return m_state->reader.valueBytes(label); }
