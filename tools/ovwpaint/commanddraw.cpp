@@ -70,8 +70,7 @@ void DrawCommand::addPictureOptions() {
         .add_option("--depth", m_options.depth,
                     "Bits a pixel: 1, 2 or 8 (ink), 16 (grey with alpha), 24 or 32 (colour)")
         ->check(CLI::IsMember({1, 2, 8, 16, 24, 32}))
-        ->type_name("BITS")
-        ->capture_default_str();
+        ->type_name("BITS[32]");
 }
 
 void DrawCommand::addBrushOptions() {
@@ -131,9 +130,15 @@ void DrawCommand::addTextureOptions() {
 }
 
 void DrawCommand::addMaterialOptions() {
-    app()
-        .add_option("--backdrop", m_options.backdrop, "A picture to paint on, at the left and top")
-        ->type_name("FILE.png");
+    CLI::Option* backdrop =
+        app()
+            .add_option("--backdrop", m_options.backdrop, "A picture to paint on, at the left and top")
+            ->type_name("FILE.png");
+    CLI::Option* onto = app().add_option("--onto", m_options.onto,
+                                         "Paint into this picture, PNG or an image stream, in its size and depth");
+    onto->type_name("FILE")->excludes(backdrop);
+    for (const char* option : {"--width", "--height", "--background"})
+        onto->excludes(option);
     CLI::Option* mask =
         app()
             .add_option("--mask", m_options.mask,

@@ -52,7 +52,8 @@ the last two fill the grain under pressure. At 1 and 2 bits there is no texture.
 constexpr const char* cnPictures =
     R"(With a backdrop and neither --width nor --height the picture is as large as the backdrop. A brush that clones
 paints without a cache and with any composition alike, and clears where the picture to clone has no pixels. Pictures
-may be PNG of every kind, up to 2^28 pixels.
+may be PNG of every kind, up to 2^28 pixels. With --onto the drawing is fitted into the picture, or centred in it at
+the --scale; -o may be that file, and is an image stream unless it ends in .png.
 
 )";
 

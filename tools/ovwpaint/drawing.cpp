@@ -3,11 +3,13 @@
 #include "brushfile.h"
 #include "canvas.h"
 #include "failure.h"
+#include "imageedits.h"
+#include "imagefile.h"
 #include "inkdocument.h"
 #include "interrupt.h"
 #include "outputfile.h"
 #include "painter.h"
-#include "pngexport.h"
+#include "picture.h"
 #include "pngimport.h"
 #include "presets.h"
 #include "progress.h"
@@ -87,6 +89,16 @@ Brush chooseBrush(const DrawOptions& options) {
     return options.brushSize ? brush.scaled(static_cast<double>(*options.brushSize) / brush.size.size) : brush;
 }
 
+/// The image in a depth that the brush can paint in; what has no transparency is opaque there.
+Image inPaintingDepth(Image image, int depth) {
+    constexpr int cnOpaqueDepth = 24;
+    if (image->GetDepth() == depth)
+        return image;
+    if (!hasTransparency(image->GetDepth()) && image->GetDepth() != cnOpaqueDepth)
+        image = withDepth(*image, cnOpaqueDepth);
+    return withDepth(*image, depth);
+}
+
 /// Blurring keeps what is under a stamp in memory.
 Brush scaledBrush(const Brush& brush, double factor) {
     constexpr int cnMostBlurred = 2000; // pixels
@@ -104,13 +116,28 @@ Colour chooseBackground(const DrawOptions& options, const Brush& brush) {
     return options.background.value_or(brush.erases() && options.backdrop.empty() ? ink : paper);
 }
 
+/// What is painted on, and so gives the picture its size: an image that exists, a backdrop, or nothing.
+struct Ground {
+    explicit Ground(const DrawOptions& options) {
+        if (!options.onto.empty())
+            image = readImageHeader(options.onto);
+        if (!options.backdrop.empty())
+            backdrop.emplace(options.backdrop);
+    }
+
+    std::optional<ImageHeader> image;
+    std::optional<PngReader> backdrop;
+};
+
 /// A backdrop is as large as the picture unless that has a size of its own.
-Layout chooseLayout(const DrawOptions& options, const InkSurvey& survey, const Brush& brush,
-                    const PngReader* backdrop) {
+Layout chooseLayout(const DrawOptions& options, const InkSurvey& survey, const Brush& brush, const Ground& ground) {
     SizeWish size = options.size;
-    if (backdrop && !size.width && !size.height) {
-        size.width = backdrop->width();
-        size.height = backdrop->height();
+    if (ground.image) {
+        size.width = ground.image->width;
+        size.height = ground.image->height;
+    } else if (ground.backdrop && !size.width && !size.height) {
+        size.width = ground.backdrop->width();
+        size.height = ground.backdrop->height();
     }
     try {
         return layOut(survey, brush, size);
@@ -121,17 +148,17 @@ Layout chooseLayout(const DrawOptions& options, const InkSurvey& survey, const B
 
 /// Pictures are painted in 32 bits where the library's brushes do not paint at their depth: in 16 bits, grey with
 /// coverage; in 24 bits beyond the plainest compositions; below 8 bits what smudges.
-int paintingDepth(const DrawOptions& options, const Brush& brush) {
+int paintingDepth(int depth, const Brush& brush) {
     constexpr int cnColourDepth = 32;
     const bool isPlain = brush.method.methodKind <= XCFastPixelMixer::Erase && !brush.source.cloneFlag;
     if (brush.blurs())
         return cnColourDepth;
-    switch (options.depth) {
+    switch (depth) {
     case 1:
-    case 2: return brush.smudges() ? cnColourDepth : options.depth;
+    case 2: return brush.smudges() ? cnColourDepth : depth;
     case 16: return cnColourDepth;
-    case 24: return isPlain ? options.depth : cnColourDepth;
-    default: return options.depth;
+    case 24: return isPlain ? depth : cnColourDepth;
+    default: return depth;
     }
 }
 
@@ -182,34 +209,45 @@ void paint(const InkDocument& document, Painter& painter, const PathMapping& map
     finishStroke();
 }
 
+/// Masks and clones, which have that resolution, must agree with the image.
+Canvas ontoCanvas(const DrawOptions& options, int depth, bool keepsBefore, Progress& progress) {
+    Image image = inPaintingDepth(loadImage(options.onto, progress), depth);
+    image->SetResolution(cnResolution);
+    return Canvas(std::move(image), cnTransparent, keepsBefore);
+}
+
 } // namespace
 
 void drawPicture(const DrawOptions& options) {
+    constexpr int cnUsualDepth = 32;
     refuseToReplaceInput(options);
     Progress progress(options.run.quiet);
     const Brush chosen = chooseBrush(options);
     InkDocument document(options.strokes);
     const InkSurvey survey = document.survey();
-    std::optional<PngReader> backdrop;
-    if (!options.backdrop.empty())
-        backdrop.emplace(options.backdrop);
-    const Layout layout = chooseLayout(options, survey, chosen, backdrop ? &*backdrop : nullptr);
+    Ground ground(options);
+    const Layout layout = chooseLayout(options, survey, chosen, ground);
     OutputFile output(options.output); // before the work, so that a bad path is known at once
     const Store store(options.run);
-    const int depth = paintingDepth(options, chosen);
-    const Brush brush = scaledBrush(adaptToDepth(chosen, options.depth), layout.scale);
-    Canvas canvas(layout.width, layout.height, depth, chooseBackground(options, chosen),
-                  brush.usesCache() || brush.source.cloneFlag);
+    const int depth = options.depth.value_or(ground.image ? ground.image->depth : cnUsualDepth);
+    const Brush brush = scaledBrush(adaptToDepth(chosen, depth), layout.scale);
+    const bool keepsBefore = brush.usesCache() || brush.source.cloneFlag;
+    const int paintedDepth = paintingDepth(depth, chosen);
+    Canvas canvas = ground.image ? ontoCanvas(options, paintedDepth, keepsBefore, progress)
+                                 : Canvas(layout.width, layout.height, paintedDepth, chooseBackground(options, chosen),
+                                          keepsBefore);
     xcSetRandomSeed(options.seed);
     Materials materials(brush, options.pictures, canvas);
-    if (backdrop)
-        canvas.paste(*backdrop);
+    if (ground.backdrop)
+        canvas.paste(*ground.backdrop);
     {
         Painter painter(canvas, brush, materials, options.joining);
         paint(document, painter, layout.mapping(Painter::cnUnitsPerPixel), options.joining, progress,
               survey.sampleCount);
     }
-    writePng(canvas, options.depth, output, progress);
+    if (ground.image)
+        canvas.image().SetResolution(ground.image->resolution);
+    saveImage(canvas, depth, ground.image ? formByName(options.output) : ImageForm::png, true, output, progress);
     output.commit();
 }
 

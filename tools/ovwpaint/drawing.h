@@ -22,7 +22,7 @@ struct DrawOptions {
     std::string output;
     SizeWish size;
     std::optional<Colour> background; ///< white, or black ink for a brush that erases
-    int depth = 32;                   ///< bits a pixel
+    std::optional<int> depth;         ///< bits a pixel; 32, or those of the image painted onto
     RunOptions run;
     std::uint32_t seed = 1;
     std::string preset = "ink-pen";
@@ -45,6 +45,7 @@ struct DrawOptions {
     std::optional<XCPoint> cloneOffset;
     PictureWish pictures;
     std::string backdrop; ///< a picture to paint on
+    std::string onto;     ///< an image to paint into and to save again
     Joining joining = Joining::Smooth;
 };
 

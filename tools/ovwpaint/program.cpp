@@ -32,6 +32,7 @@ std::string versionText() {
 
 /// Every command, in the order of the help.
 constexpr std::array cnCommands = {makeDrawCommand, makePresetsCommand, makeGalleryCommand, makeConvertCommand,
+                                   makeInfoCommand, makeFillCommand,    makeSmoothCommand,  makeSettingsCommand,
                                    makePackCommand, makeUnpackCommand,  makeUnzipCommand};
 
 /// The command line as CLI11 knows it.
