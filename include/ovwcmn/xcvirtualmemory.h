@@ -100,7 +100,7 @@ private:
 };
 
 /// The block store that images keep their pixels in. Owns budget, pools, swap file and blocks; of the memory that
-/// eviction frees it keeps up to 64 pools within the budget for the next blocks, which spares the system clearing new
+/// becomes free it keeps up to 32 MiB, within the budget, for the next blocks, which spares the system clearing new
 /// pages. Failures are thrown as XCException: 8 when memory or budget is short, 39 when the volume of the swap file is
 /// full, 0x200132C8 and 0x200132C9 when the swap file cannot be made. One store may be used from several threads:
 /// "Takes: both" means the library-wide critical section and then the store's own. A block itself belongs to one thread
@@ -169,7 +169,8 @@ private:
     void allocResidentMemory(std::uint32_t size, XCVMHandle& handle);
     VXHANDLE takeMemory(std::uint32_t size, bool& isFresh);
     void giveMemory(VXHANDLE memory) noexcept;
-    void trimSpareMemory(std::int64_t bytes);
+    std::int64_t idleLimit() const;
+    void trimSpareMemory(std::int64_t bytes) noexcept;
     void makeRoom(std::uint32_t size, int edit);
     void makeResident(XCSwapBlock* block, int* wasRead);
     void readBack(XCSwapBlock* block, const XCVMHandle& memory);
@@ -180,8 +181,9 @@ private:
     std::atomic<std::uint32_t> m_nMinimumUnitSize{cnDefaultPageSize};
     XCVMCache m_cache;
     std::array<PoolClass, cnSizeClasses> m_arrPools;
-    std::vector<VXHANDLE> m_arrSpare; // see Recycling
-    int m_nRecycling = 0;             // operations under way that recycle memory
+    std::vector<VXHANDLE> m_arrSpare; // freed memory, kept for the next allocation
+    std::int64_t m_nSpareBytes = 0;
+    int m_nRecycling = 0; // operations under way that recycle memory
     std::unique_ptr<XCCriticalSection> m_pSection;
 };
 

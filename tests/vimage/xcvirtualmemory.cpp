@@ -201,6 +201,19 @@ TEST_F(XCVirtualMemoryTest, PoolsGiveTheirHighestSlotFirst) {
     EXPECT_EQ(allocate(cnOwn)->GetMemory().m_pPool, nullptr);
 }
 
+// Pages that the system hands out are zero; a block that shows its predecessor's bytes cost none.
+TEST_F(XCVirtualMemoryTest, AFreedPoolServesTheNextBlocksWhileTheBudgetIsWide) {
+    for (const auto& [pools, expected] : {std::pair{8u, 77}, {2u, 0}}) {
+        m_vm.Create(pools * XCVMHandlePool::cnPoolBytes, nullptr, 0);
+        for (int round = 0; round < 2; ++round) {
+            XCSwapBlock* const block = m_vm.Allocate(cnPooled);
+            EXPECT_EQ(contents(m_vm, block), round == 0 ? 0 : expected) << pools;
+            fill(m_vm, block, 77);
+            m_vm.Free(block);
+        }
+    }
+}
+
 TEST_F(XCVirtualMemoryTest, APoolWithAHeldBlockIsPassedOver) {
     create(8, cnPooled);
     for (int i = 0; i < 8; ++i)

@@ -21,6 +21,9 @@ constexpr int cnErrorNoSwapName = 0x200132C9;
 constexpr int cnMaxRetries = 10;
 constexpr char cnSwapPrefix[] = "SWP";
 constexpr std::size_t cnMaxSpares = 64;
+/// Bytes of spare memory that outlast an operation, and the part of the budget that they may take.
+constexpr std::int64_t cnMaxIdleBytes = 32 << 20;
+constexpr std::int64_t cnIdlePartOfBudget = 4;
 
 constexpr std::uint32_t cnPooledSizes[] = {8192, 16384, 65536, 131072, 262144};
 
@@ -51,14 +54,15 @@ void cleanUp(const XCFilePath& swapPath) {
 
 } // namespace
 
-/// Keeps memory that an eviction frees for the allocation that the eviction makes room for, in the same operation:
-/// paging then neither returns pages to the system nor has it clear new ones. What is left over is freed at its end.
+/// An operation that may evict blocks. All the memory that an eviction frees is kept for the allocation that the
+/// eviction makes room for: paging then neither returns pages to the system nor has it clear new ones. What exceeds the
+/// budget is freed at its end.
 class XCVirtualMemory::Recycling {
 public:
     explicit Recycling(XCVirtualMemory& store) : m_store(store) { ++m_store.m_nRecycling; }
     ~Recycling() {
         if (--m_store.m_nRecycling == 0)
-            m_store.trimSpareMemory(m_store.m_cache.GetMarginSize());
+            m_store.trimSpareMemory(m_store.idleLimit());
     }
     Recycling(const Recycling&) = delete;
     Recycling& operator=(const Recycling&) = delete;
@@ -295,6 +299,7 @@ VXHANDLE XCVirtualMemory::takeMemory(std::uint32_t size, bool& isFresh) {
     if (!isFresh) {
         const VXHANDLE memory = *spare;
         m_arrSpare.erase(spare);
+        m_nSpareBytes -= size;
         return memory;
     }
     int status = 0;
@@ -308,20 +313,30 @@ VXHANDLE XCVirtualMemory::takeMemory(std::uint32_t size, bool& isFresh) {
     return memory;
 }
 
+/// Pools are kept after the operation too: an image that is emptied and painted on again, as a stroke's temporary one
+/// is, then finds its pages.
 void XCVirtualMemory::giveMemory(VXHANDLE memory) noexcept {
-    if (m_nRecycling == 0 || m_arrSpare.size() == cnMaxSpares)
+    const std::uint32_t size = vxGetHandleSize(memory);
+    const bool isWanted =
+        m_nRecycling > 0 || (size == XCVMHandlePool::cnPoolBytes && m_nSpareBytes + size <= idleLimit());
+    if (!isWanted || m_arrSpare.size() == cnMaxSpares) {
         vxFree(memory);
-    else
-        m_arrSpare.push_back(memory);
+        return;
+    }
+    m_arrSpare.push_back(memory);
+    m_nSpareBytes += size;
+}
+
+/// How many bytes may be spare between two operations: resident blocks and spare memory stay within the budget.
+std::int64_t XCVirtualMemory::idleLimit() const {
+    const std::int64_t share = GetPhysicalMemorySize() / cnIdlePartOfBudget;
+    return std::min({cnMaxIdleBytes, share, static_cast<std::int64_t>(m_cache.GetMarginSize())});
 }
 
 /// Frees spare memory until at most so many bytes are left.
-void XCVirtualMemory::trimSpareMemory(std::int64_t bytes) {
-    std::int64_t left = 0;
-    for (const VXHANDLE memory : m_arrSpare)
-        left += vxGetHandleSize(memory);
-    while (!m_arrSpare.empty() && left > bytes) {
-        left -= vxGetHandleSize(m_arrSpare.back());
+void XCVirtualMemory::trimSpareMemory(std::int64_t bytes) noexcept {
+    while (!m_arrSpare.empty() && m_nSpareBytes > bytes) {
+        m_nSpareBytes -= vxGetHandleSize(m_arrSpare.back());
         vxFree(m_arrSpare.back());
         m_arrSpare.pop_back();
     }
