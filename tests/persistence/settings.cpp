@@ -5,6 +5,7 @@
 #include "ovwcmn/xcnumber.h"
 #include "ovwcmn/xcpreferencefile.h"
 #include "ovwcmn/xcregkey.h"
+#include "ovwcmn/xcstringarray.h"
 #include "support/crashingdisk.h"
 #include "support/scopes.h"
 #include "support/tempfolder.h"
@@ -338,6 +339,35 @@ TEST(XCRegKey, KeepsTheOtherValuesUpToAnEmptyOne) {
 }
 
 // Every save leaves the old file or the new one, whichever call of the system fails or is the last before a power cut.
+std::string joined(XCStringArray& labels) {
+    std::string text;
+    for (int i = 0; i < labels.GetSize(); ++i)
+        text += std::string(labels.GetAt(i)->GetStr()) + ";";
+    return text;
+}
+
+// The same bytes, read as a preference file and as a key's values.
+TEST(Settings, ListTheirLabels) {
+    const TempFolder folder;
+    folder.write("pref.pff",
+                 record("b", "12") + record("a\rc", "") + record("b", "3") + record("d", zeros(4)) + "\0\1");
+    XCPreferenceFile file;
+    XCRegKey key;
+    XCStringArray labels;
+    EXPECT_EQ(file.GetLabels(labels) + key.GetLabels(labels), 0) << "while closed";
+    ASSERT_TRUE(file.OpenPreferenceFile(0, folder.path("pref.pff")));
+    ASSERT_TRUE(key.Open(folder.path(), nullptr, XCRegKey::cnRead));
+    EXPECT_EQ(file.GetLabels(labels), 3);
+    const std::string listed = joined(labels);
+    EXPECT_EQ(key.GetLabels(labels), 3);
+    EXPECT_EQ(joined(labels), listed + listed);
+    for (const auto& [index, bytes] : {std::pair{0, 2}, {1, 0}, {2, 4}}) {
+        EXPECT_EQ(file.GetValueSize(labels.GetAt(index)->GetStr()), bytes);
+        EXPECT_EQ(key.GetValueSize(labels.GetAt(index)->GetStr()), bytes);
+    }
+    EXPECT_EQ(file.GetValueSize("c"), -1);
+}
+
 TEST(Settings, LeaveTheOldFileOrTheNewOneAtAnyFault) {
     const TempFolder folder;
     const std::string before = record("a", "1"), merged = record("b", "2") + before;
