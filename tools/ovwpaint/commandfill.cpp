@@ -55,7 +55,7 @@ public:
         app().add_option("--source", m_source, "Go by the colours of this picture instead")->type_name("FILE");
         addRunOptions(app(), m_run);
         app().footer("Prints how many pixels were filled, and the rectangle that was looked at (right and bottom\n"
-                     "excluded).\n"
+                     "excluded). Pictures of 1 to 16 bits show the colour in black, white or grey.\n"
                      "Example: ovwpaint fill outline.png -o filled.png --at 120,80 --colour '#FFCC00' --margin 20");
     }
 
