@@ -109,6 +109,7 @@ struct _GUID {
     std::uint8_t Data4[8];
 };
 using GUID = _GUID;
+using VXUID = _GUID;
 
 // Windows, modules and resources are the application's business: the library only passes them on.
 struct HWND__;

@@ -185,6 +185,9 @@ private:
     std::vector<std::uint32_t> m_sectionStarts; // behind the lengths
 };
 
+/// A new identifier, different from all others, from the system's random numbers. Throws 8 when there are none.
+OVWCMN_API void xcCreateVXUID(VXUID& id);
+
 /// @name Times
 /// As 32-bit seconds since 1970.
 /// @{

@@ -13,7 +13,7 @@
 class XCTime;
 
 /// A full path in the library's form: C:\a\b or \\server\share\a, multibyte text in the current code page, at most 519
-/// bytes (error 206) and 255 a component. The text is kept as given; whatever splits it ignores a trailing run of "\".
+/// bytes (error 0x20010008) and 255 a component. The text is kept as given; whatever splits it ignores a trailing run of "\".
 /// Names are compared without regard to case. Operations throw XCException with the system's code; queries never throw
 /// and answer 0. Paths are independent values: one thread at a time each. To and from the paths of this system:
 /// xcPathFromPosix, xcPathToPosix.
@@ -29,7 +29,7 @@ public:
     virtual ~XCFilePath() = default;
 
     /// @name The text
-    /// Texts written to a `char*` are at most 520 bytes with their terminator; a longer one throws 206.
+    /// Texts written to a `char*` are at most 520 bytes with their terminator; a longer one throws 0x20010008.
     /// @{
     void Empty() { m_strPath.Empty(); }
     int IsEmpty() const { return m_strPath.IsEmpty(); }
@@ -156,7 +156,8 @@ public:
     static void ConvertWinToMacSubPath(XCString& path);
     static void ConvertMacToWinSubPath(char* path);
     static void ConvertMacToWinSubPath(XCString& path);
-    /// 1 and the way from `base` to `target` (at most 259 bytes), or 0 and the full target when they share no root.
+    /// 1 and the way from `base` to `target` (at most 259 bytes), or 0 and the full target when they share no root
+    /// or the way is longer.
     static int MakeRelativePath(XCString& out, const XCFilePath& base, const XCFilePath& target);
     /// Removes what names must not hold from every component; 1 when the path changed.
     static int ConvertCannotUseCharactors(XCString& path, int withExtension);

@@ -439,4 +439,13 @@ TEST(XCArchive, MemoryGrowsInSteps) {
     EXPECT_EQ(errorOf([&] { archive.Seek(-1, 0); }), 0x20010008);
 }
 
+TEST(XCArchive, NewIdentifiersAreRandomOnes) {
+    _GUID one, other;
+    xcCreateVXUID(one);
+    xcCreateVXUID(other);
+    EXPECT_NE(std::memcmp(&one, &other, sizeof one), 0);
+    EXPECT_EQ(one.Data3 >> 12, 4);
+    EXPECT_EQ(one.Data4[0] >> 6, 2);
+}
+
 } // namespace

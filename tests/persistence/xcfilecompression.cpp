@@ -119,6 +119,12 @@ TEST_F(XCFileCompressionTest, FilesHaveTheirBytes) {
     EXPECT_GT(timeOf("out/made"), 1000000000); // no time was set
 }
 
+TEST_F(XCFileCompressionTest, NamesHideNothingBehindANul) {
+    m_folder.write("packed", cnHead + record(std::string("a\0b", 3), 1) + cnFrameOfX);
+    EXPECT_EQ(unpackError(), 0x2001000B);
+    EXPECT_EQ(namesIn("out"), Names());
+}
+
 TEST_F(XCFileCompressionTest, TreesComeBackWithTimesAndAttributes) {
     const TimeZoneScope zone("CET-1CEST,M3.5.0,M10.5.0");
     fs::create_directories(m_folder.posix("docs/deep/deeper"));

@@ -45,6 +45,7 @@ TEST(XCFilePath, TrailingSeparatorsStayInTheTextButNotInTheFullPath) {
     for (Texts t : {Texts{"C:\\a\\b\\\\", "C:\\a\\b"},
                     {"C:\\a", "C:\\a"},
                     {"C:\\", "C:\\"},
+                    {"C:\\\\", "C:\\"},
                     {"", ""},
                     {"a\\", "a"},
                     {"\\\\server\\share\\a\\", "\\\\server\\share\\a"}})
@@ -138,9 +139,9 @@ TEST(XCFilePath, AppendingPutsOneSeparatorBetween) {
     struct Case {
         const char *path, *sub, *result;
     };
-    for (const Case& c :
-         {Case{"C:\\a\\", "\\b\\", "C:\\a\\b"}, Case{"", "b\\", "b\\"}, Case{"C:\\a\\\\", "", "C:\\a\\\\"},
-          Case{"C:\\", "b", "C:\\b"}, Case{"C:\\a", "b\\c", "C:\\a\\b\\c"}, Case{"C:\\a", "b:c", "C:\\a\\b:c"}}) {
+    for (const Case& c : {Case{"C:\\a\\", "\\b\\", "C:\\a\\b"}, Case{"C:\\", "\\", "C:\\"}, Case{"", "b\\", "b\\"},
+                          Case{"C:\\a\\\\", "", "C:\\a\\\\"}, Case{"C:\\", "b", "C:\\b"},
+                          Case{"C:\\a", "b\\c", "C:\\a\\b\\c"}, Case{"C:\\a", "b:c", "C:\\a\\b:c"}}) {
         XCFilePath path(c.path);
         path += c.sub;
         EXPECT_EQ(text(path), c.result) << c.path << " + " << c.sub;
@@ -219,6 +220,12 @@ TEST(XCFilePath, ForbiddenCharactersLeaveTheComponents) {
     for (char c : std::string_view("?*<>|"))
         EXPECT_EQ(text(dirty).find(c), std::string::npos) << text(dirty);
     EXPECT_EQ(text(dirty).rfind("C:\\a", 0), 0u) << text(dirty);
+    for (Texts t :
+         {Texts{"a\\b.?", "a\\b"}, {"a\\b.", "a\\b"}, {"na?me", "name"}, {"ab:\\c", "ab\\c"}, {"a\\?\\b", "a\\b"}}) {
+        XCString path(t.in);
+        EXPECT_EQ(XCFilePath::ConvertCannotUseCharactors(path, 1), 1) << t.in;
+        EXPECT_EQ(text(path), t.out);
+    }
 }
 
 // In code page 932 the second byte of a character may be 0x5C, the separator's.
@@ -263,8 +270,8 @@ TEST(XCFilePath, TooLongTextsAreRefused) {
     EXPECT_EQ(longest, buffer);
     EXPECT_EQ(nameOf(longest.c_str()), "cccc");
     XCFilePath tooLong((longest + "d").c_str());
-    EXPECT_EQ(errorOf([&] { tooLong.GetFullPath(buffer); }), 206);
-    EXPECT_EQ(errorOf([&] { tooLong.CreateFolder(); }), 206);
+    EXPECT_EQ(errorOf([&] { tooLong.GetFullPath(buffer); }), 0x20010008);
+    EXPECT_EQ(errorOf([&] { tooLong.CreateFolder(); }), 0x20010008);
     EXPECT_EQ(tooLong.IsExistence(), 0);
     EXPECT_EQ(tooLong.IsFolder(), 0);
 
@@ -272,9 +279,12 @@ TEST(XCFilePath, TooLongTextsAreRefused) {
     const XCFilePath far(("C:\\x\\" + std::string(255, 'a') + "\\b").c_str());
     EXPECT_EQ(XCFilePath::MakeRelativePath(out, "C:\\x", far), 1);
     EXPECT_EQ(out.GetLength(), 257);
-    EXPECT_EQ(errorOf([&] { XCFilePath::MakeRelativePath(out, "C:\\y\\z", far); }), 206); // 265 bytes
+    for (const char* base : {"C:\\y\\z", "D:\\"}) { // 265 bytes, and none in common
+        EXPECT_EQ(XCFilePath::MakeRelativePath(out, base, far), 0);
+        EXPECT_EQ(text(out), text(far));
+    }
     XCFilePath remade("C:\\old");
-    EXPECT_EQ(errorOf([&] { remade.RemakePath(std::string(256, 'c').c_str(), "C:\\a"); }), 206);
+    EXPECT_EQ(errorOf([&] { remade.RemakePath(std::string(256, 'c').c_str(), "C:\\a"); }), 0x20010008);
     EXPECT_EQ(text(remade), "C:\\old");
 }
 

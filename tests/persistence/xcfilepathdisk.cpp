@@ -125,6 +125,10 @@ TEST_F(XCFilePathDisk, CopyAndMoveFiles) {
     EXPECT_EQ(m_folder.read("a"), "moved");
     EXPECT_FALSE(m_folder.has("m"));
     EXPECT_EQ(errorOf([&] { XCFilePath::MoveFileA(path("n"), path("m"), 0); }), 2);
+    m_folder.write("kept", "k");
+    EXPECT_EQ(errorOf([&] { XCFilePath::MoveFileA(path("kept"), path("m"), 0); }), 2); // nothing to put in its place
+    XCFilePath::MoveFileA(path("kept"), path("kept"), 0);
+    EXPECT_EQ(m_folder.read("kept"), "k");
 }
 
 TEST_F(XCFilePathDisk, RenameKeepsTheFolder) {
@@ -184,6 +188,9 @@ TEST_F(XCFilePathDisk, NumberedNamesFillTheFirstGap) {
     EXPECT_EQ(next(4, nullptr, "ab", 5), "ab0005");
     m_folder.write("p99999999999999999999", "");
     EXPECT_NE(next(1, nullptr, "p"), "");
+    m_folder.write("z.7z", ""); // the digit is none of the name's
+    EXPECT_EQ(next(1, "7z", "z"), "z1.7z");
+    EXPECT_EQ(next(1, "", "z"), "z8");
     XCFilePath plain;
     EXPECT_EQ(plain.GetSequencialFilePath(m_folder.path(), 3, "png", "q"), 1);
     EXPECT_EQ(nameOf(plain), "q001.png");

@@ -4,6 +4,7 @@
 #include "ovwcmn/xcarchive.h"
 #include "ovwcmn/xcexception.h"
 #include "ovwcmn/xczlib.h"
+#include "persistence/linebreaks.h"
 
 #include <cstring>
 #include <string_view>
@@ -19,13 +20,20 @@ constexpr std::uint32_t cnVersion = 0x100;
 constexpr int cnOtherFileCode = 0;           // without a message
 constexpr std::uint32_t cnMinEntryBytes = 2; // the kind
 constexpr std::uint32_t cnNumbersBytes = 12; // of a file record: size, time, attributes
+constexpr std::uint32_t cnCountBytes = 2;    // of a text
 constexpr std::uint32_t cnFrameLengthBytes = 4;
 constexpr std::size_t cnMaxNameBytes = 255;
 constexpr int cnMaxNesting = 260; // a path holds no more folders
 
-void requirePlainName(const XCString& name) {
-    if (!isPlainName(name))
+XCString readName(XCArchive& archive) {
+    const std::uint32_t start = archive.GetPosition();
+    XCString name;
+    archive >> name;
+    const std::uint32_t stored = archive.GetPosition() - start - cnCountBytes;
+    // A NUL within would hide what follows it.
+    if (joinLineBreaks<char>(name.GetStr(), nullptr) != stored || !isPlainName(name))
         xcThrowError(cnCodeFileFormat);
+    return name;
 }
 
 void checkFolderEntries(XCArchive& archive, std::uint32_t count, int nesting);
@@ -82,11 +90,10 @@ void writeFileRecord(XCArchive& archive, const PackedFileRecord& record) {
 PackedFileRecord readFileRecord(XCArchive& archive) {
     PackedFileRecord record;
     archive.BeginSection();
-    archive >> record.name;
+    record.name = readName(archive);
     archive.RequireRemaining(cnNumbersBytes);
     archive >> record.size >> record.time >> record.attributes;
     archive.EndSection();
-    requirePlainName(record.name);
     if (record.size < 0)
         xcThrowError(cnCodeFileFormat);
     return record;
@@ -107,8 +114,8 @@ void writeFolderRecord(XCArchive& archive, const PackedFolderRecord& record) {
 
 PackedFolderRecord readFolderRecord(XCArchive& archive) {
     PackedFolderRecord record;
-    archive >> record.name >> record.entries;
-    requirePlainName(record.name);
+    record.name = readName(archive);
+    archive >> record.entries;
     return record;
 }
 

@@ -1,6 +1,5 @@
 #include "persistence/pathtext.h"
 
-#include "Platform/systemerror.h"
 #include "Utility/vxfile.h"
 #include "ovwcmn/xcexception.h"
 
@@ -11,7 +10,7 @@ namespace ovw::persistence {
 
 const std::string& requireFits(const std::string& text, std::size_t bufferSize) {
     if (text.size() >= bufferSize)
-        xcThrowError(platform::cnErrorFileNameTooLong);
+        xcThrowError(foundation::cnCodeParameter);
     return text;
 }
 

@@ -9,10 +9,10 @@
 
 namespace ovw::persistence {
 
-/// Writes a text and its terminator to a buffer of cnPathBufferSize bytes; throws 206 when it is longer.
+/// Writes a text and its terminator to a buffer of cnPathBufferSize bytes; throws 0x20010008 when it is longer.
 void copyToBuffer(char* out, const std::string& text);
 
-/// The text; throws 206 when it does not fit a buffer of `bufferSize` bytes.
+/// The text; throws 0x20010008 when it does not fit a buffer of `bufferSize` bytes.
 const std::string& requireFits(const std::string& text, std::size_t bufferSize);
 
 /// Without regard to the case of ASCII letters.

@@ -93,6 +93,8 @@ void XCArchive::moveInCache(std::uint32_t oldPosition) {
 void XCArchive::Write(const void* bytes, std::uint32_t size) {
     if (IsLoading() || size > cnMaxPosition - GetPosition())
         xcThrowError(cnCodeParameter);
+    if (size == 0)
+        return;
     if (m_isCached)
         WriteCache(bytes, size);
     else

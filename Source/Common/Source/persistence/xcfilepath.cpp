@@ -15,11 +15,15 @@ using ovw::persistence::text;
 
 namespace {
 
-/// The text without its trailing run of "\", unless it is a root.
-std::string trimmed(const XCString& path) {
-    const std::string full = text(path);
-    return vxIsRootPath(full) ? full : vxWithoutBackDelimiter(full);
+/// The text without its trailing run of "\". A root keeps one: C: alone is another folder.
+std::string trimmed(const std::string& full) {
+    const std::string kept = vxWithoutBackDelimiter(full), withOne = kept + '\\';
+    if (full.starts_with(withOne) && vxIsRootPath(withOne))
+        return withOne;
+    return vxIsRootPath(full) ? full : kept;
 }
+
+std::string trimmed(const XCString& path) { return trimmed(text(path)); }
 
 std::size_t frontDelimiters(const char* path) { return std::strspn(path, "\\"); }
 
@@ -134,8 +138,11 @@ XCFilePath& XCFilePath::operator+=(const char* subPath) {
     if (m_strPath.IsEmpty()) {
         m_strPath = sub.c_str();
     } else if (!sub.empty()) {
-        std::string joined = vxWithoutBackDelimiter(text(m_strPath)) + '\\' + sub.substr(frontDelimiters(sub.c_str()));
-        m_strPath = vxWithoutBackDelimiter(joined).c_str();
+        const std::string joined =
+            vxWithoutBackDelimiter(text(m_strPath)) + '\\' + sub.substr(frontDelimiters(sub.c_str()));
+        const std::string kept = vxWithoutBackDelimiter(joined);
+        const bool isDrive = kept.size() == 2 && vxIsRootPath(kept + '\\');
+        m_strPath = isDrive ? (kept + '\\').c_str() : kept.c_str();
     }
     return *this;
 }
@@ -154,7 +161,7 @@ int XCFilePath::IsExtensionFile(const char* ext) const {
     return equalNoCase(vxCopyExtension(vxWithoutBackDelimiter(text(m_strPath))), ext ? ext : "");
 }
 
-int XCFilePath::IsRoot() const { return vxIsRootPath(text(m_strPath)); }
+int XCFilePath::IsRoot() const { return vxIsRootPath(trimmed(m_strPath)); }
 
 int XCFilePath::IsChildFolder(const XCFilePath& other) const {
     if (other.IsRoot())

@@ -146,13 +146,17 @@ void XCFilePath::CopyFileA(const XCFilePath& dest, const XCFilePath& src, int fa
 void XCFilePath::MoveFileA(const XCFilePath& dest, const XCFilePath& src, int failIfExists) {
     vxSetLastError(0);
     int code = 0;
+    const std::string from = trimmed(src), to = trimmed(dest);
     if (dest.IsExistence()) {
         if (failIfExists)
             xcThrowError(ovw::foundation::cnCodeFileExists);
+        if (from == to)
+            return;
+        if (!src.IsExistence())
+            xcThrowError(vxGetLastError()); // before the target is gone
         if (!vxDeleteFile(dest, &code))
             xcThrowError(code);
     }
-    const std::string from = trimmed(src), to = trimmed(dest);
     code = platform::fileSystem().rename(from, to);
     if (code == platform::cnErrorNotSameDevice && !src.IsFolder()) {
         copyOrThrow(src, dest, 1);

@@ -24,7 +24,7 @@ constexpr int cnMaxDigits = 200; // a component holds 255 bytes
 /// How the names of a series look.
 struct Series {
     std::string prefix;
-    const char* ext;
+    const char* ext; ///< null for none
     int digits;
 };
 
@@ -44,12 +44,18 @@ std::int64_t numberIn(const std::string& name, std::size_t start) {
     return number;
 }
 
-bool belongs(const XCFindFile& entry, const std::string& name, const Series& series) {
+std::string withoutExtension(const XCString& entry) {
+    XCString name, ext;
+    XCFilePath(entry).GetNameAndExtension(name, ext);
+    return text(name);
+}
+
+bool belongs(const XCFindFile& entry, const XCString& name, const Series& series) {
     if (entry.IsHidden() || entry.IsParentFolder())
         return false;
-    if (series.ext && (entry.IsFolder() || !XCFilePath(name.c_str()).IsExtensionFile(series.ext)))
+    if (series.ext && (entry.IsFolder() || !XCFilePath(name).IsExtensionFile(series.ext)))
         return false;
-    return equalNoCase(name.substr(0, series.prefix.size()), series.prefix);
+    return equalNoCase(text(name).substr(0, series.prefix.size()), series.prefix);
 }
 
 std::vector<std::int64_t> usedNumbers(const XCFilePath& folder, const Series& series) {
@@ -58,8 +64,8 @@ std::vector<std::int64_t> usedNumbers(const XCFilePath& folder, const Series& se
     for (int found = search.First(folder); found; found = search.Next()) {
         XCString entry;
         search.GetName(entry);
-        const std::string name = text(entry);
-        const std::int64_t number = belongs(search, name, series) ? numberIn(name, series.prefix.size()) : -1;
+        const std::string name = series.ext ? withoutExtension(entry) : text(entry);
+        const std::int64_t number = belongs(search, entry, series) ? numberIn(name, series.prefix.size()) : -1;
         if (number >= 0)
             numbers.push_back(number);
     }
@@ -77,6 +83,8 @@ std::int64_t nextNumber(const std::vector<std::int64_t>& numbers) {
 
 /// A prefix of digits only is no prefix but a pattern for the number.
 Series seriesOf(int digits, const char* ext, const char* prefix) {
+    if (ext && !*ext)
+        ext = nullptr;
     if (vxIsOnlyNumberString(prefix))
         return {"", ext, *prefix == '0' ? static_cast<int>(std::string(prefix).size()) : 1};
     return {prefix ? prefix : "", ext, digits};

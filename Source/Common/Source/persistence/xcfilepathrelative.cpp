@@ -100,7 +100,14 @@ std::string safeComponent(const std::string& component, bool withExtension) {
     if (dot < 0)
         return text(safeName(component));
     const auto place = static_cast<std::size_t>(dot);
-    return text(safeName(component.substr(0, place))) + '.' + text(safeName(component.substr(place + 1)));
+    const std::string name = text(safeName(component.substr(0, place)));
+    const std::string ext = text(safeName(component.substr(place + 1)));
+    return ext.empty() ? name : name + '.' + ext; // names do not end in "."
+}
+
+bool isDrive(const std::string& path) {
+    const char letter = path.empty() ? '\0' : static_cast<char>(path[0] | 0x20);
+    return path.size() == 2 && path[1] == ':' && letter >= 'a' && letter <= 'z';
 }
 
 } // namespace
@@ -109,10 +116,10 @@ int XCFilePath::MakeRelativePath(XCString& out, const XCFilePath& base, const XC
     const std::string from = requireFits(vxWithoutBackDelimiter(text(base.m_strPath)), cnPathBufferSize);
     const std::string to = requireFits(vxWithoutBackDelimiter(text(target.m_strPath)), cnPathBufferSize);
     const std::size_t start = comparisonStart(from, to);
-    const bool related = start != std::string::npos;
-    const std::string result = related ? relativeFrom(from, to, start) : to;
-    out = requireFits(result, cnRelativeBufferSize).c_str();
-    return related;
+    const std::string relative = start != std::string::npos ? relativeFrom(from, to, start) : to;
+    const bool isRelative = start != std::string::npos && relative.size() < cnRelativeBufferSize;
+    out = isRelative ? relative.c_str() : to.c_str();
+    return isRelative;
 }
 
 int XCFilePath::RemakePath(const XCString& relative, const XCFilePath& base) {
@@ -143,7 +150,7 @@ int XCFilePath::ConvertCannotUseCharactors(XCString& path, int withExtension) {
         components.push_back(text(last));
     // What DivideSubPath leaves is a root ("C:"), or a name alone, which is a component like the others.
     const std::string front = text(root.m_strPath);
-    const bool isName = !front.empty() && vxFindLastDelimiter(front) == std::string::npos && front.back() != ':';
+    const bool isName = !front.empty() && vxFindLastDelimiter(front) == std::string::npos && !isDrive(front);
     if (isName)
         components.push_back(front);
     bool changed = false;
