@@ -32,6 +32,12 @@ function(ovw_folder name directory)
   set_property(GLOBAL APPEND PROPERTY OVW_FOLDERS ovw_${name})
 endfunction()
 
+# ovw_source_flags(FLAGS SOURCE...): sources that are compiled with further flags (a list in one argument), and without
+# the precompiled headers, which do not have these.
+function(ovw_source_flags flags)
+  set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "${flags}" SKIP_PRECOMPILE_HEADERS ON)
+endfunction()
+
 # ovw_test_program(NAME SOURCE...): the program test_NAME of GoogleTest cases, each a test of ctest with the label NAME.
 # Under sanitizers, where a process is slow to start, the whole program is one; and sources that do little themselves
 # are not optimised, which takes the compiler a third of the time. OVW_TESTS_WITH_MODELS have plain models to run.
