@@ -22,6 +22,7 @@ Image smoothed(Image image) {
     const int wanted = hasTransparency(depth) ? cnColourDepth : cnRgbDepth;
     if (depth != wanted)
         image = withDepth(*image, wanted);
+    const double resolution = image->GetResolution();
     XCOffscreen classic;
     classic.CopyFromOffscreen(image.get());
     image.reset();
@@ -30,7 +31,9 @@ Image smoothed(Image image) {
     classic.DoSmoothing(nullptr, nullptr, nullptr, nullptr, nullptr);
     classic.Unlock();
     throwIfInterrupted();
-    return Image(classic.CopyToOffscreen());
+    image.reset(classic.CopyToOffscreen());
+    image->SetResolution(resolution);
+    return image;
 }
 
 class SmoothCommand final : public Command {

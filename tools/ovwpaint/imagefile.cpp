@@ -82,9 +82,12 @@ auto readStream(const std::string& path, Read read) {
 }
 
 Image readStreamImage(const std::string& path, Progress& progress) {
-    return readStream(path, [&progress](XCArchive& archive) {
+    return readStream(path, [&](XCArchive& archive) {
         ReadingPulse pulse(archive, progress);
-        return Image(XCVOffscreen::Read(archive, &pulse));
+        Image image(XCVOffscreen::Read(archive, &pulse));
+        if (image->GetWidth() == 0 || image->GetHeight() == 0)
+            throw Failure(path + ": the image has no pixels");
+        return image;
     });
 }
 
