@@ -4,6 +4,32 @@
 
 namespace ovwpaint {
 
+namespace {
+
+/// How many bytes the character of UTF-8 has that begins with this one; 0 for none that is printable.
+std::size_t characterBytes(std::uint8_t first) {
+    constexpr std::uint8_t cnDelete = 0x7F, cnTwo = 0xC2, cnThree = 0xE0, cnFour = 0xF0, cnBeyond = 0xF5;
+    if (first < cnTwo)
+        return first >= ' ' && first < cnDelete;
+    return first < cnThree ? 2 : first < cnFour ? 3 : first < cnBeyond ? 4 : 0;
+}
+
+bool isText(const std::vector<std::uint8_t>& bytes) {
+    for (std::size_t i = 0; i < bytes.size();) {
+        const std::size_t count = characterBytes(bytes[i]);
+        if (count == 0 || count > bytes.size() - i)
+            return false;
+        const auto next = bytes.begin() + static_cast<std::ptrdiff_t>(i);
+        if (!std::all_of(next + 1, next + static_cast<std::ptrdiff_t>(count),
+                         [](std::uint8_t byte) { return (byte & 0xC0) == 0x80; }))
+            return false;
+        i += count;
+    }
+    return true;
+}
+
+} // namespace
+
 std::optional<std::vector<std::uint8_t>> parseBytes(std::string_view text) {
     constexpr int cnHexadecimal = 16;
     if (text.size() % 2 != 0)
@@ -31,9 +57,7 @@ std::string formatBytes(const std::vector<std::uint8_t>& bytes) {
 }
 
 std::string describeBytes(const std::vector<std::uint8_t>& bytes) {
-    constexpr std::uint8_t cnDelete = 127;
-    const auto isPrintable = [](std::uint8_t byte) { return byte >= ' ' && byte != cnDelete; };
-    if (bytes.empty() || !std::all_of(bytes.begin(), bytes.end(), isPrintable))
+    if (bytes.empty() || !isText(bytes))
         return formatBytes(bytes);
     return '"' + std::string(bytes.begin(), bytes.end()) + '"';
 }
