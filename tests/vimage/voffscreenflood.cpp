@@ -56,7 +56,8 @@ protected:
     /// Few values, in strips along the rows, so that runs cross blocks and regions branch; one block stays missing.
     void strew(TestImage& image, unsigned seed) {
         std::mt19937 random(seed);
-        const std::uint32_t values[] = {0, 0x00FFFFFF, 0xFF000000 | random(), 0x80808080, std::uint32_t(random()), 3};
+        const std::uint32_t values[] = {
+            0, 0x00FFFFFF, std::uint32_t(0xFF000000 | random()), 0x80808080, std::uint32_t(random()), 3};
         for (int y = 0; y < image->GetHeight(); ++y)
             for (int x = 0; x < image->GetWidth();) {
                 const int length = random() % 4 ? 1 + int(random() % 5) : 40 + int(random() % 300);
