@@ -13,10 +13,10 @@
 class XCTime;
 
 /// A full path in the library's form: C:\a\b or \\server\share\a, multibyte text in the current code page, at most 519
-/// bytes (error 0x20010008) and 255 a component. The text is kept as given; whatever splits it ignores a trailing run of "\".
-/// Names are compared without regard to case. Operations throw XCException with the system's code; queries never throw
-/// and answer 0. Paths are independent values: one thread at a time each. To and from the paths of this system:
-/// xcPathFromPosix, xcPathToPosix.
+/// bytes (error 0x20010008) and 255 a component. The text is kept as given; whatever splits it ignores a trailing run
+/// of "\". Names are compared without regard to case. Operations throw XCException with the system's code; queries
+/// never throw and answer 0. Paths are independent values: one thread at a time each. To and from the paths of this
+/// system: xcPathFromPosix, xcPathToPosix.
 class OVWCMN_API XCFilePath {
 public:
     XCFilePath() = default;

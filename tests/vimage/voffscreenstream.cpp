@@ -284,7 +284,8 @@ TEST_F(VOffscreenStream, RefusesWhatContradictsItself) {
     Bytes bytes = whole;
     bytes[cnVersionAt] = 2;
     EXPECT_EQ(readCode(bytes), 0x2001000C);
-    EXPECT_EQ(errorOf([&] { XCVOffscreen::ReadHeader(nullptr, nullptr, nullptr, nullptr, Source(bytes)); }), 0x2001000C);
+    EXPECT_EQ(errorOf([&] { XCVOffscreen::ReadHeader(nullptr, nullptr, nullptr, nullptr, Source(bytes)); }),
+              0x2001000C);
     bytes[cnVersionAt] = 1, bytes[cnVersionAt + 1] = 0xFF;
     EXPECT_EQ(readCode(bytes), 0);
 }

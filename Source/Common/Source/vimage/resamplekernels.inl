@@ -51,8 +51,8 @@ template <int Factor>
 void meanOfAll(const ColourColumns& columns, int count, std::uint32_t* words) {
     constexpr int cnShift = Factor == 2 ? 2 : Factor == 4 ? 4 : 6;
     for (int i = 0; i < count; ++i)
-        words[i] = (columns.blueRed[i] >> cnShift & cnEvenBytes) |
-                   (columns.greenAlpha[i] >> cnShift & cnEvenBytes) << 8;
+        words[i] = (columns.blueRed[i] >> cnShift & cnEvenBytes) | (columns.greenAlpha[i] >> cnShift & cnEvenBytes)
+                                                                       << 8;
 }
 
 template <int Factor>

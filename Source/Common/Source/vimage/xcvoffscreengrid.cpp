@@ -1,5 +1,5 @@
-#include "ovwcmn/detail/toint.h"
 #include "ovwcmn/xcvoffscreengrid.h"
+#include "ovwcmn/detail/toint.h"
 
 #include "ovwcmn/xcblockgetter.h"
 #include "ovwcmn/xcvirtualmemory.h"
