@@ -93,7 +93,8 @@ public:
     void SetDstOffscreen(XCVOffscreen* image) { m_dst = image; }
     /// 16 bits a pixel, each a coverage in 1.15 in machine order, all 0 at the start of a stroke. Null: no cache.
     void SetCacheOffscreen(XCVOffscreen* image) { m_cache = image; }
-    /// The colours of the stroke, in the destination's depth (24 bits for 1- and 2-bit destinations).
+    /// The colours of the stroke, in the destination's depth. Image stamps may keep them in 24 bits, on 1- and 2-bit
+    /// destinations in 8 or 24.
     void SetCacheColorOffscreen(XCVOffscreen* image) { m_cacheColor = image; }
     /// The destination as it was before the stroke.
     void SetCompositeOffscreen(XCVOffscreen* image) { m_composite = image; }

@@ -91,7 +91,7 @@ private:
             style |= m_random.chance(2) ? bit : 0;
         if (isCopy(m_case.family) && m_depth >= 8 && m_random.chance(2))
             style |= cnAntialias;
-        if (isWater() && !isCopy(m_case.family) && m_random.chance(6))
+        if (isWater() && m_random.chance(6))
             return style | cnSampleOnly;
         if (m_random.chance(3))
             style |= cnGauss;
@@ -156,8 +156,6 @@ private:
     void settleColorCopy() {
         if (!isFamily(Family::colorCopy) && !isFamily(Family::toneCopy))
             return;
-        if (m_case.source->depth == 2 || m_case.source->depth == 32)
-            m_case.style &= ~cnAntialias;
         if (m_case.texture || isFamily(Family::toneCopy))
             m_case.color |= 0xFF000000;
         if (m_case.texture && m_case.mask && m_case.mask->depth == 8)

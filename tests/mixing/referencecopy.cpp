@@ -175,6 +175,8 @@ void ReferenceMixer::directBitsCopyPixel(int x, int y, const PlainSource& source
     if (isTwoColor && value != 3)
         written = 5 - written;
     std::int64_t t = (paint.a * cacheAlpha) >> 15;
+    if (t == 0)
+        return;
     if (source.depth == 8)
         t = t * value / 255;
     else if (source.depth == 32 && darkness(unpack(value)) < cnOne)
@@ -200,7 +202,7 @@ void ReferenceMixer::grayCacheCopyPixel(int x, int y, const PlainSource& source)
 void ReferenceMixer::waterCopyPixel(int x, int y, const PlainSource& source) {
     std::int64_t a = sourceCoverage(source, cacheAlpha);
     int m = maskValue(x, y);
-    bool isCovered = sourceColor(source, false).a != 0;
+    bool isCovered = sourceColor(source, false).a != 0 || has(cnSampleOnly);
     if (isCovered && m != 0)
         waterPixel(a * m / 255, cnOne * m / 255, x, y);
 }
@@ -212,7 +214,7 @@ void ReferenceMixer::colorCacheCopyPixel(int x, int y, const PlainSource& source
         return;
     if (source.depth == 1 || source.depth == 8)
         a = sourceCoverage(source, a);
-    else if (source.depth == 2 && isAntialiased())
+    else if (isAntialiased())
         a = a * color.a >> 2;
     std::int64_t m = maskValue(x, y);
     std::int64_t cap = paintAlpha() * m / 255;

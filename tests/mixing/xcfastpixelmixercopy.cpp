@@ -220,6 +220,93 @@ TEST(FastPixelMixerCopy, ColorBrushesMoveTheColorCache) {
     EXPECT_EQ(easel.value(0), 0xFFA44072u); // 3/4 of (67, 0, 133), 1/4 of white
 }
 
+TEST(FastPixelMixerCopy, SourcesWithoutAlphaCoverInFull) {
+    struct Row {
+        int depth;
+        bool hasCache, hasColorCache;
+        std::uint32_t style, inside, outside;
+    };
+    const Row rows[] = {
+        {32, false, false, 0, 0xFF112233, 0x00FFFFFF},
+        {24, false, false, 0, cnPaint & 0xFFFFFF, 0xFFFFFF},
+        {24, false, false, Mixer::STYLE_IMAGE_COLOR, 0x112233, 0xFFFFFF},
+        {8, false, false, 0, 255, 0},
+        {1, false, false, 0, 1, 0},
+        {32, true, false, Mixer::STYLE_CACHE_OVER, cnPaint, 0x00FFFFFF},
+        {32, true, true, Mixer::STYLE_CACHE_OVER, 0xFF112233, 0x00FFFFFF},
+        {2, true, true, Mixer::STYLE_CACHE_OVER, 3, 0},
+    };
+    for (const Row& row : rows) {
+        Easel easel(row.depth, row.hasCache, row.hasColorCache);
+        easel.mixer.SetStyle(row.style);
+        for (int x = 0; x < 3; ++x)
+            easel.set(x, row.outside);
+        Stamp stamp(easel, 24, {0x112233});
+        EXPECT_EQ(stamped(easel, stamp, 3, -1), (Values{row.outside, row.inside, row.outside})) << row.depth << " bits";
+    }
+}
+
+TEST(FastPixelMixerCopy, ColorBrushesFadeOutByTheirSamples) {
+    for (const int depth : {2, 32}) {
+        Easel easel(32, true, true);
+        Stamp stamp(easel, depth, Values(2, depth == 2 ? 3 : cnPaint), 2);
+        easel.mixer.SetStyleFlag(Mixer::STYLE_ANTIALIAS, 1);
+        easel.mixer.MoveCursorToBlock(0, 0);
+        easel.mixer.SetSrcUVParamAntiAlias(0, 0, 2, 0, 0, 2, 2, 0); // the second line misses the source
+        easel.mixer.DoLineRowCopy(0, 1, 0, stamp.get());
+        EXPECT_EQ(easel.cache().value(0, 0), 16384u) << depth << " bits";
+        EXPECT_EQ(easel.value(0), withAlpha(cnPaint & 0xFFFFFF, 127)) << depth << " bits";
+    }
+}
+
+TEST(FastPixelMixerCopy, WithoutOpacityBitsStay) {
+    Easel easel(1);
+    Stamp stamp(easel, 1, {1});
+    easel.mixer.SetCacheAlpha(0);
+    EXPECT_EQ(stamped(easel, stamp, 1), Values{0});
+}
+
+TEST(FastPixelMixerCopy, FarCoordinatesDoNotComeBack) {
+    Easel easel(8);
+    Stamp stamp(easel, 8, {255});
+    easel.mixer.SetDrawCompositioin(Mixer::Replace);
+    // Two steps of 65535 pixels from 2 are 131072 pixels, the range of 32 bits: pixel 0 if they wrapped.
+    EXPECT_EQ(stamped(easel, stamp, 4, 2, 65535), (Values{0, 0, 0, 0}));
+    easel.mixer.SetSrcUVParam(0, 0, -1e30, 0);
+    easel.mixer.DoLineRowCopy(-2147483647, 4, 0, stamp.get());
+    EXPECT_EQ(easel.value(0), 0u);
+}
+
+TEST(FastPixelMixerCopy, SamplingAloneDoesNotReadTheSource) {
+    Easel easel(32, true, true);
+    XCColorAverage average;
+    easel.mixer.SetColorAverage(&average);
+    easel.mixer.SetDrawCompositioin(Mixer::Water);
+    easel.set(0, 0xFF0000C8);
+    Stamp stamp(easel, 8, {0});
+    stamped(easel, stamp, 1);
+    EXPECT_EQ(average.IsAverageColor(), 0);
+    easel.mixer.SetStyleFlag(Mixer::STYLE_SAMPLE_ONLY, 1);
+    stamped(easel, stamp, 1);
+    EXPECT_EQ(average.ConvertSmudgeColor(0), 0xFF0000C8u);
+}
+
+TEST(FastPixelMixerCopy, AColorCacheNeedsNoAlpha) {
+    struct Row {
+        int depth, cacheDepth;
+        std::uint32_t pixel, painted, cached;
+    };
+    for (const Row row : {Row{32, 24, 0xFF112233, 0xFF112233, 0x112233}, Row{2, 8, 2, 2, 255}}) {
+        Easel easel(row.depth, true);
+        TestImage colors(easel.store(), row.cacheDepth, 400, 40);
+        const XCVOffscreenAutoLock lock(colors.get(), 1);
+        easel.mixer.SetCacheColorOffscreen(colors.get());
+        Stamp stamp(easel, row.depth, {row.pixel});
+        EXPECT_EQ(stamped(easel, stamp, 1), Values{row.painted}) << row.depth << " bits";
+        EXPECT_EQ(colors.value(0, 0), row.cached) << row.depth << " bits";
+    }
+}
+
 TEST(FastPixelMixerCopy, CombinationsWithoutAKernelDrawNothing) {
     struct Row {
         int depth, composition;

@@ -12,7 +12,6 @@ namespace {
 
 constexpr int cnThresholdMask = 15;
 constexpr std::int32_t cnSubTone = 255; // tone of the sub value in a colour cache; the main value's is 0
-constexpr std::int32_t cnTonePixel = 3; // bytes of a pixel of that cache; the first is the tone
 
 } // namespace
 
@@ -22,12 +21,16 @@ void SpanPainter::stampBits() const {
     const int depth = m_source->GetOrgBitCount();
     const std::int32_t b = Scale15::scaled(m_mixer.m_a, static_cast<std::int32_t>(m_mixer.m_cacheAlpha));
     const bool takesSub = depth == 2 && m_depth == 2 && !erases;
+    const OwnPixels ownPixels(*m_source);
+    if (b == 0)
+        return;
 
     auto hitOf = [=](const std::uint8_t* p) {
         switch (depth) {
         case 1:
         case 8: return *p != 0 ? Hit::Main : Hit::None;
         case 2: return *p == 3 ? Hit::Main : *p != 0 && takesSub ? Hit::Sub : Hit::None;
+        case 24: return ownPixels.holds(p) ? Hit::Main : Hit::None;
         case 32: return p[3] != 0 ? Hit::Main : Hit::None;
         default: return Hit::None;
         }
@@ -66,7 +69,7 @@ SpanPainter::Hit SpanPainter::colorHit(const std::uint8_t* pixel, std::int32_t& 
         return m_mixer.m_composition == XCFastPixelMixer::Erase ? Hit::None : Hit::Sub;
     case 8: a = *pixel != 0 ? Scale15::scaledByByte(a, *pixel) : 0; return Hit::Main;
     case 32: a = pixel[3] != 0 ? Scale15::scaled(a, std::min(darknessOf(pixel), Scale15::cnOne)) : 0; return Hit::Main;
-    default: return Hit::Main;
+    default: return OwnPixels(*m_source).holds(pixel) ? Hit::Main : Hit::None;
     }
 }
 
@@ -91,8 +94,10 @@ std::int32_t SpanPainter::accumulateTone(std::int32_t a, std::int32_t newTone, s
 }
 
 void SpanPainter::stampColorBits() const {
-    if (isWater() || !hasCache() || !hasColorCache(cnTonePixel * 8))
+    // A pixel of the colour cache has its tone in the first byte.
+    if (isWater() || !hasCache() || !(hasColorCache(8) || hasColorCache(24)))
         return;
+    const int tonePixel = m_mixer.m_cacheColor->GetDepth() / 8;
     const std::int32_t full =
         Scale15::scaled(static_cast<std::int32_t>(m_mixer.m_cacheAlpha), Scale15::fromByte(m_mixer.m_a));
     const auto mixAlpha = static_cast<std::int32_t>(m_mixer.m_mixAlpha);
@@ -113,7 +118,7 @@ void SpanPainter::stampColorBits() const {
         row.a[i] = 0;
         if (hit == Hit::None || a == 0 || (m_mixer.m_mask && mask[i] == 0))
             continue;
-        std::uint8_t& tone = tones[i * cnTonePixel];
+        std::uint8_t& tone = tones[i * tonePixel];
         a = Scale15::scaled(accumulateTone(a, hit == Hit::Sub ? cnSubTone : 0, cache[i], tone), mixAlpha);
         row.a[i] = a;
         if (a != 0 && hasStyle(XCFastPixelMixer::STYLE_DITHER)) {

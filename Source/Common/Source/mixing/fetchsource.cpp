@@ -1,21 +1,34 @@
 #include "mixing/fetchsource.h"
 
 #include "mixing/fixedpoint.h"
+#include "mixing/saturated.h"
 #include "ovwcmn/xcsimpleimage.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace ovw::mixing {
 
 const std::uint8_t* SampleLine::next(const XCSimpleImage& image) {
-    const std::uint8_t* pixel = image.GetPixel(u >> Scale15::cnBits, v >> Scale15::cnBits);
-    skip(1);
+    const std::uint8_t* pixel =
+        image.GetPixel(static_cast<int>(u >> Scale15::cnBits), static_cast<int>(v >> Scale15::cnBits));
+    u += du;
+    v += dv;
     return pixel;
 }
 
 void SampleLine::skip(std::int64_t samples) {
-    u = static_cast<std::int32_t>(u + du * samples);
-    v = static_cast<std::int32_t>(v + dv * samples);
+    // As many of the least steps already lead from one end of 32 bits to the other.
+    samples = std::min<std::int64_t>(samples, std::numeric_limits<std::uint32_t>::max());
+    u = saturated(u + du * samples);
+    v = saturated(v + dv * samples);
+}
+
+OwnPixels::OwnPixels(const XCSimpleImage& image) {
+    if (image.GetWidth() <= 0 || image.GetHeight() <= 0)
+        return;
+    m_first = image.GetPixel(0, 0);
+    m_last = image.GetPixel(image.GetWidth() - 1, image.GetHeight() - 1);
 }
 
 namespace {
@@ -108,17 +121,34 @@ void fetchDensities(SourceRow& row, int n, const SourceView& view) {
         });
 }
 
-template <int count>
+/// Of pixels with an alpha byte.
+struct StoredAlpha {
+    static constexpr bool cnIsFull = false;
+    explicit StoredAlpha(const XCSimpleImage&) {}
+    std::int32_t operator()(const std::uint8_t* pixel) const { return pixel[3]; }
+};
+
+/// Of pixels without one, which cover in full.
+struct FullAlpha {
+    static constexpr bool cnIsFull = true;
+    OwnPixels pixels;
+    explicit FullAlpha(const XCSimpleImage& image) : pixels(image) {}
+    std::int32_t operator()(const std::uint8_t* pixel) const { return pixels.holds(pixel) ? Scale8::cnOne : 0; }
+};
+
+template <int count, class Alpha>
 void fetchColors(SourceRow& row, int n, const SourceView& view) {
+    const Alpha alphaOf(*view.image);
     const SourceRule rule = view.rule;
     row.scale = rule == SourceRule::Bytes ? ScaleByte : rule == SourceRule::Darkness ? ScaleFixed : ScaleQuarters;
     samplePixels<count>(
         row, n, view,
-        [](Samples& samples, const std::uint8_t* pixel) {
-            if (pixel[3] == 0)
+        [&](Samples& samples, const std::uint8_t* pixel) {
+            const std::int32_t alpha = alphaOf(pixel);
+            if (alpha == 0)
                 return;
             ++samples.covered;
-            samples.sum += pixel[3];
+            samples.sum += alpha;
             samples.blue += pixel[0];
             samples.green += pixel[1];
             samples.red += pixel[2];
@@ -127,10 +157,12 @@ void fetchColors(SourceRow& row, int n, const SourceView& view) {
             row.color[i] = samples.meanColor();
             if (rule == SourceRule::Bytes)
                 row.weight[i] = samples.sum / count;
-            else if (rule == SourceRule::Darkness)
-                row.weight[i] = std::min(samples.darkness<count>(), Scale15::cnOne);
+            else if (rule == SourceRule::Colors)
+                row.weight[i] = samples.covered * (4 / count);
+            else if (Alpha::cnIsFull)
+                row.weight[i] = samples.covered * (Scale15::cnOne / count);
             else
-                row.weight[i] = samples.covered != 0 ? 4 : 0;
+                row.weight[i] = std::min(samples.darkness<count>(), Scale15::cnOne);
         });
 }
 
@@ -140,7 +172,8 @@ bool fetchSamples(SourceRow& row, int n, const SourceView& view) {
     case 1:
     case 2: fetchBits<count>(row, n, view); return true;
     case 8: fetchDensities<count>(row, n, view); return true;
-    case 32: fetchColors<count>(row, n, view); return true;
+    case 24: fetchColors<count, FullAlpha>(row, n, view); return true;
+    case 32: fetchColors<count, StoredAlpha>(row, n, view); return true;
     default: return false;
     }
 }

@@ -6,21 +6,37 @@
 #include "mixing/kerneltable.h"
 
 #include <cstdint>
+#include <functional>
 
 class XCSimpleImage;
 
 namespace ovw::mixing {
 
-/// A line of samples: coordinates in 1.15, advanced by a step after each sample.
+/// A line of samples: coordinates in 1.15, advanced by a step after each sample. Wide enough for every step of a span.
 struct SampleLine {
-    std::int32_t u;
-    std::int32_t v;
+    std::int64_t u;
+    std::int64_t v;
     std::int32_t du;
     std::int32_t dv;
 
-    /// The sample here, then a step on. Coordinates wrap around.
+    /// The sample here, then a step on.
     const std::uint8_t* next(const XCSimpleImage& image);
+    /// Coordinates stop at the ends of 32 bits, outside of every image.
     void skip(std::int64_t samples);
+};
+
+/// The pixels of an image, to tell them from what it answers outside.
+class OwnPixels {
+public:
+    explicit OwnPixels(const XCSimpleImage& image);
+    bool holds(const std::uint8_t* pixel) const {
+        const std::less<const std::uint8_t*> isBefore;
+        return !isBefore(pixel, m_first) && !isBefore(m_last, pixel);
+    }
+
+private:
+    const std::uint8_t* m_first = nullptr;
+    const std::uint8_t* m_last = nullptr;
 };
 
 /// How a span looks into its source image.

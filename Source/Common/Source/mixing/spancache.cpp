@@ -95,7 +95,7 @@ void SpanPainter::accumulateColor(CoverageRow& row, const std::uint32_t* colors)
         m_kernels->accumulateColorOver(row, cache, share);
     else
         return;
-    if (m_depth == 24)
+    if (m_mixer.m_cacheColor->GetDepth() == 24)
         m_kernels->moveColors24(rowOf(m_mixer.m_cacheColor), colors, share, m_n);
     else
         m_kernels->moveColors32(rowOf(m_mixer.m_cacheColor), colors, share, m_n, cnKeepAlphaByte);

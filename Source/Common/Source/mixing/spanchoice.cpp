@@ -86,7 +86,8 @@ bool SpanPainter::isReady(const KernelPlan& plan) const {
         return true;
     if (plan.cache == CacheRule::Water && m_depth != 8 && (m_depth != 32 || !m_mixer.m_colorAverage))
         return false;
-    return hasColorCache(m_depth);
+    // Where paint is an image's colours, a cache without alpha holds them as well.
+    return hasColorCache(m_depth) || (plan.cache == CacheRule::Color && hasColorCache(24));
 }
 
 bool SpanPainter::hasCache() const {

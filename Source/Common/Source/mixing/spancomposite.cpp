@@ -69,7 +69,7 @@ void SpanPainter::fetchColors(std::uint32_t* colors, const KernelPlan& plan, con
                    std::int64_t{m_y} + m_mixer.m_cloneOffsetY);
         return returnToBlock(m_mixer.m_clone);
     case CompositorSet::Stamp: {
-        const bool isImage = m_source->GetOrgBitCount() == 32;
+        const bool isImage = m_source->GetOrgBitCount() >= 24;
         if (m_depth == 24 && isImage && !hasStyle(XCFastPixelMixer::STYLE_IMAGE_COLOR))
             std::fill_n(colors, m_n, paintColor());
         else
@@ -83,15 +83,15 @@ void SpanPainter::fetchColors(std::uint32_t* colors, const KernelPlan& plan, con
 /// 8-bit colour caches hold densities, which go where a colour has its alpha.
 void SpanPainter::fetchCacheColors(std::uint32_t* colors) const {
     const std::uint8_t* cache = rowOf(m_mixer.m_cacheColor);
-    if (m_depth == 32) {
+    const int depth = m_mixer.m_cacheColor->GetDepth();
+    if (depth == 32) {
         std::memcpy(colors, cache, m_n * sizeof(*colors));
         return;
     }
     for (int i = 0; i < m_n; ++i) {
-        const std::uint8_t* p = cache + i * (m_depth / 8);
-        colors[i] = m_depth == 8
-                        ? static_cast<std::uint32_t>(*p) << 24
-                        : p[0] | static_cast<std::uint32_t>(p[1]) << 8 | static_cast<std::uint32_t>(p[2]) << 16;
+        const std::uint8_t* p = cache + i * (depth / 8);
+        colors[i] = depth == 8 ? static_cast<std::uint32_t>(*p) << 24
+                               : p[0] | static_cast<std::uint32_t>(p[1]) << 8 | static_cast<std::uint32_t>(p[2]) << 16;
     }
 }
 

@@ -113,11 +113,14 @@ void SpanPainter::run(const KernelPlan& plan, const float* coverage) {
     start(row, plan, coverage);
     if (plan.cache == CacheRule::Water)
         m_kernels->visitCovered(row);
-    if (m_source && !applySource(row, source, plan))
+    // Sampling only, a span visits what the mask lets through, whatever the source.
+    const bool readsSource =
+        m_source && !(plan.cache == CacheRule::Water && hasStyle(XCFastPixelMixer::STYLE_SAMPLE_ONLY));
+    if (readsSource && !applySource(row, source, plan))
         return;
     if (m_mixer.m_mask && plan.mask != MaskRule::None)
         applyMask(row, plan);
-    if (m_source && source.scale == ScaleByte)
+    if (readsSource && source.scale == ScaleByte)
         m_kernels->scaleBySource[ScaleByte](row, source.weight);
     if (isWeighted)
         applyGauss(row, isWide);
