@@ -18,7 +18,7 @@ if(OVWCMN_WERROR)
 endif()
 if(OVWCMN_SANITIZE)
   target_compile_options(ovw_flags INTERFACE -fsanitize=${OVWCMN_SANITIZE} -fno-sanitize-recover=all
-                                             -fno-omit-frame-pointer -g)
+                                             -fno-omit-frame-pointer -g1)
   target_link_options(ovw_flags INTERFACE -fsanitize=${OVWCMN_SANITIZE})
 endif()
 if(OVWCMN_FUZZ)
