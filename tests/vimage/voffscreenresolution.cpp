@@ -45,7 +45,7 @@ void referenceReduce(Plane& to, Plane& from, const Transfer& t, int f, bool merg
         if (t.sx + f * i >= from.width() || t.sy + f * j >= from.height())
             return;
         ColourSums sums;
-        int bytes = 0;
+        std::int64_t bytes = 0; // of no meaning for colours
         bool exists = false;
         for (int dy = 0; dy < f; ++dy)
             for (int dx = 0; dx < f; ++dx) {
@@ -53,7 +53,7 @@ void referenceReduce(Plane& to, Plane& from, const Transfer& t, int f, bool merg
                 if (!from.exists(sx, sy))
                     continue;
                 exists = true;
-                bytes += int(from.stored(sx, sy));
+                bytes += from.stored(sx, sy);
                 const std::uint32_t colour = from.colour(sx, sy);
                 sums.add(solid && from.stored(sx, sy) >= 2 ? colour | 0xFF000000 : colour);
             }
