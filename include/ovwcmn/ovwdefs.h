@@ -4,9 +4,11 @@
 /// @file
 /// The export macro and the version of the library.
 
+/// @{ The version of the library, by semantic versioning.
 #define OVWCMN_VERSION_MAJOR 0
 #define OVWCMN_VERSION_MINOR 1
 #define OVWCMN_VERSION_PATCH 0
+/// @}
 
 #if defined(__GNUC__)
 /// Marks what an application may link to; everything else stays hidden inside the shared library.

@@ -20,9 +20,10 @@ struct VXHOOKS {
     int (*messageBox)(HWND owner, const char* text, const char* title, std::uint32_t style, int checkBox);
     /// The main window; default null.
     HWND (*mainWindow)();
-    /// Called before and after a modal box; default nothing.
+    /// @{ Called before and after a modal box; default nothing.
     void (*modalBegin)();
     void (*modalEnd)();
+    /// @}
     /// Dispatches the calling thread's pending paint requests; default nothing.
     void (*pumpPaint)();
     /// Text `id` of the executable's string table, at most `size` bytes with its terminator; returns the length.
@@ -30,12 +31,13 @@ struct VXHOOKS {
     int (*loadString)(std::uint32_t id, std::uint32_t selector, char* buffer, int size);
     /// The bytes of a resource, which must stay; null for none (the default). Writes their number to `size`.
     const void* (*loadResource)(HINSTANCE module, HRSRC resource, std::uint32_t* size);
-    /// Path of a folder by its CSIDL number (5: the user's documents), in the library's form (C:\home\me); 1, or 0 when
-    /// there is none or it does not fit. Default: knows the documents folder.
+    /// Path of a folder by its CSIDL number (5: the user's documents), in the library's form (`C:\home\me`); 1, or 0
+    /// when there is none or it does not fit. Default: knows the documents folder.
     int (*folderPath)(HWND owner, int folder, char* path, int size);
-    /// Called by a worker thread before and after its body; default nothing.
+    /// @{ Called by a worker thread before and after its body; default nothing.
     void (*threadBegin)();
     void (*threadEnd)();
+    /// @}
     /// Takes a message for whoever debugs the application; default nothing.
     void (*debugMessage)(const char* text);
 };
@@ -45,15 +47,21 @@ OVWCMN_API void xcSetHooks(const VXHOOKS* hooks);
 /// The hooks in effect; no member is null.
 OVWCMN_API VXHOOKS xcGetHooks();
 
-inline constexpr int CSIDL_PERSONAL = 5;
+inline constexpr int CSIDL_PERSONAL = 5; ///< the number of the user's documents folder
 
 /// @name The hooks by the names that the library calls them by
 /// @{
+/// The hook messageBox.
 OVWCMN_API int xcwMessageBox(HWND owner, const char* text, const char* title, std::uint32_t style, int checkBox);
+/// The hook mainWindow.
 OVWCMN_API HWND xcwGetMainWnd();
+/// The hook modalBegin.
 OVWCMN_API void xcwModalDlgInitialize();
+/// The hook modalEnd.
 OVWCMN_API void xcwModalDlgDestroy();
+/// The hook folderPath.
 OVWCMN_API int xcwSHGetFolderPath(HWND owner, int folder, char* path, int size);
+/// The hook debugMessage.
 OVWCMN_API void xcwDebugMessage(const char* text);
 /// @}
 

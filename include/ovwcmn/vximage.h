@@ -12,11 +12,11 @@
 
 /// What a locked image looks like. Rows lie top-down, each padded to whole 32 bits.
 struct VXIMAGELOCK {
-    std::uint8_t* base; ///< the top row
-    std::int32_t width;
-    std::int32_t height;
-    std::int32_t bitCount;
-    std::int32_t rowBytes;
+    std::uint8_t* base;         ///< the top row
+    std::int32_t width;         ///< pixels
+    std::int32_t height;        ///< pixels
+    std::int32_t bitCount;      ///< bits a pixel
+    std::int32_t rowBytes;      ///< bytes from one row to the next
     std::int32_t bytesPerPixel; ///< 1 for 1 and 8 bits
 };
 

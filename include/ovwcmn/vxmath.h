@@ -30,16 +30,16 @@ OVWCMN_API std::int32_t vxDoubleToIntRoundingUp(double value);
 OVWCMN_API std::int32_t vxDoubleToInt(double value);
 /// a * b / c; 0 when c is closer to 0 than 1e-08.
 OVWCMN_API double vxMulDivDToD(double a, double b, double c);
-OVWCMN_API std::int32_t vxMulDivDToI(double a, double b, double c);
+OVWCMN_API std::int32_t vxMulDivDToI(double a, double b, double c); ///< The same, to the nearest integer.
 /// The remainder of value / modulus with value's sign and fraction. Modulus 0 gives the value, an infinite value 0.
 OVWCMN_API double vxGetDoubleRemain(double value, int modulus);
-OVWCMN_API int vxSgn(int value);
-OVWCMN_API double vxSgnf(double value);
+OVWCMN_API int vxSgn(int value);        ///< -1, 0 or 1
+OVWCMN_API double vxSgnf(double value); ///< -1, 0 or 1
 /// @}
 
 /// @name Distances and directions
 /// @{
-OVWCMN_API double vxPointLength(double x1, double y1, double x2, double y2);
+OVWCMN_API double vxPointLength(double x1, double y1, double x2, double y2); ///< Straight from point 1 to point 2.
 OVWCMN_API double vxPointLengthInteger(int x1, int y1, int x2, int y2);
 OVWCMN_API double vxPointLengthDouble(double x1, double y1, double x2, double y2);
 /// Direction from point 1 to point 2 in radians, 0 <= result < 2 pi; 0 for equal points.
@@ -48,14 +48,14 @@ OVWCMN_API double vxRotCalc(double x1, double y1, double x2, double y2);
 OVWCMN_API int vxRotCalcInteger(int x1, int y1, int x2, int y2);
 /// The angle brought into one turn: 0 <= result < 2 pi; 0 for an infinite angle.
 OVWCMN_API double vxRotNormal(double angle);
-OVWCMN_API int vxRotNormalInteger(int angle);
+OVWCMN_API int vxRotNormalInteger(int angle); ///< The same in 1/4096 turns, 0 to 4095.
 /// Signed shortest turn from the first to the second angle; both lie in one turn.
 OVWCMN_API double vxRotOffCalc(double a1, double a2);
-OVWCMN_API int vxRotOffCalcInteger(int a1, int a2);
+OVWCMN_API int vxRotOffCalcInteger(int a1, int a2); ///< The same in 1/4096 turns.
 /// The first angle moved toward the second by 1/div of the shortest turn, normalised; a div of 0 does not move it.
 OVWCMN_API int vxRotAverageInteger(int a1, int a2, int div);
-OVWCMN_API void vxRadianSinCos(double angle, double* s, double* c);
-OVWCMN_API void vxDegreeSinCos(double degrees, double* s, double* c);
+OVWCMN_API void vxRadianSinCos(double angle, double* s, double* c);   ///< Sine to *s, cosine to *c.
+OVWCMN_API void vxDegreeSinCos(double degrees, double* s, double* c); ///< Sine to *s, cosine to *c.
 /// Unsigned smallest difference of two angles of -360 to 720 degrees: 0 to 180.
 OVWCMN_API double vxDegreeGap(double a, double b);
 /// The point turned about the origin: x' = x cos a - y sin a, y' = x sin a + y cos a; radians.

@@ -40,15 +40,19 @@ OVWCMN_API std::uint32_t vxGetHandleSize(VXHANDLE handle);
 /// @name Fixed blocks
 /// As movable blocks, without locks.
 /// @{
+/// As vxAlloc.
 OVWCMN_API void* vxAllocPtr(std::uint32_t size, std::uint32_t flags, int* status);
+/// As vxReAlloc.
 OVWCMN_API void* vxReAllocPtr(void* pointer, std::uint32_t size, std::uint32_t flags, int* status);
+/// As vxFree.
 OVWCMN_API void vxFreePtr(void* pointer);
+/// As vxGetHandleSize.
 OVWCMN_API std::uint32_t vxGetPtrSize(void* pointer);
 /// @}
 
 /// The Windows error code of the calling thread's last failure; a success leaves it alone.
 OVWCMN_API int vxGetLastError();
-OVWCMN_API void vxSetLastError(int code);
+OVWCMN_API void vxSetLastError(int code); ///< For code that fails in the library's stead.
 
 /// @name Code page and language
 /// Multibyte text everywhere in the library is in one code page of the process: 65001 (UTF-8) until it is set.
@@ -56,7 +60,7 @@ OVWCMN_API void vxSetLastError(int code);
 /// @{
 /// 65001, 932, 936, 949, 950, 874, 1250 to 1258; 0 and nothing changed for a page that this machine cannot convert.
 OVWCMN_API int vxSetCodePage(std::uint32_t codePage);
-OVWCMN_API std::uint32_t vxGetCodePage();
+OVWCMN_API std::uint32_t vxGetCodePage(); ///< The page in effect.
 /// Language of the library's messages: 1033 (English), 1041 (Japanese), 0 to follow the user's locale (the default).
 OVWCMN_API void vxSetLanguage(std::uint32_t language);
 /// The language in effect: 1041 or 1033.
@@ -79,11 +83,11 @@ OVWCMN_API int vxLoadString(HINSTANCE module, std::uint32_t id, std::uint32_t se
 /// @name Abort requests
 /// Long operations ask whether the user wants to stop. The application installs the answers; without them both are 0.
 /// @{
-using VXABORTPROC = int (*)();
+using VXABORTPROC = int (*)(); ///< 0 to go on, else to stop.
 /// The two procedures are process-wide and may be null; they are called from whatever thread runs the operation.
 OVWCMN_API void vxSetAbortProc(VXABORTPROC abort, VXABORTPROC abortEx);
-OVWCMN_API int vxAbort();
-OVWCMN_API int vxAbortEx();
+OVWCMN_API int vxAbort();   ///< The first procedure's answer, 0 without one.
+OVWCMN_API int vxAbortEx(); ///< The second procedure's answer, 0 without one: asked by those who may ask again later.
 /// @}
 
 #endif // OVWCMN_VXWUTL_H

@@ -25,58 +25,61 @@ class OVWCMN_API XCArchive {
 public:
     /// @name Mode
     /// @{
-    static constexpr std::uint32_t cnSaving = 1;
-    static constexpr std::uint32_t cnLoading = 2;
-    static constexpr std::uint32_t cnLittleEndian = 4;
-    static constexpr std::uint32_t cnBigEndian = 8;
+    static constexpr std::uint32_t cnSaving = 1;          ///< mode: writing
+    static constexpr std::uint32_t cnLoading = 2;         ///< mode: reading
+    static constexpr std::uint32_t cnLittleEndian = 4;    ///< mode: the least significant byte first
+    static constexpr std::uint32_t cnBigEndian = 8;       ///< mode: the most significant byte first
     static constexpr std::uint32_t cnMultibyteText = 128; ///< kept for users of the archive
 
     /// Loading, big-endian, with a cache that has no block yet.
     XCArchive();
     XCArchive(const XCArchive&) = delete;
     XCArchive& operator=(const XCArchive&) = delete;
-    virtual ~XCArchive();
+    virtual ~XCArchive(); ///< Writes nothing more.
 
     /// Saving with cnSaving, else loading; little-endian with cnLittleEndian, else big-endian. Allocates the cache.
     void Init(std::uint32_t flags, std::uint32_t cacheSize);
-    int IsLoading() const { return ModeChk(cnLoading); }
-    int IsSaving() const { return ModeChk(cnSaving); }
+    int IsLoading() const { return ModeChk(cnLoading); } ///< mode cnLoading
+    int IsSaving() const { return ModeChk(cnSaving); }   ///< mode cnSaving
     /// 1 when any of the bits is set.
     int ModeChk(std::uint32_t bits) const { return (m_mode & bits) != 0; }
     /// cnBigEndian or cnLittleEndian.
     int GetEndianMode() const { return static_cast<int>(m_mode & cnBigEndian ? cnBigEndian : cnLittleEndian); }
     /// Returns the order before.
     int SetEndianMode(int order);
-    void Setunicode() { m_mode &= ~cnMultibyteText; }
-    void Setsjiscode() { m_mode |= cnMultibyteText; }
+    void Setunicode() { m_mode &= ~cnMultibyteText; } ///< clears cnMultibyteText
+    void Setsjiscode() { m_mode |= cnMultibyteText; } ///< sets cnMultibyteText
     /// A word that is the caller's; Init clears it.
     std::uint32_t GetExtMode() const { return m_extMode; }
-    void SetExtMode(std::uint32_t mode) { m_extMode = mode; }
+    void SetExtMode(std::uint32_t mode) { m_extMode = mode; } ///< as GetExtMode
     /// @}
 
     /// @name Position and raw bytes
     /// @{
-    std::uint32_t GetPosition() const { return m_position + pendingBytes(); }
-    std::uint32_t GetLength() const { return m_length + pendingBytes(); }
+    std::uint32_t GetPosition() const { return m_position + pendingBytes(); } ///< bytes from the start of the stream
+    std::uint32_t GetLength() const { return m_length + pendingBytes(); }     ///< bytes of the whole stream
     /// Origin 0 counts from the start, 1 from the position; others go to the start. While loading it stops at the end.
     /// Before the start throws 0x20010008. Returns the new position.
     std::uint32_t Seek(int offset, std::uint32_t origin);
-    void Write(const void* bytes, std::uint32_t size);
-    void Read(void* bytes, std::uint32_t size);
+    void Write(const void* bytes, std::uint32_t size); ///< the bytes as they are
+    void Read(void* bytes, std::uint32_t size);        ///< the bytes as they are
     /// Hands what the cache holds to the store. Closing a file does not.
     void DoFlush();
     /// Drops what the cache holds.
     void ClearCache();
     // What Write and Read come down to while caching.
+    /// What Write comes down to while caching.
     void WriteCache(const void* bytes, std::uint32_t size);
+    /// What Read comes down to while caching.
     void ReadCache(void* bytes, std::uint32_t size);
+    /// Fills the cache from the position on.
     void LoadCache();
     /// @}
 
     /// @name Sections
     /// A length of 32 bits, then that many bytes.
     /// @{
-    void BeginSection();
+    void BeginSection(); ///< Opens a section, inside the open ones; its length is written when it ends.
     /// While loading, skips what was not read. Without an open section nothing.
     void EndSection();
     /// Skips a section that is not open; while loading only.
@@ -89,7 +92,7 @@ public:
     std::uint32_t GetRemainingSectionSize() const;
     /// A block as a section's contents. Reading an empty one frees `block`.
     void WriteSectionData(XCHandle& block);
-    void ReadSectionData(XCHandle& block);
+    void ReadSectionData(XCHandle& block); ///< As WriteSectionData.
     /// While loading: bytes before the end of the innermost open section, or of the stream when none is open. What a
     /// reader may believe of an announced size.
     std::uint32_t GetRemainingSize() const;
@@ -101,6 +104,7 @@ public:
     /// Texts are at most 65535 bytes as stored (a line break there is CR alone): longer ones throw 0x20010008 and write
     /// nothing.
     /// @{
+    /// A value in the archive's byte order, or a text behind its length.
     XCArchive& operator<<(std::uint8_t value) { return writeValue(&value, sizeof value); }
     XCArchive& operator<<(std::uint16_t value) { return writeValue(&value, sizeof value); }
     XCArchive& operator<<(std::int16_t value) { return writeValue(&value, sizeof value); }
@@ -140,15 +144,16 @@ public:
     /// @}
 
 protected:
-    // The store. Each returns the bytes moved, or the new position, which SeekSelf counts from the start (origin 0,
-    // with `offset` taken as unsigned) or from the position (1). Writing and reading go on where the last one ended.
+    /// @{ The store. Each returns the bytes moved, or the new position, which SeekSelf counts from the start (origin 0,
+    /// with `offset` taken as unsigned) or from the position (1). Writing and reading go on where the last one ended.
     virtual std::uint32_t WriteSelf(const void* bytes, std::uint32_t size) = 0;
     virtual std::uint32_t ReadSelf(void* bytes, std::uint32_t size) = 0;
     virtual std::uint32_t SeekSelf(int offset, std::uint32_t origin) = 0;
+    /// @}
 
     /// For stores that are memory anyway. To be called before Init.
     void disableCache() { m_isCached = 0; }
-    void setMode(std::uint32_t mode) { m_mode = mode; }
+    void setMode(std::uint32_t mode) { m_mode = mode; } ///< the whole mode word
     /// Forgets cache and sections; the stream stands at 0 and the store holds `length` bytes.
     void restart(std::uint32_t length);
 
@@ -191,7 +196,7 @@ OVWCMN_API void xcCreateVXUID(VXUID& id);
 /// @name Times
 /// As 32-bit seconds since 1970.
 /// @{
-OVWCMN_API XCArchive& operator<<(XCArchive& archive, const XCTime& time);
+OVWCMN_API XCArchive& operator<<(XCArchive& archive, const XCTime& time); ///< Whole seconds.
 OVWCMN_API XCArchive& operator>>(XCArchive& archive, XCTime& time);
 /// @}
 

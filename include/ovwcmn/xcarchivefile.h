@@ -23,9 +23,12 @@ public:
     /// Arguments as for XCFile::Create and XCFile::Open. The stream begins at the start of the file.
     void FileCreate(const XCFilePath& path, std::uint32_t creator, std::uint32_t type, std::uint32_t access,
                     std::uint32_t share, std::uint32_t creation, std::uint32_t attributes);
+    /// The same for XCFile::Open.
     void FileOpen(const XCFilePath& path, std::uint32_t access, std::uint32_t share, std::uint32_t creation,
                   std::uint32_t attributes);
+    /// Drops what was not flushed.
     void FileClose();
+    /// 1 while a file is open.
     int IsValid() const { return m_file.IsValid(); }
     /// Hands everything over and returns when it is on the disk.
     void FlushToDisk();

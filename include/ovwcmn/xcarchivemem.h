@@ -26,7 +26,7 @@ public:
     void MemFree();
     /// The block's address; throws 0x20010008 without one. It moves while saving.
     void* Lock() { return m_block.Lock(); }
-    void Unlock() { m_block.Unlock(); }
+    void Unlock() { m_block.Unlock(); } ///< Undoes one Lock.
     /// 1 while a block is held.
     int IsValid() const { return m_block.IsValid(); }
 

@@ -24,9 +24,11 @@ OVWCMN_API std::uint32_t elementBytes(std::int64_t count, std::size_t elementSiz
 template <class T>
 class XCTHandle {
 public:
+    /// @{ As XCHandle, by elements.
     void Alloc(std::int64_t count, std::uint32_t flags, int purge) { m_bytes.Alloc(bytes(count), flags, purge); }
     void ReAlloc(std::int64_t count, std::uint32_t flags) { m_bytes.ReAlloc(bytes(count), flags); }
     void BlockMove(int count, int dstOffset, int srcOffset);
+    /// @}
     /// Address of the first element; null without a block. It changes only with Alloc and ReAlloc.
     T* GetData() const { return reinterpret_cast<T*>(m_bytes.GetHandle()); }
 
@@ -56,19 +58,21 @@ class XCTArray {
 public:
     XCTArray() = default;
     XCTArray(const XCTArray&) = default;
+    /// @{ A copy has elements of its own; moving leaves the other array empty.
     XCTArray(XCTArray&& other) noexcept { swap(other); }
     XCTArray& operator=(const XCTArray& other) { return *this = XCTArray(other); }
     XCTArray& operator=(XCTArray&& other) noexcept;
+    /// @}
     virtual ~XCTArray() = default;
 
     /// A negative size is 0.
     void SetSize(int size);
-    int GetSize() const { return m_size; }
+    int GetSize() const { return m_size; } ///< elements
     /// Elements that fit without another allocation.
     int GetCapacity() const { return m_capacity; }
-    void Clear() { m_size = 0; }
+    void Clear() { m_size = 0; } ///< Size 0; the block stays.
 
-    // The index is not checked: 0 <= index < size.
+    /// @{ The index is not checked: 0 <= index < size.
     T& operator[](int index) { return GetData()[index]; }
     const T& operator[](int index) const { return GetData()[index]; }
     T& GetAt(int index) { return GetData()[index]; }
@@ -79,8 +83,9 @@ public:
     T* end() { return GetData() + m_size; }
     const T* begin() const { return GetData(); }
     const T* end() const { return GetData() + m_size; }
+    /// @}
 
-    void PushBack(const T& element);
+    void PushBack(const T& element); ///< The element may lie in this array.
     /// An index outside 0 to size - 1 appends.
     void InsertAt(int index, const T& element);
     /// An index outside 0 to size - 1 does nothing.

@@ -13,38 +13,49 @@
 
 #include <cstdint>
 
+/// Red, green and blue.
 struct tagVXRGBCOLOR16 {
+    /// @{ 0 to 65535.
     std::uint16_t alpha;
     std::uint16_t red;
     std::uint16_t green;
     std::uint16_t blue;
+    /// @}
 };
-using VXRGBCOLOR16 = tagVXRGBCOLOR16;
+using VXRGBCOLOR16 = tagVXRGBCOLOR16; ///< the short name
 
+/// Hue, saturation and value.
 struct tagVXHSVCOLOR16 {
+    /// @{ 0 to 65535.
     std::uint16_t alpha;
     std::uint16_t hue;
     std::uint16_t saturation;
     std::uint16_t value;
+    /// @}
 };
-using VXHSVCOLOR16 = tagVXHSVCOLOR16;
+using VXHSVCOLOR16 = tagVXHSVCOLOR16; ///< the short name
 
+/// Hue, lightness and saturation.
 struct tagVXHLSCOLOR16 {
+    /// @{ 0 to 65535.
     std::uint16_t alpha;
     std::uint16_t hue;
     std::uint16_t lightness;
     std::uint16_t saturation;
+    /// @}
 };
-using VXHLSCOLOR16 = tagVXHLSCOLOR16;
+using VXHLSCOLOR16 = tagVXHLSCOLOR16; ///< the short name
 
 /// The working colour of classic offscreen images.
 struct tagVXRGBCOLOR {
+    /// @{ 0 to 255, but nothing keeps them there.
     int alpha;
     int red;
     int green;
     int blue;
+    /// @}
 };
-using VXRGBCOLOR = tagVXRGBCOLOR;
+using VXRGBCOLOR = tagVXRGBCOLOR; ///< the short name
 
 class XCHsvColor;
 class XCHlsColor;
@@ -53,22 +64,26 @@ class XCHlsColor;
 class OVWCMN_API XCColor {
 public:
     XCColor() = default;
-    XCColor(std::uint32_t packed) : m_packed(packed) {}
-    XCColor(const tagVXRGBCOLOR16& color);
+    XCColor(std::uint32_t packed) : m_packed(packed) {} ///< as the head of this file says
+    XCColor(const tagVXRGBCOLOR16& color);              ///< the high bytes
     /// Here alone the hue is in degrees (360 and more count as 359), saturation and value are in percent, and alpha is
     /// the low byte of its field.
     XCColor(const tagVXHSVCOLOR16& color);
-    // The classes keep their own scale of 0 to 65535.
+    /// @{ The classes keep their own scale of 0 to 65535.
     XCColor(const XCHsvColor& color);
     XCColor(const XCHlsColor& color);
+    /// @}
     XCColor(const XCColor&) = default;
     XCColor& operator=(const XCColor&) = default;
     virtual ~XCColor() = default;
 
+    /// @{ Packed.
     std::uint32_t GetColor() const { return m_packed; }
     operator std::uint32_t() const { return m_packed; }
     void SetColor(std::uint32_t packed) { m_packed = packed; }
+    /// @}
 
+    /// @{ 0 to 255.
     std::uint8_t GetChannelR() const { return channel(0); }
     std::uint8_t GetChannelG() const { return channel(1); }
     std::uint8_t GetChannelB() const { return channel(2); }
@@ -77,6 +92,7 @@ public:
     void SetChannelG(std::uint8_t value) { SetChannel(1, value); }
     void SetChannelB(std::uint8_t value) { SetChannel(2, value); }
     void SetChannelA(std::uint8_t value) { SetChannel(3, value); }
+    /// @}
     /// Index 0 red, 1 green, 2 blue, 3 alpha; others do nothing.
     void SetChannel(std::uint32_t index, std::uint8_t value);
 
@@ -92,8 +108,10 @@ namespace ovw::foundation {
 template <class Plain, std::uint16_t Plain::*... Channels>
 class ColorBase : public Plain {
 public:
+    /// @{ 0 to 65535.
     std::uint16_t GetChannelA() const { return this->alpha; }
     void SetChannelA(std::uint16_t newAlpha) { this->alpha = newAlpha; }
+    /// @}
     /// Index 0 to 2: the fields after alpha in their order; 3 alpha; others give 0.
     std::uint16_t GetChannel(std::uint32_t index) const { return index < 4 ? this->*s_fields[index] : 0; }
     /// Other indices do nothing.
@@ -102,23 +120,28 @@ public:
             this->*s_fields[index] = newValue;
     }
 
+    /// All four channels are equal.
     friend bool operator==(const Plain& a, const Plain& b) {
         return a.alpha == b.alpha && ((a.*Channels == b.*Channels) && ...);
     }
 
 protected:
+    /// @{ For the colours of the models: alpha, then the channels in the order of the struct.
     ColorBase(const Plain& plain) : Plain(plain) {}
     ColorBase(std::uint16_t a, std::uint16_t c0, std::uint16_t c1, std::uint16_t c2) : Plain{a, c0, c1, c2} {}
+    /// @}
 
 private:
     static constexpr std::uint16_t Plain::*s_fields[] = {Channels..., &Plain::alpha};
 };
 
+/// @{ The channels of one model.
 using RgbBase = ColorBase<tagVXRGBCOLOR16, &tagVXRGBCOLOR16::red, &tagVXRGBCOLOR16::green, &tagVXRGBCOLOR16::blue>;
 using HsvBase =
     ColorBase<tagVXHSVCOLOR16, &tagVXHSVCOLOR16::hue, &tagVXHSVCOLOR16::saturation, &tagVXHSVCOLOR16::value>;
 using HlsBase =
     ColorBase<tagVXHLSCOLOR16, &tagVXHLSCOLOR16::hue, &tagVXHLSCOLOR16::lightness, &tagVXHLSCOLOR16::saturation>;
+/// @}
 
 } // namespace ovw::foundation
 
@@ -126,13 +149,16 @@ using HlsBase =
 class OVWCMN_API XCRgbColor : public ovw::foundation::RgbBase {
 public:
     XCRgbColor() : ColorBase(0, 0, 0, 0) {}
+    /// @{ From a packed colour or any model; the last one from channels of 16 bits.
     XCRgbColor(std::uint32_t packed);
     XCRgbColor(const XCColor& color) : XCRgbColor(color.GetColor()) {}
     XCRgbColor(const tagVXRGBCOLOR16& color) : ColorBase(color) {}
     XCRgbColor(const tagVXHSVCOLOR16& color);
     XCRgbColor(const tagVXHLSCOLOR16& color);
     XCRgbColor(std::uint16_t a, std::uint16_t r, std::uint16_t g, std::uint16_t b) : ColorBase(a, r, g, b) {}
+    /// @}
 
+    /// @{ 0 to 65535.
     void SetColor(std::uint16_t a, std::uint16_t r, std::uint16_t g, std::uint16_t b) { *this = {a, r, g, b}; }
     std::uint16_t GetChannelR() const { return red; }
     std::uint16_t GetChannelG() const { return green; }
@@ -140,6 +166,7 @@ public:
     void SetChannelR(std::uint16_t newRed) { red = newRed; }
     void SetChannelG(std::uint16_t newGreen) { green = newGreen; }
     void SetChannelB(std::uint16_t newBlue) { blue = newBlue; }
+    /// @}
 
     /// The packed colour.
     operator std::uint32_t() const;
@@ -149,12 +176,15 @@ public:
 class OVWCMN_API XCHsvColor : public ovw::foundation::HsvBase {
 public:
     XCHsvColor() : ColorBase(65535, 65535, 65535, 65535) {}
+    /// @{ From a packed colour or any model; the last one from channels of 16 bits.
     XCHsvColor(std::uint32_t packed) : XCHsvColor(XCRgbColor(packed)) {}
     XCHsvColor(const tagVXRGBCOLOR16& color);
     XCHsvColor(const XCRgbColor& color) : XCHsvColor(static_cast<const tagVXRGBCOLOR16&>(color)) {}
     XCHsvColor(const tagVXHSVCOLOR16& color) : ColorBase(color) {}
     XCHsvColor(std::uint16_t a, std::uint16_t h, std::uint16_t s, std::uint16_t v) : ColorBase(a, h, s, v) {}
+    /// @}
 
+    /// @{ 0 to 65535.
     void SetColor(std::uint16_t a, std::uint16_t h, std::uint16_t s, std::uint16_t v) { *this = {a, h, s, v}; }
     std::uint16_t GetChannelH() const { return hue; }
     std::uint16_t GetChannelS() const { return saturation; }
@@ -162,8 +192,9 @@ public:
     void SetChannelH(std::uint16_t newHue) { hue = newHue; }
     void SetChannelS(std::uint16_t newSaturation) { saturation = newSaturation; }
     void SetChannelV(std::uint16_t newValue) { value = newValue; }
+    /// @}
 
-    operator tagVXRGBCOLOR16() const { return XCRgbColor(*this); }
+    operator tagVXRGBCOLOR16() const { return XCRgbColor(*this); } ///< in the model through which the others meet
     /// The packed colour.
     operator std::uint32_t() const { return XCRgbColor(*this); }
 };
@@ -172,15 +203,18 @@ public:
 class OVWCMN_API XCHlsColor : public ovw::foundation::HlsBase {
 public:
     XCHlsColor() : ColorBase(65535, 65535, 65535, 65535) {}
+    /// @{ From a packed colour or any model; the last one from channels of 16 bits.
     XCHlsColor(std::uint32_t packed) : XCHlsColor(XCRgbColor(packed)) {}
     XCHlsColor(const tagVXRGBCOLOR16& color);
     XCHlsColor(const XCRgbColor& color) : XCHlsColor(static_cast<const tagVXRGBCOLOR16&>(color)) {}
     XCHlsColor(const tagVXHLSCOLOR16& color) : ColorBase(color) {}
     XCHlsColor(std::uint16_t a, std::uint16_t h, std::uint16_t l, std::uint16_t s) : ColorBase(a, h, l, s) {}
+    /// @}
     XCHlsColor(const XCHlsColor&) = default;
     XCHlsColor& operator=(const XCHlsColor&) = default;
     virtual ~XCHlsColor() = default;
 
+    /// @{ 0 to 65535.
     void SetColor(std::uint16_t a, std::uint16_t h, std::uint16_t l, std::uint16_t s) { *this = {a, h, l, s}; }
     std::uint16_t GetChannelH() const { return hue; }
     std::uint16_t GetChannelL() const { return lightness; }
@@ -188,8 +222,9 @@ public:
     void SetChannelH(std::uint16_t newHue) { hue = newHue; }
     void SetChannelL(std::uint16_t newLightness) { lightness = newLightness; }
     void SetChannelS(std::uint16_t newSaturation) { saturation = newSaturation; }
+    /// @}
 
-    operator tagVXRGBCOLOR16() const { return XCRgbColor(*this); }
+    operator tagVXRGBCOLOR16() const { return XCRgbColor(*this); } ///< in the model through which the others meet
     /// The packed colour.
     operator std::uint32_t() const { return XCRgbColor(*this); }
 };
@@ -201,17 +236,20 @@ public:
     XCComplexColor() = default;
     /// Mode 0.
     XCComplexColor(std::uint32_t packed) { SetColor(packed); }
-    XCComplexColor(int packed) { SetColor(static_cast<std::uint32_t>(packed)); }
+    XCComplexColor(int packed) { SetColor(static_cast<std::uint32_t>(packed)); } ///< mode 0; for plain numbers
     /// Mode 1, from a colour packed in 64 bits.
     XCComplexColor(std::uint64_t packed) { SetColor64(packed); }
 
+    /// @{ SetColor sets mode 0, SetColor64 mode 1; from a packed colour or from channels.
     void SetColor(std::uint32_t packed);
     void SetColor(int a, int r, int g, int b) { assign(0, a, r, g, b); }
     void SetColor64(std::uint64_t packed);
     void SetColor64(int a, int r, int g, int b) { assign(1, a, r, g, b); }
+    /// @}
 
     /// 0 for 8-bit channels, 1 for 16-bit channels.
     int GetMode() const { return m_mode; }
+    /// @{ The channels as they are, whatever the mode; opacity is alpha.
     int GetA() const { return m_alpha; }
     int GetR() const { return m_red; }
     int GetG() const { return m_green; }
@@ -226,6 +264,7 @@ public:
     void SetR(int red) { m_red = red; }
     void SetG(int green) { m_green = green; }
     void SetB(int blue) { m_blue = blue; }
+    /// @}
 
     /// The packed colour; meant for mode 0, nothing is converted.
     std::uint32_t GetColor() const;

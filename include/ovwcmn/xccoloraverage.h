@@ -23,7 +23,7 @@ public:
 
     /// A stroke begins: the next conversion takes the average as it is.
     void StartCountAverage() { m_isFirst = 1; }
-    void ClearAverageColor();
+    void ClearAverageColor(); ///< Forgets what was counted and the carried colour.
     /// Counts the density at p as an alpha.
     void CountTotal8Bit(std::uint8_t* p);
     /// Counts the pixel at p (blue, green, red, alpha); one without alpha only thins the average's alpha.

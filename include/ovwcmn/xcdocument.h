@@ -19,13 +19,15 @@ class XCArchive;
 /// they were. One thread at a time.
 class OVWCMN_API XCDocument {
 public:
-    static constexpr std::uint16_t cnSaveAs = 1; ///< bits of the save mode
-    static constexpr std::uint16_t cnCopySave = 2;
+    static constexpr std::uint16_t cnSaveAs = 1;   ///< bits of the save mode
+    static constexpr std::uint16_t cnCopySave = 2; ///< the document keeps its own file
 
     /// The high byte of `version` is the major version.
     XCDocument(std::uint32_t creator, std::uint32_t fileType, std::uint16_t version);
+    /// @{ As CopyMembers.
     XCDocument(const XCDocument& other);
     XCDocument& operator=(const XCDocument& other);
+    /// @}
 
     // In the order of the interface.
     virtual ~XCDocument();
@@ -33,34 +35,34 @@ public:
     virtual std::uint16_t GetSerializeVersion() const;
     /// The next save writes this version.
     virtual void SetSerializeVersion(std::uint16_t version);
-    virtual void ClearSerializeVersion();
-    virtual std::uint16_t GetSaveMode() const;
+    virtual void ClearSerializeVersion();      ///< Back to the version that the constructor got.
+    virtual std::uint16_t GetSaveMode() const; ///< cnSaveAs, cnCopySave, both or 0
     /// For the next save.
     virtual void SetSaveMode(std::uint16_t mode);
     /// Also when a copy is saved.
     virtual int IsSaveAs() const;
-    virtual int IsCopySave() const;
+    virtual int IsCopySave() const; ///< whether the save mode has cnCopySave
     /// By the flag or the file's attribute; 0 for a new document.
     virtual int IsReadOnly() const;
-    virtual void SetReadOnly(int readOnly);
+    virtual void SetReadOnly(int readOnly); ///< the flag only, not the file's attribute
     /// 1 while the document has no file.
     virtual int IsNewDocument() const;
     /// 1 after a save whose encrypt hook made another file.
     virtual int IsDecryptOpen() const;
     /// Remembers path and modify count, once.
     virtual void PushBackup();
-    virtual void PopBackup();
+    virtual void PopBackup(); ///< back to what PushBackup remembered
     /// Byte order of the archive (XCArchive::cnLittleEndian here).
     virtual int GetEndianMode(int forReading) const;
     /// The archive's extension mode (0 here).
     virtual std::uint32_t GetArchiveExtMode(int forReading) const;
-    virtual int IsModified() const;
-    virtual int IsAllNewDocument() const;
-    virtual void InitModify();
+    virtual int IsModified() const;       ///< 1 unless the count is 0
+    virtual int IsAllNewDocument() const; ///< as IsNewDocument; for documents of several files
+    virtual void InitModify();            ///< count 0
     /// A change and its undoing.
     virtual void PushModify();
-    virtual void PopModify();
-    virtual int GetModifyCount() const;
+    virtual void PopModify();           ///< count - 1
+    virtual int GetModifyCount() const; ///< changes not undone since the last save
     /// 1; the document becomes new and unmodified.
     virtual int OnNewDocument(void* parameter);
     /// 1 when the document was read.
@@ -77,20 +79,20 @@ public:
     virtual int VerifySaveDocument();
     /// The application's dialogs; IDCANCEL here.
     virtual int FileOpenDialog(XCFilePath& path);
-    virtual int FileSaveDialog(XCFilePath& path, int mode);
+    virtual int FileSaveDialog(XCFilePath& path, int mode); ///< `mode` is the application's. IDCANCEL here.
     /// The contents, in either direction; nothing here.
     virtual void Serialize(XCArchive& archive);
     /// The head of the file: file type (another throws 0x2001000B), version (a newer major one throws 0x2001000C).
     virtual void ReadVersionInfo(XCArchive& archive);
-    virtual void WriteVersionInfo(XCArchive& archive);
+    virtual void WriteVersionInfo(XCArchive& archive); ///< File type and version, as ReadVersionInfo expects them.
 
-    std::uint32_t GetCreater() const { return m_creator; }
-    std::uint32_t GetFileType() const { return m_fileType; }
-    std::uint16_t GetVersion() const { return m_version; }
+    std::uint32_t GetCreater() const { return m_creator; }   ///< the four-character code of the application
+    std::uint32_t GetFileType() const { return m_fileType; } ///< the code at the head of the file
+    std::uint16_t GetVersion() const { return m_version; }   ///< the version that the constructor got
     /// 1 when there is one; likewise the names.
     int GetDocumentFilePath(XCFilePath& path) const;
-    void SetDocumentFilePath(const XCFilePath& path);
-    int GetDocumentFileName(XCString& name) const;
+    void SetDocumentFilePath(const XCFilePath& path); ///< "" makes the document new
+    int GetDocumentFileName(XCString& name) const;    ///< 0 and an empty name for a new document
     /// Of a new document.
     int GetNewDocumentName(XCString& name) const;
     /// The document becomes new.

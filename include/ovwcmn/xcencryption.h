@@ -34,6 +34,7 @@ public:
     /// is the input padded with zeros to a multiple of 8 bytes; deciphering leaves the padding. Of the chunks of
     /// 51200 bytes only the first `limit` are enciphered or deciphered (0: all).
     /// @{
+    /// From file to file.
     int Encrypt(const char* key, const XCFilePath& in, const XCFilePath& out, std::uint32_t limit = 0);
     int Decrypt(const char* key, const XCFilePath& in, const XCFilePath& out, std::uint32_t limit = 0);
     /// Deciphers at most `size` bytes to `buffer`.
@@ -41,8 +42,8 @@ public:
     /// The key text stands, in plain, before the enciphered data. Reading throws 0x20010008 when the file ends within
     /// it, 0x2001000B when it is too long.
     int EncryptWithKey(const char* key, const XCFilePath& in, const XCFilePath& out);
-    int DecryptWithKey(const XCFilePath& in, const XCFilePath& out);
-    int DecryptWithKey(char* buffer, int size, const XCFilePath& in);
+    int DecryptWithKey(const XCFilePath& in, const XCFilePath& out);  ///< With the key that the file begins with.
+    int DecryptWithKey(char* buffer, int size, const XCFilePath& in); ///< The same to `buffer`.
     /// @}
 
 protected:
@@ -50,12 +51,12 @@ protected:
     /// There is one key and one schedule: another thread may set them between two calls, which the operations above
     /// take care of.
     /// @{
-    void KeySet(const char* text);
+    void KeySet(const char* text); ///< Makes the 128-bit key of a key text.
     /// The schedule of the key set, for enciphering or (0) deciphering.
     void MakeKey(int encrypt);
     /// One block of 8 bytes; `in` and `out` may be the same.
     void Feal(const unsigned char* in, unsigned char* out);
-    static int HexCode(char character);
+    static int HexCode(char character); ///< the low four bits of a digit, 0 to 15
     /// From the positions of the files on, with the schedule as it is now. 1, or 0 when stopped.
     int Ecb(XCFile& in, XCFile& out, std::uint32_t limit);
     /// @}

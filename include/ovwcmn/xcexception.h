@@ -21,9 +21,10 @@ namespace ovw::foundation {
 /// Where a call stands. As a default argument, current() is the caller's place; std::source_location would say the
 /// same, but clang 14 does not find it in the libraries of g++.
 struct SourcePlace {
-    const char* file;
-    int line;
+    const char* file; ///< of the source
+    int line;         ///< of the file, from 1
 
+    /// The place of the call that leaves the arguments away.
     static constexpr SourcePlace current(const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
         return {file, line};
     }
@@ -41,7 +42,7 @@ inline constexpr int cnCodeNoMemory = 8;                     ///< the system's c
 inline constexpr int cnCodeNone = -1;                        ///< an exception that carries an alert only
 inline constexpr std::uint32_t cnAlertFromCode = 0xFFFFFFFF; ///< alert id: the message comes from the error code
 
-inline constexpr int cnAlertParameters = 5;
+inline constexpr int cnAlertParameters = 5;      ///< p1 to p5
 inline constexpr int cnAlertParameterSize = 256; ///< bytes of a parameter with its terminator
 inline constexpr int cnAlertMessageSize = 768;   ///< bytes of a message with its terminator
 
@@ -63,12 +64,14 @@ public:
     /// parameters the first three can reach a message; each is cut to 255 bytes, and null is empty.
     virtual void SetAlertID(std::uint32_t alertID, int code, const char* p1 = "", const char* p2 = "",
                             const char* p3 = "", const char* p4 = "", const char* p5 = "");
-    virtual void InitializeAlertID();
+    virtual void InitializeAlertID(); ///< Becomes an alert that shows nothing.
     /// Shows the box and clears the alert; the button (IDOK, IDCANCEL, IDYES, IDNO), or -1 when there is no alert.
     virtual int doAlert(HWND owner = nullptr, XCStringResource* resource = nullptr);
 
+    /// @{ The description or the error code; 0 without an alert.
     std::uint32_t GetAlertID() const { return m_alertID; }
     operator std::uint32_t() const { return m_alertID; }
+    /// @}
     /// 1 when the alert id is an error code.
     int IsSystemError() const { return m_isErrorCode; }
     /// The message in the current code page; empty when there is no text. `resource` null is the global one.
@@ -76,13 +79,13 @@ public:
 
     /// Caption of the boxes: the text set, else the executable's name without folder and extension.
     static void GetTitleText(XCString& out);
-    static void SetTitleText(const char* title);
+    static void SetTitleText(const char* title); ///< Null or "": back to the name.
 
 protected:
     /// Icon and buttons as MB_ constants.
     std::uint32_t boxStyle() const;
 
-    static XCString s_strTitle;
+    static XCString s_strTitle; ///< the text of SetTitleText
 
 private:
     friend class XCException;
@@ -118,6 +121,7 @@ private:
 class OVWCMN_API XCException : public std::exception {
 public:
     XCException();
+    /// @{ An error code and its message, and the place of the throw.
     XCException(const char* file, int line, int code, std::uint32_t alertID, const char* p1 = "", const char* p2 = "",
                 const char* p3 = "", const char* p4 = "", const char* p5 = "");
     explicit XCException(int code, std::uint32_t alertID = ovw::foundation::cnAlertFromCode, const char* p1 = "",
@@ -126,6 +130,7 @@ public:
     XCException(const char* file, int line, int code, const XCAlert& alert);
     XCException(int code, const XCAlert& alert,
                 ovw::foundation::SourcePlace where = ovw::foundation::SourcePlace::current());
+    /// @}
     /// Code -1: the exception carries only the alert, whose text comes from `resource`.
     XCException(XCStringResource* resource, const XCAlert& alert,
                 ovw::foundation::SourcePlace where = ovw::foundation::SourcePlace::current());
@@ -135,12 +140,16 @@ public:
 
     /// Source file of the throw site, cut to 259 bytes.
     const char* GetFile() const { return m_file; }
-    int GetLine() const { return m_line; }
+    int GetLine() const { return m_line; } ///< line of the throw site, from 1
+    /// @{ The code; -1 for an alert alone.
     int GetErrorCode() const { return m_code; }
     operator int() const { return m_code; }
+    /// @}
+    /// @{ As XCAlert has them.
     std::uint32_t GetAlertID() const { return m_alert.GetAlertID(); }
     int IsSystemError() const { return m_alert.IsSystemError(); }
     void GetAlertMessage(XCString& out) const { m_alert.GetAlertMessage(out, m_resource); }
+    /// @}
     /// Shows the message and spends it; the button, or -1 when there is nothing to show.
     int doAlert(HWND owner = nullptr) { return m_alert.doAlert(owner, m_resource); }
     /// Never empty: without a message the code in hexadecimal.
@@ -163,6 +172,7 @@ private:
 /// @name Throwing
 /// Each throws an XCException with the caller's file and line.
 /// @{
+/// The code, and the message for it: from the code itself, or as XCAlert takes it.
 [[noreturn]] OVWCMN_API void xcThrowError(int code, std::uint32_t alertID = ovw::foundation::cnAlertFromCode,
                                           const char* p1 = "", const char* p2 = "", const char* p3 = "",
                                           const char* p4 = "", const char* p5 = "",
@@ -185,9 +195,10 @@ public:
     /// Answers 0 (go on), 1 (abort) or 2 (undecided: ask again after pending paint requests).
     using Callback = int (*)();
 
+    /// ThrowOnAbort: throw instead of answering 1. useEx: ask vxAbortEx instead of vxAbort.
     explicit XCAbort(int throwOnAbort = 1, int useEx = 0) : m_throwOnAbort(throwOnAbort), m_useEx(useEx) {}
 
-    static void SetCallback(Callback callback) { s_pAbort = callback; }
+    static void SetCallback(Callback callback) { s_pAbort = callback; } ///< null takes it back
     /// 1 for abort, 0 for go on; throws 0x20010004 instead of answering 1 when throw-on-abort is set.
     int CheckAbort() const;
 
@@ -201,7 +212,7 @@ private:
 };
 
 /// String tables read from text, searched in the order in which they were added; owns them. Lines read: id, spaces,
-/// "text" with the escapes \\ \n \r \t; // begins a comment line. Lookups may run in several threads; add tables at
+/// "text" with the escapes `\\ \n \r \t`; // begins a comment line. Lookups may run in several threads; add tables at
 /// start-up. Adding and looking up answer 0 on failure; only lack of memory throws (8), and only in lookups.
 class OVWCMN_API XCStringResource {
 public:
@@ -210,7 +221,7 @@ public:
     XCStringResource& operator=(const XCStringResource&) = delete;
     virtual ~XCStringResource();
 
-    int AddTextFile(XCFilePath& path);
+    int AddTextFile(XCFilePath& path); ///< A table from a file.
     /// The bytes come from the application's hook (ovwhooks.h).
     int AddResource(HINSTANCE module, HRSRC resource);
     /// As AddTextFile, from memory: `text` need not be terminated and is not kept.
@@ -221,7 +232,7 @@ public:
     /// Zeroes `size` bytes, then copies at most `size` bytes: a text of that very length has no terminator. A buffer of
     /// no size gives 0.
     int LoadStringA(char* buffer, int size, int id) const;
-    int LoadStringA(XCWideString& out, int id) const;
+    int LoadStringA(XCWideString& out, int id) const; ///< As the first form, in UTF-16.
     /// As the char form, in UTF-16 code units.
     int LoadStringA(char16_t* buffer, int size, int id) const;
 

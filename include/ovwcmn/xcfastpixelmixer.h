@@ -29,8 +29,10 @@ class SpanPainter;
 /// SetCacheAlpha.
 class OVWCMN_API XCFastPixelMixer {
 public:
+    /// @{ The fixed point of opacities and coverages.
     static constexpr int cnFixFloatBit = 15;
     static constexpr int cnFixFloatConstant = 1 << cnFixFloatBit;
+    /// @}
 
     /// Bits of the style.
     enum Style : std::uint32_t {
@@ -56,6 +58,7 @@ public:
 
     /// How paint meets the pixel below.
     enum DrawComposition : int {
+        /// @{ The formulas stand in the guide's page of compositions.
         Replace = 0,
         Normal = 1,
         Erase = 2,
@@ -75,6 +78,7 @@ public:
         SoftLight = 16,
         HardLight = 17,
         AddFade = 18
+        /// @}
     };
 
     /// Nothing set, every alpha full.
@@ -83,14 +87,16 @@ public:
     XCFastPixelMixer& operator=(const XCFastPixelMixer&) = default;
     virtual ~XCFastPixelMixer();
 
+    /// @{ All bits at once, or some on or off.
     void SetStyle(std::uint32_t style) { m_style = style; }
     void SetStyleFlag(std::uint32_t bits, int on) { m_style = on ? m_style | bits : m_style & ~bits; }
+    /// @}
     /// 1 if any of the bits is set.
     int GetStyleFlag(std::uint32_t bits) const { return (m_style & bits) != 0; }
     /// A DrawComposition; other values draw nothing.
     void SetDrawCompositioin(int composition) { m_composition = composition; }
 
-    void SetDstOffscreen(XCVOffscreen* image) { m_dst = image; }
+    void SetDstOffscreen(XCVOffscreen* image) { m_dst = image; } ///< Where spans go; null: nowhere.
     /// 16 bits a pixel, each a coverage in 1.15 in machine order, all 0 at the start of a stroke. Null: no cache.
     void SetCacheOffscreen(XCVOffscreen* image) { m_cache = image; }
     /// The colours of the stroke, in the destination's depth. Image stamps may keep them in 24 bits, on 1- and 2-bit
@@ -101,8 +107,9 @@ public:
 
     /// 0xAABBGGRR.
     void SetColor(std::uint32_t color);
+    /// The same by channels, 0 to 255.
     void SetColor(std::uint8_t a, std::uint8_t r, std::uint8_t g, std::uint8_t b);
-    std::uint8_t GetMixA() const { return m_a; }
+    std::uint8_t GetMixA() const { return m_a; } ///< the colour's alpha, 0 to 255
     /// 0xAABBGGRR: the second colour of two-colour source images.
     void SetSubColor(std::uint32_t color) { m_subColor = color; }
 
@@ -130,15 +137,15 @@ public:
     void SetColorAverage(XCColorAverage* average) { m_colorAverage = average; }
     /// Not 0: the alpha of 32-bit destinations is never written.
     void SetNotChangeAlpha(int keep) { m_keepAlpha = keep; }
-    int IsNotChangeAlpha() const { return m_keepAlpha; }
-    int IsUseCache() const { return m_cache != nullptr; }
+    int IsNotChangeAlpha() const { return m_keepAlpha; }  ///< as set
+    int IsUseCache() const { return m_cache != nullptr; } ///< 1 with a cache
 
     /// Where in the source image the next DoLineRowCopy begins, and its step a pixel, in source pixels.
     void SetSrcUVParam(double u, double v, double du, double dv);
-    void SetSrcVParam(double v);
+    void SetSrcVParam(double v); ///< SetSrcUVParam for the same column and steps.
     /// The same for 2 x 2 samples: two lines of samples, each with its step a pixel.
     void SetSrcUVParamAntiAlias(double u, double v, double du, double dv, double uB, double vB, double duB, double dvB);
-    void SetSrcVParamAntiAlias(double v, double vB);
+    void SetSrcVParamAntiAlias(double v, double vB); ///< SetSrcUVParamAntiAlias for the same columns and steps.
 
     /// Makes the block of pixel (x, y) the one that spans fall into, in the destination and the images beside it.
     void MoveCursorToBlock(int x, int y);

@@ -28,7 +28,9 @@ public:
     /// The same for files that exist: CREATE_NEW and CREATE_ALWAYS throw 0x20010008.
     void Open(const XCFilePath& path, std::uint32_t access, std::uint32_t share, std::uint32_t creation,
               std::uint32_t attributes);
+    /// Nothing when no file is open.
     void Close();
+    /// 1 while a file is open.
     int IsValid() const { return m_nHandle != cnNoFile; }
     /// The handle.
     operator void*() const { return reinterpret_cast<void*>(static_cast<std::uintptr_t>(m_nHandle)); }
@@ -37,6 +39,7 @@ public:
 
     /// *done (may be null) becomes the bytes read; fewer than `size` at the end of the file only.
     void Read(void* buffer, std::uint32_t size, std::uint32_t* done = nullptr);
+    /// *done (may be null) becomes the bytes written.
     void Write(const void* buffer, std::uint32_t size, std::uint32_t* done = nullptr);
     /// `method` is FILE_BEGIN, FILE_CURRENT or FILE_END. Beyond the end is allowed; before the beginning throws 131.
     void Seek(std::int64_t offset, std::uint32_t method);
@@ -44,8 +47,8 @@ public:
     void SetEOF();
     /// Returns when all that was written is on the disk.
     void Flush();
-    std::int64_t GetLength() const;
-    std::int64_t GetPosition() const;
+    std::int64_t GetLength() const;   ///< bytes
+    std::int64_t GetPosition() const; ///< bytes from the beginning
     /// Time of the last write.
     void GetTime(XCTime& time) const;
     /// Takes over the other file's times (this system cannot set a creation time).

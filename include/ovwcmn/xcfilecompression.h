@@ -46,15 +46,15 @@ protected:
     /// @name Records, at the archive's position
     /// 0 when stopped.
     /// @{
-    int CompressFile(const XCFilePath& file);
-    int CompressFolder(const XCFilePath& folder);
-    int DecompressFile(const XCFilePath& destFolder);
-    int DecompressFolder(const XCFilePath& destFolder);
+    int CompressFile(const XCFilePath& file);           ///< the file with its name and attributes
+    int CompressFolder(const XCFilePath& folder);       ///< the folder with all that is in it
+    int DecompressFile(const XCFilePath& destFolder);   ///< the next record, a file
+    int DecompressFolder(const XCFilePath& destFolder); ///< the next record, a folder
     /// Files below a folder that would be packed; the folders themselves do not count.
     int GetFileCount(const XCFilePath& folder);
     /// @}
 
-    XCArchiveFile m_archive;
+    XCArchiveFile m_archive;           ///< the packed file
     IXCProgress* m_progress = nullptr; ///< told the files done; may be null
     IXCAbort* m_abort = nullptr;       ///< asked before each file; may be null
 

@@ -16,13 +16,15 @@
 
 /// The state of one folder search.
 struct tagFindInfo {
-    char folder[260];
-    char name[256]; ///< of the current entry
+    char folder[260]; ///< the folder searched
+    char name[256];   ///< of the current entry
+    /// @{ 1 or 0, of the current entry.
     int isFolder;
     int isReadOnly;
     int isHidden;
-    std::uint32_t handle; ///< 0xFFFFFFFF when no search is open
-    WIN32_FIND_DATAA data;
+    /// @}
+    std::uint32_t handle;  ///< 0xFFFFFFFF when no search is open
+    WIN32_FIND_DATAA data; ///< of the current entry
 };
 
 /// Walks the entries of one folder, "." and ".." included, in the order of the file system. Lists the names once, in
@@ -39,20 +41,22 @@ public:
     int First(const XCFilePath& folder);
     /// 1 with the next entry; 0 at the end.
     int Next();
-    void Close();
+    void Close(); ///< nothing when no search is open
 
     /// At most 256 bytes with the terminator.
     void GetName(char* out) const;
+    /// @{ Of the current entry.
     void GetName(XCString& out) const { out = m_info.name; }
     int IsFolder() const { return m_info.isFolder; }
     int IsHidden() const { return m_info.isHidden; }
     int IsReadOnly() const { return m_info.isReadOnly; }
+    /// @}
     /// 1 for the entries "." and "..".
     int IsParentFolder() const;
     /// Folder and name; valid until the next call.
     const XCFilePath& GetFilePath();
-    const XCFilePath& GetParentFolderPath();
-    void ResetForMacOnly() {}
+    const XCFilePath& GetParentFolderPath(); ///< The folder searched.
+    void ResetForMacOnly() {}                ///< nothing
 
     /// Clears the record and names the folder in it. A path of 260 bytes or more throws 206.
     static void SetupFileInfo(tagFindInfo& info, const XCFilePath& folder);

@@ -12,20 +12,24 @@
 /// A font by its description: a value, which opens nothing. Throws 8 when memory runs out.
 class OVWCMN_API XCFont {
 public:
-    static constexpr int cnBold = 1;
-    static constexpr int cnItalic = 2;
+    static constexpr int cnBold = 1;   ///< a sum of these is a style
+    static constexpr int cnItalic = 2; ///< slanted
 
     XCFont() = default;
     /// name: a family ("DejaVu Sans") or a font file by its full path; empty for the default font. height: pixels of a
     /// line's em square.
     XCFont(const char* name, int height, int style = 0) : m_name(name), m_height(height), m_style(style) {}
 
+    /// @{ As they were given; an empty name is the default font.
     const XCString& GetName() const { return m_name; }
     int GetHeight() const { return m_height; }
     int GetStyle() const { return m_style; }
+    /// @}
+    /// @{ As the constructor takes them.
     void SetName(const char* name) { m_name = name; }
     void SetHeight(int height) { m_height = height; }
     void SetStyle(int style) { m_style = style; }
+    /// @}
 
 private:
     XCString m_name;
@@ -36,9 +40,9 @@ private:
 /// The picture of one line of text: how much of each pixel it covers, 0 to 255. Rows lie top-down, `rowBytes` apart;
 /// the first column is where the text begins.
 struct VXTEXTBITMAP {
-    int width;
-    int height; ///< of the line, whatever its letters
-    int rowBytes;
+    int width;                    ///< pixels
+    int height;                   ///< of the line, whatever its letters
+    int rowBytes;                 ///< bytes from one row to the next
     const std::uint8_t* coverage; ///< rowBytes x height bytes
 };
 

@@ -20,16 +20,18 @@ class OVWCMN_API OVWCMN_MAY_ALIAS XCPoint : public ovw::geometry::PointBase<ovw:
 public:
     using PointBase::PointBase;
 
-    constexpr XCPoint& operator*=(int factor);
+    constexpr XCPoint& operator*=(int factor); ///< Products wrap around.
     /// The divisor must not be 0.
     constexpr XCPoint& operator/=(int divisor);
-    // Factors with a fraction: each field is computed in double and truncated toward zero, clamped to the int range.
+    /// @{ Factors with a fraction: each field is computed in double and truncated toward zero, clamped to the int
+    /// range.
     constexpr XCPoint& operator*=(double factor);
     constexpr XCPoint& operator/=(double divisor);
     constexpr XCPoint operator*(int factor) const { return XCPoint(*this) *= factor; }
     constexpr XCPoint operator/(int divisor) const { return XCPoint(*this) /= divisor; }
     constexpr XCPoint operator*(double factor) const { return XCPoint(*this) *= factor; }
     constexpr XCPoint operator/(double divisor) const { return XCPoint(*this) /= divisor; }
+    /// @}
 };
 
 /// An extent in whole units.
@@ -44,6 +46,7 @@ public:
     using RectBase::RectBase;
     using RectBase::SetRect;
 
+    /// The corner and what lies right of it and below.
     constexpr void SetRect(tagPOINT topLeft, tagSIZE size) { *this = XCRect(topLeft, size); }
 
     /// Becomes the largest rectangle with the aspect ratio of `src` centred inside `dst`; `dst` itself when the sizes
@@ -56,10 +59,12 @@ class OVWCMN_API OVWCMN_MAY_ALIAS XCPointF : public ovw::geometry::PointBase<ovw
 public:
     using PointBase::PointBase;
 
+    /// @{ Both fields.
     constexpr XCPointF& operator*=(float factor) { return *this = XCPointF(x * factor, y * factor); }
     constexpr XCPointF& operator/=(float divisor) { return *this = XCPointF(x / divisor, y / divisor); }
     constexpr XCPointF operator*(float factor) const { return XCPointF(*this) *= factor; }
     constexpr XCPointF operator/(float divisor) const { return XCPointF(*this) /= divisor; }
+    /// @}
 
     /// Turns about the origin by radians, counter-clockwise where y points up.
     void Rotate(double angle);
@@ -86,6 +91,7 @@ public:
     using PointBase::operator+;
     using PointBase::operator-;
 
+    /// @{ With whole points, converted exactly; factors act on both fields.
     constexpr XCPointD& operator+=(tagPOINT other) { return *this += toDouble(other); }
     constexpr XCPointD& operator-=(tagPOINT other) { return *this -= toDouble(other); }
     constexpr XCPointD operator+(tagPOINT other) const { return *this + toDouble(other); }
@@ -94,6 +100,7 @@ public:
     constexpr XCPointD& operator/=(double divisor) { return *this = XCPointD(x / divisor, y / divisor); }
     constexpr XCPointD operator*(double factor) const { return XCPointD(*this) *= factor; }
     constexpr XCPointD operator/(double divisor) const { return XCPointD(*this) /= divisor; }
+    /// @}
 
     /// Turns about the origin by radians, counter-clockwise where y points up.
     void Rotate(double angle);

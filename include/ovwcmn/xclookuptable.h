@@ -15,13 +15,15 @@ class OVWCMN_API XCLookUpTable : public XCPointer {
 public:
     /// No table.
     XCLookUpTable() = default;
+    /// @{ A copy has a table of its own.
     XCLookUpTable(const XCLookUpTable& src);
     XCLookUpTable& operator=(const XCLookUpTable& src);
+    /// @}
 
     /// Makes an identity table: type 1 has 256 entries of 8 bits, type 2 has 65536 of 16 bits. Any other type has the
     /// memory of type 1, which no getter hands out.
     void Create(int type);
-    void Destroy();
+    void Destroy(); ///< no table
     /// Makes the table the identity.
     void Init();
     /// The table of 8-bit entries, for 32-bit pixels; null unless the type is 1.
@@ -30,7 +32,7 @@ public:
     std::uint16_t* Get64BitTable() const;
     /// mirror turns the table end for end, invert complements its entries.
     void Reverse(int mirror, int invert);
-    using XCPointer::Copy;
+    using XCPointer::Copy; ///< block from block
     /// Takes over the type and the entries of src.
     void Copy(const XCLookUpTable& src);
     /// This curve first, then the other. Takes over the other's type (from the identity) when they differ.

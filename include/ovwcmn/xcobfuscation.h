@@ -18,8 +18,8 @@ class XCFilePath;
 class OVWCMN_API XCObfuscation {
 public:
     static constexpr int cnProjectTable = 0x100000; ///< the first of two numbers for projects
-    static constexpr int cnHeadSize = 8;
-    static constexpr int cnSpan = 5120; ///< bytes from the start within which bits are moved
+    static constexpr int cnHeadSize = 8;            ///< bytes of a head
+    static constexpr int cnSpan = 5120;             ///< bytes from the start within which bits are moved
 
     XCObfuscation() = default;
     XCObfuscation(const XCObfuscation&) = default;
@@ -41,6 +41,7 @@ public:
 
     /// One byte through the eight places at `table`.
     static void EncodeObfuscationDataByte(std::uint8_t in, std::uint8_t& out, const std::uint8_t* table);
+    /// The inverse.
     static void DecodeObfuscationDataByte(std::uint8_t in, std::uint8_t& out, const std::uint8_t* table);
     /// With the table selected; the byte itself without one.
     std::uint8_t DecodeObfuscationDataByte(std::uint8_t byte) const;
@@ -48,17 +49,18 @@ public:
     /// With a head, bytes 6 and 7 become 0xFF and the table number, also when data stay as they are. Data too short for
     /// a head are copied. Project tables have no number that a head can hold: use them without one.
     int EncodeObfuscationMemory(const void* src, void* dst, int size, int withHead) const;
+    /// The inverse; takes no notice of what the head says.
     int DecodeObfuscationMemory(const void* src, void* dst, int size, int withHead) const;
     /// All bytes but the first 6.
     int EncodeProjectObfuscationMemory(const void* src, void* dst, int size) const;
-    int DecodeProjectObfuscationMemory(const void* src, void* dst, int size) const;
+    int DecodeProjectObfuscationMemory(const void* src, void* dst, int size) const; ///< The inverse.
     /// By the data's own head: selects its table and decodes, or copies plain data. 1.
     int DecodeObfuscationFaceBinMemory(const std::uint8_t* src, std::uint8_t* dst, int size);
 
     /// A whole file, without a head; it is replaced in one step. 0 when there is no such file or no table is selected;
     /// throws the system's code.
     int EncodeObfuscationFile(const XCFilePath& path) const;
-    int DecodeObfuscationFile(const XCFilePath& path) const;
+    int DecodeObfuscationFile(const XCFilePath& path) const; ///< The inverse.
 
 private:
     using Move = void (*)(std::uint8_t in, std::uint8_t& out, const std::uint8_t* table);

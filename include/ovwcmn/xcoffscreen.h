@@ -20,9 +20,9 @@ class XCVOffscreen;
 
 /// One run of similar pixels of a line, while an image is smoothed.
 struct _LData {
-    int start;
-    int end; ///< behind the last pixel
-    tagVXRGBCOLOR colour;
+    int start;            ///< the first pixel
+    int end;              ///< behind the last pixel
+    tagVXRGBCOLOR colour; ///< of its pixels
 };
 
 /// A raster image of 1, 8, 24 or 32 bits a pixel, top-down, its rows padded to 32 bits. 1 bit: 1 = ink, the first pixel
@@ -42,54 +42,68 @@ public:
     /// A new image, filled with color when fill is 1, else zero bytes. What was there is destroyed first. After an
     /// error there are no pixels.
     void Create(int width, int height, int bitCount, std::uint32_t color, int fill);
-    void Destroy();
+    void Destroy(); ///< also ends every lock
     /// Takes over an image of the utility library. Throws 0x20010008 for any other block, which stays the caller's.
     void SetRTImage(VXHANDLE image);
     /// Locks nest. Locking an image without pixels throws 8.
     void Lock();
+    /// Nothing when it is not locked.
     void Unlock();
+    /// Locks not yet undone.
     int GetLockCount() const { return m_lockCount; }
     /// The top row; null unless locked.
     std::uint8_t* GetBaseAddress() const { return m_info.bits; }
-    std::uint32_t GetBufferSize() const;
+    std::uint32_t GetBufferSize() const; ///< bytes of all rows; 0 without pixels
+    /// @{ Pixels.
     int GetWidth() const { return m_info.width; }
     int GetHeight() const { return m_info.height; }
+    /// @}
     int GetBitCount() const { return m_info.bitCount; } ///< 0 without pixels
+    /// Bytes of a pixel, 1 for 1 and 8 bits.
     int GetPixelSize() const { return m_info.bytesPerPixel; }
+    /// Bytes from one row to the next.
     int GetRowBytes() const { return m_info.rowBytes; }
+    /// (0, 0, width, height).
     void GetRect(tagRECT& rect) const { rect = {0, 0, m_info.width, m_info.height}; }
+    /// 1 inside the image.
     int PointInOffscreen(const int& x, const int& y) const {
         return x >= 0 && y >= 0 && x < m_info.width && y < m_info.height;
     }
+    /// @{ Rounded up to a multiple of 32 or 64.
     static std::int64_t Align32Bit(int bits);
     static std::int64_t Align64Bit(int bits);
+    /// @}
     /// Bytes of a row, of an image. Throw 0x20010008 for other depths, negative sizes and results beyond 32 bits.
     static std::uint32_t CalcRowLineBufferSize(int width, int bitCount);
-    static std::uint32_t CalcBufferSize(int width, int height, int bitCount);
+    static std::uint32_t CalcBufferSize(int width, int height, int bitCount); ///< The same for a whole image.
 
     // ---- Settings
+    /// @{ 0xAABBGGRR, or the high bytes of 16-bit channels.
     void SetForeColor(const std::uint32_t& color);
     void SetForeColor(tagVXRGBCOLOR16 color);
     std::uint32_t GetForeColor() const { return m_foreColor; }
+    /// @}
     std::uint8_t Get1BitForeColor() const { return m_fore1Bit; } ///< ink for everything darker than half
-    std::uint8_t Get8BitForeColor() const { return m_fore8Bit; }
+    std::uint8_t Get8BitForeColor() const { return m_fore8Bit; } ///< 255 - (red + green + blue) / 3
     /// Cut to 0 to 255.
     void SetTransparency(int transparency);
-    int GetTransparency() const { return m_transparency; }
-    // Kept for the caller.
+    int GetTransparency() const { return m_transparency; } ///< 0 to 255
+    /// @{ Kept for the caller.
     void SetMode(int mode) { m_mode = mode; }
     int GetMode() const { return m_mode; }
     void SetLayerKind(int kind) { m_layerKind = kind; }
     int GetLayerKind() const { return m_layerKind; }
-    // The clip, which CopyEx keeps to: 0 none, 1 a rectangle, 2 the ink of a mask image, which is not owned. A ratio
-    // above 1 is that many mask pixels for one of this image; below -1, image pixels for one of the mask.
+    /// @}
+    /// @{ The clip, which CopyEx keeps to: 0 none, 1 a rectangle, 2 the ink of a mask image, which is not owned. A
+    /// ratio above 1 is that many mask pixels for one of this image; below -1, image pixels for one of the mask.
     void SetClipRect(const tagRECT& rect);
     void GetClipRect(tagRECT& rect) const { rect = m_clipRect; }
     void SetClipMask(XCOffscreen* mask, int offsetX, int offsetY, int ratio);
     void ResetClip();
     int GetClipMode() const { return m_clipMode; }
+    /// @}
 
-    // ---- Single pixels, as XCOffscreenCursor has them
+    /// @{ Values as XCOffscreenCursor has them; outside the image white is read and nothing written.
     std::uint8_t Get1BitPixel(const int& x, const int& y) { return XCOffscreenCursor(this, x, y).Get1BitPixel(); }
     std::uint8_t Get8BitPixel(const int& x, const int& y) { return XCOffscreenCursor(this, x, y).Get8BitPixel(); }
     std::uint32_t Get24BitPixel(const int& x, const int& y) { return XCOffscreenCursor(this, x, y).Get24BitPixel(); }
@@ -98,6 +112,7 @@ public:
     void Set8BitPixel(const std::uint8_t& d, const int& x, const int& y) { cursorAt(x, y).Set8BitPixel(d); }
     void Set24BitPixel(const std::uint32_t& c, const int& x, const int& y) { cursorAt(x, y).Set24BitPixel(c); }
     void Set32BitPixel(const std::uint32_t& c, const int& x, const int& y) { cursorAt(x, y).Set32BitPixel(c); }
+    /// @}
 
     // ---- The whole image
     /// Saves to or loads from the archive; reverse: as inverted bytes, for 1 and 8 bits. A failed load leaves no
@@ -107,17 +122,19 @@ public:
     void Reverse();
     /// The tight bounds of what is not white; 0 and an empty rectangle when there is nothing.
     int GetExtentRect(tagRECT& rect);
-    // Other kinds of images. Becoming one, 2- and 16-bit pixels turn into 32 bits; the rest keep their depth. New tiled
-    // images are on the process-wide store and the caller's.
+    /// @{ Other kinds of images. Becoming one, 2- and 16-bit pixels turn into 32 bits; the rest keep their depth. New
+    /// tiled images are on the process-wide store and the caller's.
     void CopyFromOffscreen(XCVOffscreen* image);
     XCVOffscreen* CopyToOffscreen(); ///< Null without pixels.
     void CopyFromSimpleImage(XCSimpleImage* image);
     void CopyToSimpleImage(XCSimpleImage& image);
+    /// @}
 
     // ---- Fills, in the fore colour (the row buffer's: 1 bit is ink only for black). Clipped to the image.
-    void RectFill(const tagRECT& rect);
+    void RectFill(const tagRECT& rect); ///< behind right and bottom is outside
     /// The same, widened to whole groups of 32 (1 bit) or 4 (8 bits) pixels.
     void RectFillScamp(const tagRECT& rect);
+    /// From the cursor's pixel to the right; nothing for a length below 1.
     void FillLineRow(int length, const XCOffscreenCursor& cursor);
     void FillLineRow(int x0, int x1, int y); ///< Both ends included.
     /// The ellipse about the middle of the rectangle that reaches its corners' rows and columns; the last ones stay
@@ -136,17 +153,18 @@ public:
     int SeedScanFill1BitMask(XCOffscreen& mask, const tagPOINT& seed, tagRECT* changed);
 
     // ---- Lines, in the fore colour, by squares of width x width pixels
-    void Line(int x0, int y0, int x1, int y1, int width);
-    void RectFrame(const tagRECT& rect, int width);
+    void Line(int x0, int y0, int x1, int y1, int width); ///< From one end to the other, both included.
+    void RectFrame(const tagRECT& rect, int width);       ///< Four lines along the first and last rows and columns.
     /// 32 bits: mixes the fore colour into one pixel by its alpha.
     void TransparentPlot(int x, int y);
     /// Draws text with the edges of its letters mixed in, clipped to rect; line breaks are CR, LF or both. format: a
     /// sum of DT_ constants. Returns the height of the text; 0 when there is no font, and nothing is drawn.
     int DrawString(const char* text, tagRECT rect, XCFont& font, int format);
 
-    // ---- Copies: w x h pixels from (sx, sy) of src to (x, y), clipped to both images. Other depths are converted
-    // (24-bit reading and writing). Within one image they are read before any is written. 1 when a pixel was copied.
+    /// @{ Copies: w x h pixels from (sx, sy) of src to (x, y), clipped to both images. Other depths are converted
+    /// (24-bit reading and writing). Within one image they are read before any is written. 1 when a pixel was copied.
     int Copy(int x, int y, int w, int h, XCOffscreen* src, int sx, int sy);
+    /// @}
     /// Inside the clip of this image, and mixed by its transparency.
     int CopyEx(int x, int y, int w, int h, XCOffscreen* src, int sx, int sy);
     /// Widened to whole groups as RectFillScamp, where both images' pixels lie alike in them.
@@ -167,7 +185,7 @@ public:
 
     // ---- Mirrors and quarter turns
     static constexpr int cnFlipHorizontal = 0; ///< left and right change places
-    static constexpr int cnFlipVertical = 1;
+    static constexpr int cnFlipVertical = 1;   ///< top and bottom change places
     /// A mirrored image of the same depth, which the caller owns; null without pixels.
     XCOffscreen* CreateFlipImage(int direction);
     /// Puts a rectangle of src, mirrored in itself, in the same place of this image.
@@ -195,6 +213,7 @@ public:
     XCOffscreen* ExtractionColor(const tagVXRGBCOLOR16* colors, int count);
     /// The same where mask (may be null) has ink; Ex: with channels that may differ by margin.
     XCOffscreen* ExtractionColorMask(const tagVXRGBCOLOR16* colors, int count, XCOffscreen* mask);
+    /// With channels that may differ by margin.
     XCOffscreen* ExtractionColorMaskEx(const tagVXRGBCOLOR16* colors, int count, XCOffscreen* mask, int margin);
     /// Of all pixels that are not white.
     XCOffscreen* CreateMask();

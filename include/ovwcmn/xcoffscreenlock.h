@@ -13,13 +13,13 @@ class XCOffscreen;
 class OVWCMN_API XCStLockOff {
 public:
     XCStLockOff() = default;
-    explicit XCStLockOff(XCOffscreen* image);
+    explicit XCStLockOff(XCOffscreen* image); ///< locks it; null locks nothing
     XCStLockOff(const XCStLockOff&) = delete;
     XCStLockOff& operator=(const XCStLockOff&) = delete;
 
     /// A lock held before ends first; null locks nothing.
     void Lock(XCOffscreen* image);
-    void Unlock();
+    void Unlock(); ///< nothing when none is held
 
 private:
     XCOffscreen* m_image = nullptr;

@@ -30,7 +30,9 @@ public:
     XCPattern(const XCPattern&) = default;
     XCPattern& operator=(const XCPattern&) = default;
     virtual ~XCPattern();
+    /// Sets the two shape factors and the rotation.
     virtual void SetParameter(float sizeRateX, float sizeRateY, float radians);
+    /// 1 when both shape factors are equal, so that a large soft stamp needs no anti-aliasing; 0 in the base.
     virtual int IsTrueCircle() const;
     /// Stamps the tip with `position` (image pixels) as its centre and `size` pixels as its diameter. `changed` (may be
     /// null) receives the bounds of the stamp grown by one pixel and clipped to the image, and stays as it was when
@@ -41,10 +43,12 @@ public:
     /// Draws a preview through the window system; the base has none and answers 0.
     virtual int DrawGDI(XCGdi& gdi, int mode, tagPOINT position, float size, std::uint32_t color);
 
+    /// @{ What `kind` can be.
     static constexpr int cnKindCircle = 0;
     static constexpr int cnKindRect = 1;
     static constexpr int cnKindPolygon = 2;
     static constexpr int cnKindImage = 3;
+    /// @}
 
     int kind = -1;          ///< one of the constants above, -1 in the base
     float sizeRate = 1.0f;  ///< horizontal shape factor
@@ -52,7 +56,7 @@ public:
     float rotation = 0.0f;  ///< radians
 
 protected:
-    explicit XCPattern(int tipKind) : kind(tipKind) {}
+    explicit XCPattern(int tipKind) : kind(tipKind) {} ///< for the tips below
 };
 
 /// A circle, or an ellipse when the two shape factors differ; very thin ellipses are drawn as rectangles.
@@ -63,8 +67,8 @@ public:
              float pressure, int antialias) override;
 
 protected:
-    // What `Draw` chooses from. `drawn` receives the bounds of the figure and stays as it was when nothing was drawn;
-    // the bounds of a hard ellipse are those of the spans written, the others are not clipped to the image.
+    /// @{ What `Draw` chooses from. `drawn` receives the bounds of the figure and stays as it was when nothing was
+    /// drawn; the bounds of a hard ellipse are those of the spans written, the others are not clipped to the image.
     static void CircleFill(XCVOffscreen* image, double x, double y, double radius, XCFastPixelMixer* mixer,
                            XCRect& drawn);
     static void CircleFillAA(XCVOffscreen* image, double x, double y, double radius, XCFastPixelMixer* mixer,
@@ -73,6 +77,7 @@ protected:
                             XCFastPixelMixer* mixer, XCRect& drawn);
     static void EllipseFillAA(XCVOffscreen* image, double x, double y, double rx, double ry, double angle,
                               XCFastPixelMixer* mixer, XCRect& drawn);
+    /// @}
 };
 
 /// A rectangle, square when both shape factors are equal.
@@ -89,9 +94,11 @@ class OVWCMN_API XCPolygonPattern : public XCPattern {
 public:
     /// The triangle (0, -1), (1, 1), (-1, 1).
     XCPolygonPattern();
+    /// @{ Corners in tip units; see the class.
     explicit XCPolygonPattern(const XCTArray<tagPOINTD>* polygon);
     XCPolygonPattern(const tagPOINT* points, int count, float scale);
     void SetPolygon(const XCTArray<tagPOINTD>* polygon);
+    /// @}
     /// Vertices (x * scale, y * scale).
     void SetPolygon(const tagPOINT* points, int count, float scale);
     /// A triangle or rectangle within the bounds, or a regular polygon of 5 to 16 corners of diameter right - left.
@@ -100,7 +107,7 @@ public:
     int Draw(XCRect* changed, XCVOffscreen* image, XCFastPixelMixer* mixer, XCPointD position, float size,
              float pressure, int antialias) override;
 
-    XCTArray<tagPOINTD> vertices;
+    XCTArray<tagPOINTD> vertices; ///< the corners in order
 };
 
 /// One end of a bended tip.
@@ -119,8 +126,10 @@ public:
     static constexpr int cnThumbnailSize = 64;
 
     XCImagePattern();
+    /// @{ A copy has an image of its own.
     XCImagePattern(const XCImagePattern& other);
     XCImagePattern& operator=(const XCImagePattern& other);
+    /// @}
     ~XCImagePattern() override;
 
     /// Takes a copy of the tiled image; null or an image without pixels leaves the tip empty.

@@ -29,10 +29,10 @@ class StampSetup;
 
 /// The target as the application describes it. The engine reads scale and clip and keeps the rest for the application.
 struct PDOFFSCREENINFO {
-    void* applicationHead[4] = {};
-    double scale = 1.0; ///< logical units a pixel; 0 stands for 1
-    XCRect clip;        ///< pixels
-    void* applicationTail[4] = {};
+    void* applicationHead[4] = {}; ///< not read
+    double scale = 1.0;            ///< logical units a pixel; 0 stands for 1
+    XCRect clip;                   ///< pixels
+    void* applicationTail[4] = {}; ///< not read
 };
 
 /// How stamps meet the image, and the images that take part. Owns the two caches of a stroke; target, cache reference,
@@ -67,12 +67,13 @@ public:
                          int afterCache);
     /// Locks every image for a stroke. @return 1
     int BeginMethod();
-    void EndMethod();
+    void EndMethod(); ///< Unlocks every image; the caches stay.
     /// Unlocks everything, deletes the caches and forgets all images.
     void ReleaseOffscreen();
     /// Empties the caches: the next stamp begins a new stroke.
     void ClearTempImage();
 
+    /// @{ What was set, and the caches made for it (null without).
     XCVOffscreen* GetOffscreen() const { return m_target; }
     XCVOffscreen* GetCacheOffscreen() const { return m_cache.get(); }
     XCVOffscreen* GetCacheColorOffscreen() const { return m_colorCache.get(); }
@@ -82,6 +83,7 @@ public:
     std::uint8_t* GetTextureImage() const { return m_texture.texels; }
     void GetTextureInfo(int& width, int& height, XCPoint& offset, int& density, int& mode, int& afterCache) const;
     int GetMethodKind() const { return m_methodKind; }
+    /// @}
 
 private:
     friend class ovw::brush::StampSetup;
@@ -128,6 +130,7 @@ public:
     XCPatternDraw& operator=(const XCPatternDraw&) = delete;
     ~XCPatternDraw();
 
+    /// The method (may be null) stays the caller's. Not while a stroke is under way.
     void SetOffscreen(const PDOFFSCREENINFO& info, XCPatternDrawMethod* method);
     /// Begins a stroke with a copy of the brush and fresh random numbers. @return 1
     int BeginDraw(const XCPatternDrawParam* param);
@@ -161,13 +164,15 @@ public:
     void SetAbortProc(int (*proceed)()) { m_abortProc = proceed; }
     /// A flag (may be null) that any thread may set to stop the stroke.
     void SetAbortFlag(std::int32_t* flag) { m_abortFlag = flag; }
+    /// Cancels the stroke.
     void ProcessAbort();
+    /// 1 between BeginDraw and EndDraw.
     int IsDrawing() const { return m_isDrawing; }
     /// Why the last stroke stopped before its end: 0 when it did not, 0x20010004 when it was cancelled, else the code
     /// of the error that was caught. EndDraw keeps it, BeginDraw and ReStartDraw clear it.
     int GetStopCode() const { return m_stopCode; }
 
-    // Logical units to pixels and back. Integers are truncated toward zero.
+    /// @{ Logical units to pixels and back. Integers are truncated toward zero.
     int ValueLogToOffscr(int value) const;
     double ValueLogToOffscrD(double value) const { return value * m_logToOffscr; }
     int ValueOffscrToLog(int value) const;
@@ -181,10 +186,11 @@ public:
     XCRect RectOffscrToLog(const XCRect& rect) const;
     XCRectD RectOffscrToLogD(const XCRectD& rect) const;
     double GetScaleLogToOffscr() const { return m_logToOffscr; }
-    int GetDivSCurveLength() const { return m_divSCurveLength; }
+    /// @}
+    int GetDivSCurveLength() const { return m_divSCurveLength; } ///< 1; kept for callers
     /// The clip rectangle in logical units.
     XCRect GetClipLog() const { return RectOffscrToLog(m_info.clip); }
-    XCPatternDrawMethod* GetDrawMethod() const { return m_method; }
+    XCPatternDrawMethod* GetDrawMethod() const { return m_method; } ///< null before SetOffscreen
 
 private:
     class PaintedPart;

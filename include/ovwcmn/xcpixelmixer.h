@@ -23,10 +23,12 @@ public:
     XCPixelMixer(const XCPixelMixer&) = default;
     XCPixelMixer& operator=(const XCPixelMixer&) = default;
 
+    /// @{ Mixes one pixel; what is handed on goes to the next mixer in the chain.
     virtual void Do2Bit(std::uint8_t* p, std::uint8_t value, std::uint8_t weight);
     virtual void Do8Bit(std::uint8_t* p, std::uint8_t value, std::uint8_t weight);
     virtual void Do24Bit(std::uint32_t* p, std::uint32_t colour, std::uint8_t weight);
     virtual void Do32Bit(std::uint32_t* p, std::uint32_t colour, std::uint8_t weight);
+    /// @}
     virtual ~XCPixelMixer();
 
     /// The mixer behind this one in its chain, null at the end.
@@ -36,14 +38,15 @@ public:
     /// Not 0: XCPixelMixerBlend leaves the alpha of 32-bit pixels alone. (The other rules that write an alpha exist to
     /// change it.)
     void SetNotChangeAlpha(int keep) { m_keepAlpha = keep; }
-    int IsNotChangeAlpha() const { return m_keepAlpha; }
+    int IsNotChangeAlpha() const { return m_keepAlpha; } ///< as set
 
 protected:
-    // Hand the pixel to the next mixer, if there is one.
+    /// @{ Hand the pixel to the next mixer, if there is one.
     void Do2BitNext(std::uint8_t* p, std::uint8_t value, std::uint8_t weight);
     void Do8BitNext(std::uint8_t* p, std::uint8_t value, std::uint8_t weight);
     void Do24BitNext(std::uint32_t* p, std::uint32_t colour, std::uint8_t weight);
     void Do32BitNext(std::uint32_t* p, std::uint32_t colour, std::uint8_t weight);
+    /// @}
     /// a + b, at most max.
     static int AddColorChannel(int a, int b, int max);
     /// a - b, at least 0.
@@ -55,10 +58,12 @@ private:
     XCPixelMixer* m_next = nullptr;
 
 protected:
+    /// @{ see SetChannelRange
     int m_channelMin = 0;
     int m_channelMax = 255;
+    /// @}
     int m_channelMax16 = 65535; ///< the maximum for 16-bit channels
-    int m_keepAlpha = 0;
+    int m_keepAlpha = 0;        ///< see SetNotChangeAlpha
 };
 
 /// Paints the colour over the pixel. A colour without alpha and a weight of 0 change nothing.
@@ -80,54 +85,60 @@ public:
 /// Adds to the ink or to the three colour channels within the channel range, or subtracts; the alpha is kept.
 class OVWCMN_API XCPixelMixerAddAndSubtract : public XCPixelMixer {
 public:
+    /// What `subtract` begins as.
     explicit XCPixelMixerAddAndSubtract(int isSubtracting = 0) : subtract(isSubtracting) {}
 
     void Do8Bit(std::uint8_t* p, std::uint8_t value, std::uint8_t weight) override;
     void Do32Bit(std::uint32_t* p, std::uint32_t colour, std::uint8_t weight) override;
 
-    int subtract;
+    int subtract; ///< 0: adds
 };
 
 /// Raises the pixel's ink or alpha to the weighted value, or lowers it there when lightening; a 32-bit pixel then takes
 /// the colour along.
 class OVWCMN_API XCPixelMixerDarkenAndLighten : public XCPixelMixer {
 public:
+    /// What `lighten` begins as.
     explicit XCPixelMixerDarkenAndLighten(int isLightening = 0) : lighten(isLightening) {}
 
     void Do8Bit(std::uint8_t* p, std::uint8_t value, std::uint8_t weight) override;
     void Do32Bit(std::uint32_t* p, std::uint32_t colour, std::uint8_t weight) override;
 
-    int lighten;
+    int lighten; ///< 0: darkens
 };
 
 /// Erases, or darkens or lightens what is painted by a fifth of the weighted value at most 51. Other modes change
 /// nothing.
 class OVWCMN_API XCPixelMixerCorrect : public XCPixelMixer {
 public:
+    /// @{ What `mode` can be.
     static constexpr int cnErase = 0;
     static constexpr int cnDarken = 1;
     static constexpr int cnLighten = 2;
+    /// @}
 
-    explicit XCPixelMixerCorrect(int startMode = cnErase) : mode(startMode) {}
+    explicit XCPixelMixerCorrect(int startMode = cnErase) : mode(startMode) {} ///< one of them
 
     void Do8Bit(std::uint8_t* p, std::uint8_t value, std::uint8_t weight) override;
     void Do32Bit(std::uint32_t* p, std::uint32_t colour, std::uint8_t weight) override;
 
-    int mode;
+    int mode; ///< one of them
 };
 
 /// Adds the weight to the ink or alpha, or subtracts it; value and colour do not matter. Other modes change nothing.
 class OVWCMN_API XCPixelMixerAlphaEdit : public XCPixelMixer {
 public:
+    /// @{ What `mode` can be.
     static constexpr int cnAdd = 0;
     static constexpr int cnSubtract = 1;
+    /// @}
 
-    explicit XCPixelMixerAlphaEdit(int startMode = cnSubtract) : mode(startMode) {}
+    explicit XCPixelMixerAlphaEdit(int startMode = cnSubtract) : mode(startMode) {} ///< one of them
 
     void Do8Bit(std::uint8_t* p, std::uint8_t value, std::uint8_t weight) override;
     void Do32Bit(std::uint32_t* p, std::uint32_t colour, std::uint8_t weight) override;
 
-    int mode;
+    int mode; ///< one of them
 };
 
 /// Collects the pixels that it meets into an average and smears the colour handed in, the one carried along, over them.
@@ -135,7 +146,7 @@ public:
 /// fades the pixel. Clear the average between dabs or strokes.
 class OVWCMN_API XCPixelMixerSmudge : public XCPixelMixer {
 public:
-    explicit XCPixelMixerSmudge(int isSampling = 0) : sampleOnly(isSampling) {}
+    explicit XCPixelMixerSmudge(int isSampling = 0) : sampleOnly(isSampling) {} ///< what `sampleOnly` begins as
 
     void Do8Bit(std::uint8_t* p, std::uint8_t value, std::uint8_t weight) override;
     void Do32Bit(std::uint32_t* p, std::uint32_t colour, std::uint8_t weight) override;
@@ -146,7 +157,7 @@ public:
     /// the sums of 8-bit pixels scaled up for it, nor is its alpha thinned.
     /// @return 0, leaving `out` alone, before the first pixel was met
     int GetAverageColor64(std::uint64_t& out) const;
-    void ClearAverageColor() { m_average = {}; }
+    void ClearAverageColor() { m_average = {}; } ///< Before the next dab or stroke.
 
     /// Not 0: only collect.
     int sampleOnly;
@@ -155,8 +166,8 @@ protected:
     using XCPixelMixer::AddColorChannel;
     /// Counts a pixel that is not empty; the channels of one average must all be 8 or all be 16 bits wide.
     void AddColorChannel(std::uint32_t a, std::uint32_t c0, std::uint32_t c1, std::uint32_t c2);
-    void AddColorChannel8(std::uint8_t value);
-    void AddColorChannel32(std::uint32_t pixel);
+    void AddColorChannel8(std::uint8_t value);   ///< ink, as the alpha of a black pixel
+    void AddColorChannel32(std::uint32_t pixel); ///< 0xAABBGGRR
     /// A pixel packed as GetAverageColor64 says.
     void AddColorChannel64(std::uint64_t pixel);
 

@@ -20,8 +20,10 @@ class GaussRow;
 class OVWCMN_API XCPlotGauss {
 public:
     XCPlotGauss() = default;
+    /// @{ A copy has a table of its own.
     XCPlotGauss(const XCPlotGauss&);
     XCPlotGauss& operator=(const XCPlotGauss&);
+    /// @}
     virtual ~XCPlotGauss();
 
     /// radius: where the falloff ends, in pixels, at least 0.1. tableRadius: with allowTable and radii that are not

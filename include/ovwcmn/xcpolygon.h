@@ -22,7 +22,7 @@ enum class FillRule;
 
 /// The corners of a triangle.
 struct TTrianglePos {
-    tagPOINTD points[3];
+    tagPOINTD points[3]; ///< pixels
 };
 
 /// A list of polygon vertices, in pixels. Adding may throw XCException (out of memory).
@@ -30,11 +30,11 @@ class OVWCMN_API XCPolyVertex {
 public:
     /// @return 1
     int Add(double x, double y);
-    int Num() const;
+    int Num() const; ///< vertices in the list
     /// Points `out` at a vertex, valid until the list changes.
     /// @return 0, with a null pointer, for an index outside the list
     int Get(tagPOINTD** out, int index);
-    void Clear();
+    void Clear(); ///< back to an empty list
     /// The smallest rectangle that holds every vertex, truncated toward zero; all zero for an empty list.
     void PolygonBox(tagRECT* box) const;
     /// The whole list, valid until it changes.
@@ -53,6 +53,7 @@ private:
 /// line: rows above that line are painted by then.
 class OVWCMN_API XCPolygon {
 public:
+    /// Through the mixer, which is set up for the image.
     explicit XCPolygon(XCFastPixelMixer* mixer) : m_fastMixer(mixer) {}
     /// Through the per-pixel mixer and a mask (may be null). A clone source is placed so that its clone point shows in
     /// the middle of the figure's bounds.
@@ -61,6 +62,7 @@ public:
     /// ones blend over them.
     XCPolygon(std::uint32_t color, XCVOffPixelMask* mask) : m_pixelMask(mask), m_color(color), m_hasColor(true) {}
 
+    /// Even-odd rule, hard edges.
     int DrawTriangle(tagRECT* changed, XCVOffscreen* image, const TTrianglePos* triangle);
     /// Even-odd rule, hard edges.
     int DrawPolygon(tagRECT* changed, XCVOffscreen* image, const XCPolyVertex* polygon, const tagRECT* clip);
@@ -74,6 +76,7 @@ public:
     /// An ellipse turned by `angle` radians about its centre, as a polygon of 32 to 512 corners.
     int DrawEllipse(tagRECT* changed, XCVOffscreen* image, double cx, double cy, double width, double height,
                     double angle, int antialias, const tagRECT* clip);
+    /// The same unturned.
     int DrawEllipse(tagRECT* changed, XCVOffscreen* image, double cx, double cy, double width, double height,
                     int antialias, const tagRECT* clip);
 

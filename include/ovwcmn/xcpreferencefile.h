@@ -33,12 +33,13 @@ public:
     int OpenPreferenceFile(int forWriting, const XCFilePath& path);
     /// Writes the file, also when nothing was set. When that fails the settings stay, and closing can be tried again.
     void ClosePreferenceFile();
-    int IsValid() const;
-    const XCFilePath& GetFilePath() const;
+    int IsValid() const;                   ///< 1 while a file is open
+    const XCFilePath& GetFilePath() const; ///< empty while none is
 
     /// @name Setting
     /// What is set while the file is not open for writing is forgotten when it is closed.
     /// @{
+    /// A number in binary, or a text or path as it is.
     void SetPreferenceFile(const char* label, std::int16_t value);
     void SetPreferenceFile(const char* label, std::uint16_t value);
     void SetPreferenceFile(const char* label, std::int32_t value);
@@ -67,7 +68,7 @@ public:
     /// 1, or 0 and the value left alone when a label is missing or has another size, and while the file is not open for
     /// reading. An unsigned int and a number may be larger in the file.
     /// @{
-    int GetPreferenceFile(const char* label, std::int16_t& value);
+    int GetPreferenceFile(const char* label, std::int16_t& value); ///< The value as it was set.
     int GetPreferenceFile(const char* label, std::uint16_t& value);
     int GetPreferenceFile(const char* label, std::int32_t& value);
     int GetPreferenceFile(const char* label, std::uint32_t& value);

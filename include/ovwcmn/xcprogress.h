@@ -23,7 +23,7 @@ public:
     virtual void Begin(std::uint32_t total) = 0;
     /// `count` further units are done.
     virtual void Step(std::uint32_t count) = 0;
-    virtual void End() = 0;
+    virtual void End() = 0; ///< The operation is over.
 };
 
 #endif // OVWCMN_XCPROGRESS_H

@@ -21,8 +21,8 @@ class XCStringArray;
 /// throw the system's code. One thread at a time; of two programs that write one key the last to close wins.
 class OVWCMN_API XCRegKey {
 public:
-    static constexpr std::uint16_t cnRead = 1;
-    static constexpr std::uint16_t cnWrite = 2;
+    static constexpr std::uint16_t cnRead = 1;  ///< open for reading
+    static constexpr std::uint16_t cnWrite = 2; ///< open for writing
 
     XCRegKey();
     XCRegKey(const XCRegKey&) = delete;
@@ -34,19 +34,20 @@ public:
     /// creates the missing ones. Without it `folder` is the key's folder, or the value file itself. 1, or 0 when a
     /// folder is missing for reading (a missing value file is none) and for flags that name neither way.
     int Open(const XCFilePath& folder, const char* subKey, std::uint16_t flags);
-    int Open(const XCRegKey& parent, const char* subKey, std::uint16_t flags);
+    int Open(const XCRegKey& parent, const char* subKey, std::uint16_t flags); ///< A key below an open one.
     /// Whether the folder exists.
     static int IsExistKey(const XCFilePath& folder, const char* subKey);
     /// Writes nothing when nothing was set. When writing fails the values stay, and closing can be tried again.
     void Close();
 
-    const XCFilePath& GetFilePath() const;
+    const XCFilePath& GetFilePath() const; ///< of the value file; empty while closed
     /// Bytes: of the file while reading, of what was set so far while writing; 0 while closed.
     std::uint32_t GetFileSize() const;
 
     /// @name Setting
     /// Throws 0x20010008 unless open for writing, for an empty label and for values of no or over 32767 bytes.
     /// @{
+    /// The value in binary: a number, or the fields of a struct; a path as its text.
     void SetValue(const std::uint8_t& value, const char* label);
     void SetValue(const std::int16_t& value, const char* label);
     void SetValue(const std::uint16_t& value, const char* label);
@@ -78,7 +79,7 @@ public:
     /// 1, or 0 and the value left alone when the label is missing or its size is another, and unless open for reading.
     /// Only the size is compared: a value may be read as another type of the same size.
     /// @{
-    int GetValue(std::uint8_t& value, const char* label);
+    int GetValue(std::uint8_t& value, const char* label); ///< The value as it was set.
     int GetValue(std::int16_t& value, const char* label);
     int GetValue(std::uint16_t& value, const char* label);
     int GetValue(std::int32_t& value, const char* label);

@@ -22,8 +22,10 @@ public:
     XCSimpleImage& operator=(const XCSimpleImage&) = delete;
     virtual ~XCSimpleImage() = default;
 
+    /// @{ Pixels.
     int GetWidth() const { return m_width; }
     int GetHeight() const { return m_height; }
+    /// @}
     /// Bits that a pixel takes here, at least 8.
     int GetBitCount() const { return m_bitCount > 8 ? m_bitCount : 8; }
     /// The depth of the tiled image; 0 for an image without pixels.
@@ -75,7 +77,7 @@ private:
 class OVWCMN_API XCAutoLockSimpleImage {
 public:
     XCAutoLockSimpleImage() = default;
-    explicit XCAutoLockSimpleImage(XCSimpleImage* image);
+    explicit XCAutoLockSimpleImage(XCSimpleImage* image); ///< locks it; null locks nothing
     XCAutoLockSimpleImage(const XCAutoLockSimpleImage&) = delete;
     XCAutoLockSimpleImage& operator=(const XCAutoLockSimpleImage&) = delete;
     ~XCAutoLockSimpleImage();

@@ -18,11 +18,12 @@ template <class T>
 class OwningArray {
 public:
     OwningArray() = default;
-    OwningArray(const OwningArray& other) { appendCopies(other); }
+    OwningArray(const OwningArray& other) { appendCopies(other); } ///< Copies the objects; throws what that throws.
+    /// Deletes its objects, then holds copies of the other's; after an error it is as it was.
     OwningArray& operator=(const OwningArray& other);
     virtual ~OwningArray() { AllDelete(); }
 
-    int GetSize() const { return m_elements.GetSize(); }
+    int GetSize() const { return m_elements.GetSize(); } ///< elements
     /// Unchecked: 0 <= index < size. The array keeps the object.
     T* GetAt(int index) const { return m_elements.GetAt(index); }
     /// Takes the object over, also when it throws.
@@ -33,7 +34,9 @@ public:
     void RemoveAt(int index) { m_elements.RemoveAt(index); }
     /// Forgets all objects without deleting them.
     void Clear() { m_elements.Clear(); }
+    /// Deletes all objects.
     void AllDelete();
+    /// The pointers; what owns them stays.
     XCTArray<T*>* GetArrayPointer() { return &m_elements; }
 
 private:
@@ -79,8 +82,10 @@ void OwningArray<T>::appendCopies(const OwningArray& other) {
 
 } // namespace ovw::persistence
 
+/// Texts in the current code page that it owns.
 class OVWCMN_API XCStringArray : public ovw::persistence::OwningArray<XCString> {};
 
+/// UTF-16 texts that it owns.
 class OVWCMN_API XCWideStringArray : public ovw::persistence::OwningArray<XCWideString> {};
 
 #endif // OVWCMN_XCSTRINGARRAY_H

@@ -30,7 +30,9 @@ public:
     virtual ~XCStroke();
     /// Empties the stroke and begins it at the point.
     virtual void FirstStore(const XCStrokePoint& point) = 0;
+    /// Goes on to the point.
     virtual void Store(const XCStrokePoint& point) = 0;
+    /// Empties the stroke.
     virtual void Clear() = 0;
     /// Appends the vertices of what is stored. `length` (may be null) receives their logical length. With `consume` the
     /// samples are used up and the next call starts with a copy of the last vertex handed out; without it they stay.
@@ -38,7 +40,7 @@ public:
 
     /// All seven fields of a + (b - a) * t; t is not clamped. `out` may be one of the ends.
     static void GetInterlatePoint(XCStrokePoint* out, double t, const XCStrokePoint* a, const XCStrokePoint* b);
-    static double GetPointLength(const XCStrokePoint* a, const XCStrokePoint* b);
+    static double GetPointLength(const XCStrokePoint* a, const XCStrokePoint* b); ///< logical units
     /// The drawing direction from a to b in radians, 0 to 2 pi: up is 0, right pi / 2, down pi. It follows `previous`
     /// by at most one degree a logical unit, except for turns above 90 degrees; `raw` switches that smoothing off.
     static double GetStrokeDirection(const XCStrokePoint* a, const XCStrokePoint* b, double previous, int raw);

@@ -21,16 +21,20 @@ class XCVMHandlePool;
 
 /// A node of the swap's list of all blocks.
 struct XCSwapListItem {
-    XCSwapBlock* block;
+    XCSwapBlock* block; ///< of this node; null for none
+    /// @{ Null at the ends.
     XCSwapListItem* next;
     XCSwapListItem* previous;
+    /// @}
 };
 
 /// A node of the cache's list of resident blocks.
 struct XCVMCacheListItem {
-    XCSwapBlock* block;
+    XCSwapBlock* block; ///< of this node; null for none
+    /// @{ Null at the ends.
     XCVMCacheListItem* next;
     XCVMCacheListItem* previous;
+    /// @}
 };
 
 namespace ovw::vimage {
@@ -46,12 +50,12 @@ public:
     void* Lock() const;
     /// Undoes one lock; nothing for an empty handle.
     void Unlock() const;
-    bool IsEmpty() const { return !m_pPool && !m_hOwn; }
+    bool IsEmpty() const { return !m_pPool && !m_hOwn; } ///< 1 without memory
 
-    XCVMHandlePool* m_pPool = nullptr;
-    std::uint32_t m_nSlot = 0;
-    VXHANDLE m_hOwn = nullptr;
-    std::uint32_t m_nUnitSize = 0; ///< bytes
+    XCVMHandlePool* m_pPool = nullptr; ///< null for a block of its own
+    std::uint32_t m_nSlot = 0;         ///< of the pool
+    VXHANDLE m_hOwn = nullptr;         ///< null for a slot of a pool
+    std::uint32_t m_nUnitSize = 0;     ///< bytes
 };
 
 /// One block of the store: its place in the swap file, its memory and its flags. The swap owns the object
@@ -60,6 +64,7 @@ public:
 class OVWCMN_API XCSwapBlock {
 public:
     XCSwapBlock() = default;
+    /// A place in the swap file (equal positions: none) and a size in bytes.
     XCSwapBlock(std::uint64_t begin, std::uint64_t end, std::uint64_t size);
     ~XCSwapBlock();
     XCSwapBlock(const XCSwapBlock&) = delete;
@@ -76,35 +81,41 @@ public:
     /// Gives the memory back without writing it.
     void FreeOnMemory(XCVirtualMemory* vm);
 
+    /// @{ Bytes from the start of the swap file; equal when it has no place.
     std::uint64_t GetBeginPos() const { return m_nBegin; }
     std::uint64_t GetEndPos() const { return m_nEnd; }
+    /// @}
     /// Sets the place in the swap file; equal positions mean none.
     void SetPos(std::uint64_t begin, std::uint64_t end);
-    std::uint64_t GetSize() const { return m_nSize; }
+    std::uint64_t GetSize() const { return m_nSize; } ///< bytes, whole sectors
 
-    const XCVMHandle& GetMemory() const { return m_memory; }
+    const XCVMHandle& GetMemory() const { return m_memory; } ///< empty when not resident
     /// Also clears the edit and the locked flag.
     void SetMemory(const XCVMHandle& memory);
+    /// @{ 1: the memory differs from the swap file.
     int GetEditFlag() const { return m_bEdit; }
     void SetEditFlag(int edit) { m_bEdit = edit; }
-    int IsLocked() const { return m_bLocked; }
+    /// @}
+    int IsLocked() const { return m_bLocked; } ///< 1 after Lock, 0 after any Unlock
     /// 1 while a lock of the memory is not yet undone, so that somebody may hold its address.
     int IsInUse() const { return m_nLockCount > 0; }
-    int IsOnMemory() const { return !m_memory.IsEmpty(); }
-    int IsSwapped() const { return m_nBegin != m_nEnd; }
-    int IsEnable() const { return IsOnMemory() || IsSwapped(); }
-    int IsTemporary() const { return m_bTemporary; }
+    int IsOnMemory() const { return !m_memory.IsEmpty(); }       ///< 1 when resident
+    int IsSwapped() const { return m_nBegin != m_nEnd; }         ///< 1 with a place in the swap file
+    int IsEnable() const { return IsOnMemory() || IsSwapped(); } ///< 1 when the contents are somewhere
+    int IsTemporary() const { return m_bTemporary; }             ///< see SetTemporary
     /// A temporary block is never written: eviction drops its contents.
     void SetTemporary(int temporary);
-    int IsAbsoluteProtect() const { return m_bAbsoluteProtect; }
+    int IsAbsoluteProtect() const { return m_bAbsoluteProtect; } ///< see SetAbsoluteProtect
     /// Protects from eviction for the value 1; any other value ends the protection and forgets the protect address.
     void SetAbsoluteProtect(int protect);
     /// The address that the last lock gave; null once the memory is freed.
     void* GetProtectAddress() const { return m_pProtect; }
+    /// @{ The nodes of the lists that it is in; null in none.
     XCSwapListItem* GetSwapListItem() const { return m_pSwapItem; }
     void SetSwapListItem(XCSwapListItem* item) { m_pSwapItem = item; }
     XCVMCacheListItem* GetVMCacheListItem() const { return m_pCacheItem; }
     void SetVMCacheListItem(XCVMCacheListItem* item) { m_pCacheItem = item; }
+    /// @}
 
     /// Temporary blocks alive in this process: while there is none, no pass over the resident blocks looks for them.
     static int GetTemporaryCount() { return s_nTemporary.load(std::memory_order_relaxed); }
@@ -128,22 +139,27 @@ private:
 /// One free extent [begin, end) of the swap file, in bytes.
 class OVWCMN_API XCGarbageBlock {
 public:
+    /// What came of a request.
     enum RequestType { REQUEST_TOO_SMALL = 0, REQUEST_SPLIT = 1, REQUEST_EXACT = 2 };
 
     XCGarbageBlock() = default;
-    XCGarbageBlock(std::uint64_t begin, std::uint64_t end, std::uint64_t size);
+    XCGarbageBlock(std::uint64_t begin, std::uint64_t end, std::uint64_t size); ///< an extent as it is
 
     /// Takes `size` bytes from the front; the place goes to *position unless the extent is too small.
     RequestType Request(std::uint64_t* position, std::uint64_t size);
+    /// @{ Bytes; nothing checks them against each other.
     std::uint64_t GetSize() const { return m_nSize; }
     void SetSize(std::uint64_t size) { m_nSize = size; }
     std::uint64_t GetBeginPos() const { return m_nBegin; }
     void SetBeginPos(std::uint64_t begin) { m_nBegin = begin; }
     std::uint64_t GetEndPos() const { return m_nEnd; }
     void SetEndPos(std::uint64_t end) { m_nEnd = end; }
+    /// @}
     void Resize(std::uint64_t grow);        ///< The end moves on by `grow` bytes.
     void ResizeForward(std::uint64_t grow); ///< The beginning moves back by `grow` bytes.
+    /// By their beginnings.
     bool operator<(const XCGarbageBlock& other) const { return m_nBegin < other.m_nBegin; }
+    /// In beginning, end and size.
     bool operator==(const XCGarbageBlock& other) const;
 
 private:
@@ -163,7 +179,7 @@ public:
 
     /// Starts anew with the one free extent [0, size).
     void Create(std::uint32_t size);
-    void Destroy();
+    void Destroy(); ///< no extents
     /// 1 and the place in *position when an extent has `size` bytes, else 0.
     int Request(std::uint64_t* position, std::uint64_t size);
     /// Gives [begin, end) back, merged with the free neighbours on both sides.
@@ -171,8 +187,10 @@ public:
     /// The file has grown by `grow` bytes from `oldEnd` on.
     void Enlarge(std::uint32_t grow, std::uint64_t oldEnd);
 
+    /// @{ The extents in their order, 0 <= index < count.
     int GetCount() const { return static_cast<int>(m_arrExtent.size()); }
     const XCGarbageBlock& GetAt(int index) const { return *m_arrExtent[static_cast<std::size_t>(index)]; }
+    /// @}
 
 protected:
     /// A spare extent object, all zero.
@@ -212,10 +230,11 @@ public:
     /// Fills `data` with the block's bytes; 0 when it has no place or cannot be read in full. Never throws.
     int Read(void* data, XCSwapBlock* block);
 
-    std::uint64_t GetSwapSize() const { return m_nSwapSize.load(std::memory_order_relaxed); }
+    std::uint64_t GetSwapSize() const { return m_nSwapSize.load(std::memory_order_relaxed); } ///< bytes of the file
+    /// Bytes of it that hold blocks.
     std::uint64_t GetUsedTotalSize() const { return m_nUsedTotal.load(std::memory_order_relaxed); }
-    std::uint32_t GetUsedBlockCount() const;
-    std::uint32_t GetSectorSize() const { return m_nSectorSize; }
+    std::uint32_t GetUsedBlockCount() const;                      ///< blocks allocated
+    std::uint32_t GetSectorSize() const { return m_nSectorSize; } ///< bytes
 
 private:
     int Enlarge(std::uint32_t size);

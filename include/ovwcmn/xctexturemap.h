@@ -12,27 +12,31 @@ class XCVOffscreen;
 
 /// A corner of a mapping: pixel (x, y) of the target shows place (u, v) of the source.
 struct TTexMapVertex {
+    /// @{ In the target, pixels.
     double x = 0.0;
     double y = 0.0;
+    /// @}
+    /// @{ In the source, pixels.
     double u = 0.0;
     double v = 0.0;
+    /// @}
 };
 
 /// The three or four corners of a mapping, in order around it.
 class OVWCMN_API XCTexMapVertex {
 public:
-    static constexpr int cnMaxVertices = 4;
+    static constexpr int cnMaxVertices = 4; ///< corners at most
 
     /// @return 1; 0, and nothing changes, when there are four vertices already
     int Add(double x, double y, double u, double v);
     /// Null outside 0 to 3.
     TTexMapVertex* Vertex(int index);
-    const TTexMapVertex* Vertex(int index) const;
-    void Clear() { count = 0; }
+    const TTexMapVertex* Vertex(int index) const; ///< Null outside 0 to 3.
+    void Clear() { count = 0; }                   ///< no corners
     /// The place of a vertex in the target; nothing is stored outside 0 to 3.
     void GetDest(double* x, double* y, int index) const;
 
-    int count = 0;
+    int count = 0; ///< 0 to 4
 
 private:
     TTexMapVertex m_vertices[cnMaxVertices];
@@ -46,6 +50,7 @@ private:
 /// that are not numbers and for empty mappings; throws only what the block store throws.
 class OVWCMN_API XCTextureMap {
 public:
+    /// The mixer stays the caller's.
     XCTextureMap(XCFastPixelMixer* mixer, int antialias) : m_mixer(mixer), m_antialias(antialias) {}
 
     /// Maps a triangle or a quadrilateral; inside, the source place changes evenly along every row.

@@ -21,9 +21,9 @@ public:
     XCCriticalSection& operator=(const XCCriticalSection&) = delete;
     virtual ~XCCriticalSection();
 
-    void Initialize();
-    void Delete();
-    void EnterSection();
+    void Initialize();   ///< from now on it locks
+    void Delete();       ///< from now on it does nothing
+    void EnterSection(); ///< Waits while another thread is inside; entries nest.
     /// By the thread that entered, once for every entry.
     void LeaveSection();
 
@@ -36,14 +36,14 @@ private:
 class OVWCMN_API XCCriticalSectionAutoLeave {
 public:
     XCCriticalSectionAutoLeave() = default;
-    explicit XCCriticalSectionAutoLeave(XCCriticalSection* section) { Enter(section); }
+    explicit XCCriticalSectionAutoLeave(XCCriticalSection* section) { Enter(section); } ///< enters it
     XCCriticalSectionAutoLeave(const XCCriticalSectionAutoLeave&) = delete;
     XCCriticalSectionAutoLeave& operator=(const XCCriticalSectionAutoLeave&) = delete;
     virtual ~XCCriticalSectionAutoLeave();
 
     /// Null is ignored. A section already held is left first.
     void Enter(XCCriticalSection* section);
-    void Leave();
+    void Leave(); ///< nothing when none is held
 
 private:
     XCCriticalSection* m_section = nullptr;
@@ -58,7 +58,7 @@ struct ThreadState;
 /// Everything is called by the owning thread, except Sleep and Abort (the worker) and WakeUp (any thread).
 class OVWCMN_API XCThread {
 public:
-    using AbortProc = int (*)();
+    using AbortProc = int (*)(); ///< 1: the worker is to stop
 
     XCThread();
     XCThread(const XCThread&) = delete;
@@ -68,7 +68,7 @@ public:
 
     /// Starts the body with `param`; 1 when a thread was started. A thread still held is closed first.
     int CreateThread(void* param);
-    int IsCreateThread() const;
+    int IsCreateThread() const; ///< 1 while a thread is held
     /// Lets go of the thread, which runs on; a Sleep under way ends. 1, also when there was none.
     int CloseThread();
     /// Waits for WakeUp, at most `ms` milliseconds (0xFFFFFFFF: without limit). 1 when the time ran out, 0 when woken
@@ -78,7 +78,7 @@ public:
     void WakeUp();
     /// Waits for the body to return; WAIT_OBJECT_0, 128 when there is no thread, 0xFFFFFFFF in the worker itself.
     std::uint32_t WaitForSignal();
-    void SetAbortProc(AbortProc proc);
+    void SetAbortProc(AbortProc proc); ///< null takes it back
     /// The answer of the procedure, 0 when none is set.
     int Abort();
 

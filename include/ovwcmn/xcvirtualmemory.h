@@ -19,7 +19,7 @@ class XCCriticalSection;
 /// locks.
 class OVWCMN_API XCVMHandlePool {
 public:
-    static constexpr std::uint32_t cnPoolBytes = 0x100000;
+    static constexpr std::uint32_t cnPoolBytes = 0x100000; ///< bytes of a chunk
 
     /// Takes `memory`, a movable block of cnPoolBytes, over; `isFresh` when nobody has touched it yet.
     XCVMHandlePool(VXHANDLE memory, std::uint32_t unitSize, bool isFresh);
@@ -27,17 +27,24 @@ public:
     XCVMHandlePool(const XCVMHandlePool&) = delete;
     XCVMHandlePool& operator=(const XCVMHandlePool&) = delete;
 
-    bool HasFreeSlot() const { return m_nFree > 0; }
-    bool IsEmpty() const { return m_nFree == m_nSlots; }
+    bool HasFreeSlot() const { return m_nFree > 0; }     ///< 1 while a slot is free
+    bool IsEmpty() const { return m_nFree == m_nSlots; } ///< 1 while no slot is taken
     /// Gives up the memory; the pool is good for nothing but destruction then.
     VXHANDLE DetachMemory();
+    /// Needs a free one.
     std::uint32_t TakeSlot();
+    /// Forgets its owner too.
     void ReturnSlot(std::uint32_t slot);
+    /// Slots, free or not.
     std::uint32_t GetSlotCount() const { return m_nSlots; }
+    /// @{ The block in a slot; null for a free one.
     XCSwapBlock* GetOwner(std::uint32_t slot) const { return m_arrOwner[slot]; }
     void SetOwner(std::uint32_t slot, XCSwapBlock* block) { m_arrOwner[slot] = block; }
+    /// @}
+    /// @{ The slot's address; locks of the chunk nest.
     void* Lock(std::uint32_t slot);
     void Unlock();
+    /// @}
 
 private:
     static constexpr std::size_t cnMaxSlots = 256;
@@ -77,11 +84,12 @@ public:
     void Add(XCSwapBlock* block, const XCVMHandle& memory);
     /// Frees the block's memory without writing it.
     void Remove(XCSwapBlock* block);
-    void SetOwnerVM(XCVirtualMemory* vm) { m_pOwner = vm; }
+    void SetOwnerVM(XCVirtualMemory* vm) { m_pOwner = vm; } ///< not owned; takes the memory of evicted blocks back
+    /// The budget in bytes.
     std::uint32_t GetCacheSize() const { return m_nCacheSize.load(std::memory_order_relaxed); }
     /// The free part of the budget in bytes, negative while locks keep more than the budget in memory.
     std::int32_t GetMarginSize() const;
-    std::uint32_t GetUsedSize() const;
+    std::uint32_t GetUsedSize() const; ///< bytes of resident blocks
 
 private:
     enum class Outcome { reached, failed, exhausted };
@@ -139,12 +147,14 @@ public:
     void FreeHandle(XCVMHandle& handle, std::uint32_t size);
 
     // The statistics take no lock.
-    std::uint64_t GetSwapFileSize() const { return m_pSwap->GetSwapSize(); }
+    std::uint64_t GetSwapFileSize() const { return m_pSwap->GetSwapSize(); } ///< bytes of the swap file
     /// Bytes of the swap file that hold blocks.
     std::uint64_t GetUsedDiskSize() const { return m_pSwap->GetUsedTotalSize(); }
     /// The budget in bytes.
     std::uint32_t GetPhysicalMemorySize() const { return m_nPhysicalSize.load(std::memory_order_relaxed); }
+    /// Bytes of resident blocks.
     std::uint32_t GetUsedPhysicalMemorySize() const { return m_cache.GetUsedSize(); }
+    /// Bytes of the budget that are free.
     std::uint32_t GetFreePhysicalMemorySize() const;
     /// Blocks that exist, in memory or not.
     std::uint32_t GetUsedBlockCount() const { return m_pSwap->GetUsedBlockCount(); }
@@ -189,25 +199,27 @@ private:
 
 /// How the process-wide store is to be created.
 struct _CREATEVMPARAM {
-    std::uint32_t reserved;
-    XCFilePath* folder; ///< of the swap file; null for the system's temporary folder
-    std::int32_t mode;  ///< of xcGetAllocateMemorySize
-    std::int32_t percent;
+    std::uint32_t reserved; ///< 0
+    XCFilePath* folder;     ///< of the swap file; null for the system's temporary folder
+    std::int32_t mode;      ///< of xcGetAllocateMemorySize
+    std::int32_t percent;   ///< of the physical memory
 };
 
 /// Creates the process-wide store, cleaning left-over swap files up; nothing when it exists already.
 OVWCMN_API void xcCreateVirtualMemory(_CREATEVMPARAM* param);
-OVWCMN_API void xcDestroyVirtualMemory();
+OVWCMN_API void xcDestroyVirtualMemory(); ///< Deletes the process-wide store's blocks and swap file.
 /// The process-wide store, created or not. Never null.
 OVWCMN_API XCVirtualMemory* xcGetVirtualMemory();
 /// A budget in bytes, at most 0x7FFFFFFF: the default percentage of the physical memory (mode 0), or `percent` within
 /// the minimum and the maximum (mode 1); 0 for any other mode.
 OVWCMN_API std::uint64_t xcGetAllocateMemorySize(int mode, int percent);
+/// @{ Bounds and default of a budget, in percent of the physical memory; set them at start-up.
 OVWCMN_API int xcGetMinVMAllocationPercent();
 OVWCMN_API int xcGetMaxVMAllocationPercent();
 OVWCMN_API int xcGetDefaultVMAllocationPercent();
 OVWCMN_API void xcSetMinVMAllocationPercent(int percent);
 OVWCMN_API void xcSetMaxVMAllocationPercent(int percent);
 OVWCMN_API void xcSetDefaultVMAllocationPercent(int percent);
+/// @}
 
 #endif // OVWCMN_XCVIRTUALMEMORY_H

@@ -23,10 +23,10 @@ class XCVOffscreen;
 /// at a time.
 class OVWCMN_API XCVOffscreenCache {
 public:
-    static constexpr std::uint32_t cnCached = 1;
-    static constexpr std::uint32_t cnDrawn = 2;
-    static constexpr std::uint32_t cnDummyCached = 4;
-    static constexpr std::uint32_t cnAllFlags = 0x77;
+    static constexpr std::uint32_t cnCached = 1;      ///< painted; freed when cleared
+    static constexpr std::uint32_t cnDrawn = 2;       ///< kept for the caller
+    static constexpr std::uint32_t cnDummyCached = 4; ///< kept for the caller
+    static constexpr std::uint32_t cnAllFlags = 0x77; ///< the three and those of the caller
 
     XCVOffscreenCache();
     XCVOffscreenCache(const XCVOffscreenCache&) = delete;
@@ -35,21 +35,24 @@ public:
 
     /// Empty images of one size. When it throws, the images are gone, and the cache can only be deleted.
     virtual void Create(XCVirtualMemory* vm, int width, int height, double resolution);
-    virtual void Destroy();
+    virtual void Destroy(); ///< leaves the images empty
 
-    XCVOffscreen* GetThisOffscreen() const { return m_image.get(); }
+    XCVOffscreen* GetThisOffscreen() const { return m_image.get(); }  ///< may be null
     XCVOffscreen* GetLowerOffscreen() const { return m_lower.get(); } ///< May be null.
     /// Owns the image from now on; the one before, which is returned, becomes the caller's.
     XCVOffscreen* SetThisOffscreen(XCVOffscreen* image);
 
     // ---- Flags
     int IsFlag(int index, std::uint32_t bits) const; ///< Whether all the bits are set.
+    /// @{ Whether all the bits are set; sets or clears them.
     int IsFlag(int x, int y, std::uint32_t bits) const;
     void SetFlag(int index, std::uint32_t bits, int on);
     void SetFlag(const XCRect* rect, std::uint32_t bits, int on);
     void SetFlag(const XCTArray<tagRECT, 0>& rects, std::uint32_t bits, int on);
+    /// @}
     void SetFlagSimple(int index, std::uint32_t value); ///< The whole word; frees nothing.
 
+    /// @{ SetFlag and IsFlag for one of the named bits, or for all.
     int IsCached(int index) const { return IsFlag(index, cnCached); }
     int IsCached(int x, int y) const { return IsFlag(x, y, cnCached); }
     void SetCached(int index, int on) { SetFlag(index, cnCached, on); }
@@ -67,17 +70,19 @@ public:
     void ClearAllFlag(int index) { SetFlag(index, cnAllFlags, 0); }
     void ClearAllFlag(const XCRect* rect) { SetFlag(rect, cnAllFlags, 0); }
     void ClearAllFlag(const XCTArray<tagRECT, 0>& rects) { SetFlag(rects, cnAllFlags, 0); }
+    /// @}
 
     // ---- The lower image
     /// Copies a block down (store, where rect must be the block's rectangle) or back up, where a copy exists; 1 when
     /// something was copied.
     int UpdateLowerCache(XCRect rect, int index, int store);
-    void ClearLowerCache(int index); ///< The mark only.
-    void AllClearLowerCache();       ///< With the pixels.
-    int IsLowerCache(int index) const;
+    void ClearLowerCache(int index);   ///< The mark only.
+    void AllClearLowerCache();         ///< With the pixels.
+    int IsLowerCache(int index) const; ///< 1 when the lower image has a copy
 
     /// The checkerboard of the cache image, in squares of 8 pixels.
     void RenderBackground(const XCRect& rect, std::uint32_t colour1, std::uint32_t colour2, int allBlocks);
+    /// The same at another resolution.
     void RenderBackgroundFill(const XCRect& rect, std::uint32_t colour1, std::uint32_t colour2, int allBlocks);
 
 private:
@@ -101,13 +106,16 @@ public:
     XCVOffscreenBackup& operator=(const XCVOffscreenBackup&) = delete;
     virtual ~XCVOffscreenBackup();
 
+    /// An empty image; every state 0.
     virtual void Create(XCVirtualMemory* vm, int width, int height, double resolution);
-    virtual void Destroy();
+    virtual void Destroy(); ///< leaves the image empty
 
-    XCVOffscreen* GetOffscreen() const { return m_image.get(); }
-    BACKUP_STATE GetState(int x, int y) const;
+    XCVOffscreen* GetOffscreen() const { return m_image.get(); } ///< may be null
+    BACKUP_STATE GetState(int x, int y) const;                   ///< 0 outside the image
+    /// @{ Of every block that the rectangles begin in.
     void SetState(const XCTArray<tagRECT, 0>& rects, BACKUP_STATE state);
     void SetState(const XCRect* rect, BACKUP_STATE state);
+    /// @}
 
 private:
     friend class XCVOffscreen;

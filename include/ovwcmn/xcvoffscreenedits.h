@@ -28,7 +28,7 @@ public:
     int GetExtentBlock(tagRECT& out) const;
     /// Whether r, or the image, has no visible pixel; existing blocks of 24-bit images are never empty.
     int IsExtentEmpty(const XCRect& r);
-    int IsExtentEmpty();
+    int IsExtentEmpty(); ///< Whether the image has no visible pixel.
     void Optimize() override;
     void OptimizeBlock(tagRECT r) override;
 
@@ -55,7 +55,7 @@ public:
     int FloodFill(XCRect& changed, const XCPoint& seed, std::uint32_t colour, XCVOffscreen* source,
                   XCVOffscreen* second, const XCPoint& offset, const XCRect& clip, int margin, int* count,
                   int abortable);
-    // The fill by values of one depth, whatever the images' depths are; 0 without dest or source.
+    /// @{ The fill by values of one depth, whatever the images' depths are; 0 without dest or source.
     static int FloodFillFrom1Bit(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed, std::uint32_t colour,
                                  XCVOffscreen* source, XCVOffscreen* second, const XCPoint& offset, const XCRect& clip,
                                  int* count, int abortable);
@@ -83,6 +83,7 @@ public:
     static int FloodFillFromGeneric(XCVOffscreen* dest, XCRect& changed, const XCPoint& seed, std::uint32_t colour,
                                     XCVOffscreen* source, XCVOffscreen* second, const XCPoint& offset, int margin,
                                     int* count, int abortable);
+    /// @}
 
     // ---- Backgrounds and conversions. w x h from (x, y).
     /// Puts a checkerboard behind the pixels of rect, which become opaque; 16 and 32 bits. Squares have 4 pixels when

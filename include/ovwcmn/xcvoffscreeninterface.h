@@ -14,6 +14,7 @@
 class XCVOffscreen;
 class XCVirtualMemory;
 
+/// How ChangeResolution samples.
 enum CHANGE_RESOLUTION_MODE : std::int32_t {
     CHANGE_RESOLUTION_LOW = 0,  ///< Whole source pixels, averaged or repeated.
     CHANGE_RESOLUTION_HIGH = 1, ///< Exact halves and quarters, else averages weighted by area.
@@ -22,8 +23,8 @@ enum CHANGE_RESOLUTION_MODE : std::int32_t {
 /// How one destination column or row covers source pixels: first to first + count, of which those between the two ends
 /// weigh 1.
 struct _XCRESOLUTIONTABLE {
-    int start;
-    int end;
+    int start;          ///< the first source pixel
+    int end;            ///< the last one's place
     int count;          ///< end - start
     double firstWeight; ///< of pixel start
     double lastWeight;  ///< of pixel start + count; 0 when count is 0
@@ -36,7 +37,7 @@ public:
     virtual ~XCVOffscreenInterface() = default;
 
 protected:
-    virtual void Initialize() = 0;
+    virtual void Initialize() = 0; ///< Settings and counters as in a new image.
 
 public:
     /// Lays out the grid; no block memory is taken. resolution is in the caller's unit, e.g. pixels an inch. An
@@ -53,15 +54,17 @@ public:
     virtual int DeallocateRect(XCRect rect, XCPoint& offset) = 0;
     /// Fills the block memory at block (the current block when null) with the clear colour.
     virtual void ClearBlock(std::uint8_t* /*block*/) {}
+    /// @{ One pixel to the right or left; the new address, as XCVOffscreen says.
     virtual std::uint8_t* NextCursorX() { return nullptr; }
     virtual std::uint8_t* NextCursorXFastest() { return nullptr; }
     virtual std::uint8_t* PrevCursorX() { return nullptr; }
     virtual std::uint8_t* PrevCursorXFastest() { return nullptr; }
+    /// @}
 
     /// The pixel under the cursor as a value of the image's own depth.
     virtual std::uint32_t GetColor() const { return 0; }
-    // Readers of the pixel under the cursor as another depth's value. The plain forms answer a default at a null
-    // address, the Fast forms require an address.
+    /// @{ Readers of the pixel under the cursor as another depth's value. The plain forms answer a default at a null
+    /// address, the Fast forms require an address.
     virtual std::uint8_t Get1BitColorFast() const { return 0; }
     virtual std::uint8_t Get1BitColor() const { return 0; }
     virtual std::uint8_t Get2BitColorFast() const { return 0; }
@@ -72,11 +75,15 @@ public:
     virtual std::uint32_t Get16BitColor() const { return 0; }
     virtual std::uint32_t Get24BitColorFast() const { return 0; }
     virtual std::uint32_t Get24BitColor() const { return 0; }
+    /// @}
     /// The 24-bit reading of the pixel at address; 1- and 2-bit images read the pixel under the cursor.
     virtual std::uint32_t Get24BitColorAddress(const std::uint8_t* /*address*/) const { return 0; }
+    /// @{ The same for 32 bits.
     virtual std::uint32_t Get32BitColorFast() const { return 0; }
     virtual std::uint32_t Get32BitColor() const { return 0; }
-    // Writers of the pixel under the cursor; all require an address. SetColor takes a value of the image's own depth.
+    /// @}
+    /// @{ Writers of the pixel under the cursor; all require an address. SetColor takes a value of the image's own
+    /// depth.
     virtual void SetColor(std::uint32_t /*value*/) {}
     virtual void Set1BitColor(std::uint8_t /*value*/) {}
     virtual void Set2BitColor(std::uint8_t /*value*/) {}
@@ -84,18 +91,21 @@ public:
     virtual void Set16BitColor(std::uint32_t /*colour*/) {}
     virtual void Set24BitColor(std::uint32_t /*colour*/) {}
     virtual void Set32BitColor(std::uint32_t /*colour*/) {}
-    /// Copies the pixel under the cursor of source, an image of the same depth.
+    /// @}
+    /// @{ Copies the pixel under the cursor of source, an image of the same depth.
     virtual void CopyCurrentColor(XCVOffscreen* /*source*/) {}
     virtual void CopyCurrentColorFast(XCVOffscreen* /*source*/) {}
+    /// @}
     /// A colour as a value of the image's own depth, as SetColor takes it.
     virtual std::uint32_t MakeNativeColor(std::uint32_t /*colour*/) const { return 0; }
-    // The pixel as a picture, without its coverage, and the coverage alone.
+    /// @{ The pixel as a picture, without its coverage, and the coverage alone.
     virtual std::uint8_t Get8BitImageFast() const { return 0; }
     virtual std::uint8_t Get8BitImage() const { return 0; }
     virtual std::uint32_t Get24BitImageFast() const { return 0; }
     virtual std::uint32_t Get24BitImage() const { return 0; }
     virtual std::uint8_t Get8BitMaskFast() const { return 0; }
     virtual std::uint8_t Get8BitMask() const { return 0; }
+    /// @}
 
     /// Copies w x h pixels from (sx, sy) of src to (x, y), cut to both images; another depth goes by CommonCopy, with
     /// the answer 0. Where src has no block: destination blocks that are covered whole are released when the offset is
@@ -108,13 +118,15 @@ public:
     /// Fills rect with colour, or with the clear value when erase is set. With behind the colour goes behind the pixels
     /// that are there. Locks for editing.
     virtual void RectFill(const XCRect& /*rect*/, int /*erase*/, std::uint32_t /*colour*/, int /*behind*/) {}
+    /// The same over the pixels that are there.
     virtual void RectFill(const XCRect& /*rect*/, int /*erase*/, std::uint32_t /*colour*/) {}
     /// Fills the whole current block with colour, or with the clear colour when useColour is 0. Locks for editing.
     virtual void FillBlock(int /*useColour*/, std::uint32_t /*colour*/) {}
-    // One pixel thick, a column when vertical is 1, else a row; clipped to the image. The caller locks for editing.
+    /// @{ One pixel thick, a column when vertical is 1, else a row; clipped to the image. The caller locks for editing.
     virtual void DrawSimpleLine(int /*vertical*/, int /*position*/, std::uint32_t /*colour*/) {}
     virtual void DrawSimpleSegment(int /*vertical*/, int /*position*/, int /*start*/, int /*length*/,
                                    std::uint32_t /*colour*/) {}
+    /// @}
     /// A straight line with a square pen of width x width pixels (0 and less: none), whose left-top corner goes from
     /// (x1, y1) to (x2, y2); pixels outside the image are passed over. behind 1 puts the colour behind the pixels, once
     /// for every place of the pen. fitWidth 1 thins the pen of a slanted line, so that the line looks no thicker than
@@ -160,19 +172,22 @@ public:
     /// Averages whole source pixels when shrinking, takes the nearest when enlarging.
     virtual void ChangeResolutionLow(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int sw, int sh,
                                      int merge) = 0;
-    // From squares of 2, 4 or 8 source pixels from (sx, sy) on; transparent pixels thin the result's alpha only.
+    /// @{ From squares of 2, 4 or 8 source pixels from (sx, sy) on; transparent pixels thin the result's alpha only.
     virtual void ChangeResolutionHalf(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) = 0;
     virtual void ChangeResolutionQuarter(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) = 0;
     virtual void ChangeResolutionOctantal(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) = 0;
-    // The whole source, to (0, 0). Between 1-bit images ink is counted, and pixels are only ever set.
+    /// @}
+    /// @{ The whole source, to (0, 0). Between 1-bit images ink is counted, and pixels are only ever set.
     virtual void ChangeResolutionHalfAll(XCVOffscreen* src) = 0;
     virtual void ChangeResolutionQuarterAll(XCVOffscreen* src) = 0;
     virtual void ChangeResolutionOctantalAll(XCVOffscreen* src) = 0;
-    // To squares of 2 or 4 equal pixels; w and h are the destination's.
+    /// @}
+    /// @{ To squares of 2 or 4 equal pixels; w and h are the destination's.
     virtual void ChangeResolutionDouble(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) = 0;
     virtual void ChangeResolutionFourfold(int x, int y, int w, int h, XCVOffscreen* src, int sx, int sy, int merge) = 0;
     virtual void ChangeResolutionDoubleAll(XCVOffscreen* src) = 0;
     virtual void ChangeResolutionFourfoldAll(XCVOffscreen* src) = 0;
+    /// @}
     /// The weighted mean of the pixels that a column and a row entry, moved by (x, y), cover in this image: 0xAABBGGRR,
     /// of 1- and 8-bit images the density as alpha. scale: 1 / the area of a destination pixel. The caller locks.
     virtual void CalcPixelValue(const _XCRESOLUTIONTABLE* columns, const _XCRESOLUTIONTABLE* rows, int x, int y,

@@ -14,15 +14,18 @@ class XCVOffscreen;
 class OVWCMN_API XCVOffscreenAutoLock {
 public:
     XCVOffscreenAutoLock() = default;
+    /// @{ As Lock.
     XCVOffscreenAutoLock(XCVOffscreen* image, int edit);
     XCVOffscreenAutoLock(XCVOffscreen* image, int x, int y, int edit);
+    /// @}
     XCVOffscreenAutoLock(const XCVOffscreenAutoLock&) = delete;
     XCVOffscreenAutoLock& operator=(const XCVOffscreenAutoLock&) = delete;
     virtual ~XCVOffscreenAutoLock();
 
-    /// A lock held before ends first. Without a position there is no current pixel.
+    /// @{ A lock held before ends first. Without a position there is no current pixel.
     void Lock(XCVOffscreen* image, int edit);
     void Lock(XCVOffscreen* image, int x, int y, int edit);
+    /// @}
     /// Ends the lock without giving cursor and edit mode back.
     void Unlock();
 
@@ -40,6 +43,7 @@ private:
 class OVWCMN_API XCVOffscreenParamLock {
 public:
     XCVOffscreenParamLock() = default;
+    /// @{ Sets the thresholds, or gives the former ones back.
     XCVOffscreenParamLock(XCVOffscreen* image, int transThreshold, int bwThreshold);
     XCVOffscreenParamLock(const XCVOffscreenParamLock&) = delete;
     XCVOffscreenParamLock& operator=(const XCVOffscreenParamLock&) = delete;
@@ -47,6 +51,7 @@ public:
 
     void Lock(XCVOffscreen* image, int transThreshold, int bwThreshold);
     void Unlock();
+    /// @}
 
 private:
     XCVOffscreen* m_image = nullptr;
@@ -58,6 +63,7 @@ private:
 class OVWCMN_API XCVOffscreenEditLock {
 public:
     XCVOffscreenEditLock() = default;
+    /// @{ Switches edit mode off, or gives the former one back.
     explicit XCVOffscreenEditLock(XCVOffscreen* image);
     XCVOffscreenEditLock(const XCVOffscreenEditLock&) = delete;
     XCVOffscreenEditLock& operator=(const XCVOffscreenEditLock&) = delete;
@@ -65,6 +71,7 @@ public:
 
     void Lock(XCVOffscreen* image);
     void Unlock();
+    /// @}
 
 private:
     XCVOffscreen* m_image = nullptr;
@@ -82,7 +89,7 @@ public:
 
     /// Throws what LoadImageBlock of the image throws.
     XCVOffscreen* Lock(XCVOffscreen* image, XCRect rect);
-    void Unlock();
+    void Unlock(); ///< Deletes the temporary image.
 
 private:
     XCVOffscreen* m_part = nullptr;

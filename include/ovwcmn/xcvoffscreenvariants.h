@@ -22,6 +22,7 @@ public:
     DepthVariant();
     ~DepthVariant() override;
 
+    /// @cond The manual has the overrides where XCVOffscreenInterface declares them.
 protected:
     void Initialize() override;
 
@@ -76,6 +77,7 @@ public:
     void FillLineRow(int x1, int x2, int y, std::uint32_t colour, const tagRECT* clip) override;
     int SearchLineRowForPolygon(int x1, int x2) override;
     using XCVOffscreen::RectFill;
+    /// @endcond
 
 private:
     // One reading or writing of the format at the cursor: Fast (the address is required) and plain.

@@ -24,8 +24,10 @@ class BlockCodec;
 class OVWCMN_API XCZLib {
 public:
     XCZLib();
+    /// @{ See the class.
     XCZLib(const XCZLib& other);
     XCZLib& operator=(const XCZLib& other);
+    /// @}
     virtual ~XCZLib();
 
     /// 0 (stored) to 9 (smallest); -1, the initial one, stands for 6.
@@ -35,6 +37,7 @@ public:
     /// *outLen (may be null) becomes the size of the frame, n + 4.
     /// @{
     /// Writes a frame in the archive's byte order.
+    /// The frame goes to the archive.
     void Compress(XCArchive& archive, const void* src, std::uint32_t srcLen, std::uint32_t* outLen = nullptr,
                   std::uint8_t* chunk = nullptr, std::uint32_t chunkSize = 0);
     /// The same through the caller's block (vxAllocPtr, or null with capacity 0), which is replaced by a larger one
@@ -52,6 +55,7 @@ public:
     /// than `dstLen`, and a stream that breaks off, throw 8. A frame that is longer than what the archive (its
     /// innermost open section) still holds throws 0x20010008.
     /// @{
+    /// The frame is read from the archive.
     std::uint32_t Decompress(XCArchive& archive, void* dst, std::uint32_t dstLen);
     /// Through the caller's block, which is replaced when it holds less than n bytes.
     std::uint32_t Decompress(XCArchive& archive, void* dst, std::uint32_t dstLen, std::uint8_t*& block,
@@ -62,8 +66,10 @@ public:
     /// For readers that know the size, and faster: anything but `dstLen` bytes is an error (8). After an error `dst`
     /// holds no meaning.
     void DecompressWhole(XCArchive& archive, void* dst, std::uint32_t dstLen);
+    /// Through the caller's block, as Decompress.
     void DecompressWhole(XCArchive& archive, void* dst, std::uint32_t dstLen, std::uint8_t*& block,
                          std::uint32_t& capacity);
+    /// `src` is a whole frame.
     void DecompressWhole(const void* src, void* dst, std::uint32_t dstLen, int bigEndian);
     /// n of a frame in memory.
     static std::uint32_t GetStreamSize(const void* src, int bigEndian);
