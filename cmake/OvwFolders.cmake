@@ -39,22 +39,25 @@ function(ovw_source_flags flags)
 endfunction()
 
 # ovw_test_program(NAME SOURCE...): the program test_NAME of GoogleTest cases, each a test of ctest with the label NAME.
-# Under sanitizers, where a process is slow to start, the whole program is one; and sources that do little themselves
-# are not optimised, which takes the compiler a third of the time. OVW_TESTS_WITH_MODELS have plain models to run.
+# Under sanitizers and for coverage, where a process is slow to start or end, the whole program is one; and sources that
+# do little themselves are not optimised, which takes the compiler a third of the time. OVW_TESTS_WITH_MODELS have plain
+# models to run.
 set(OVW_TESTS_WITH_MODELS mixing brush)
 function(ovw_test_program name)
   add_executable(test_${name} ${ARGN})
   set(group tests)
-  if(OVWCMN_SANITIZE AND name IN_LIST OVW_TESTS_WITH_MODELS)
-    set(group models)
-    target_compile_options(test_${name} PRIVATE -fno-sanitize=undefined)
-  elseif(OVWCMN_SANITIZE)
-    target_compile_options(test_${name} PRIVATE -O0)
+  if(OVWCMN_SANITIZE OR OVWCMN_COVERAGE)
+    if(name IN_LIST OVW_TESTS_WITH_MODELS)
+      set(group models)
+      target_compile_options(test_${name} PRIVATE $<$<BOOL:${OVWCMN_SANITIZE}>:-fno-sanitize=undefined>)
+    else()
+      target_compile_options(test_${name} PRIVATE -O0)
+    endif()
   endif()
   target_link_libraries(test_${name} PRIVATE ovw_flags GTest::gtest GTest::gtest_main)
   target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   ovw_precompile(test_${name} ${group} ${OVW_STANDARD_HEADERS} <gtest/gtest.h>)
-  if(OVWCMN_SANITIZE)
+  if(OVWCMN_SANITIZE OR OVWCMN_COVERAGE)
     add_test(NAME ${name} COMMAND test_${name} --gtest_brief=1)
     set_tests_properties(${name} PROPERTIES TIMEOUT 900 LABELS ${name})
   else()
