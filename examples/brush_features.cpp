@@ -11,18 +11,20 @@ namespace {
 
 /// A stroke across the image, and how much of the image it changed.
 XCRect paintStroke(XCPatternDrawMethod& method, const XCPatternDrawParam& brush) {
+    // [stroke]
     XCPatternDraw engine;
-    engine.SetOffscreen({}, &method);
-    method.BeginMethod();
-    engine.BeginDraw(&brush);
-    XCLinerStroke stroke;
+    engine.SetOffscreen({}, &method); // one logical unit a pixel
+    method.BeginMethod();             // locks the images
+    engine.BeginDraw(&brush);         // copies the brush, draws fresh random numbers
+    XCLinerStroke stroke;             // or XCBezierStroke
     stroke.FirstStore({40, 100, 0.2f});
-    for (int i = 1; i <= 100; ++i)
+    for (int i = 1; i <= 100; ++i) // as samples arrive
         stroke.Store({40.0 + 4 * i, 100 + 40 * std::sin(i / 12.0), 0.5f + 0.5f * float(std::sin(i / 9.0))});
     engine.DrawStroke(nullptr, &stroke, 1);
     XCRect changed;
     engine.EndDraw(&changed);
     method.EndMethod();
+    // [/stroke]
     return changed;
 }
 
@@ -80,6 +82,16 @@ XCRect paintBent(XCVOffscreen& canvas, XCImagePattern& tip) {
     brush.SetSizeParam({.size = 24, .sizeMin = 60, .sizeControl = cnControlPressure});
     brush.SetEtcParam({.overSampling = 1, .bendFlag = 1});
     // [/bend]
+    return paintOnto(canvas, brush);
+}
+
+XCRect paintByPressure(XCVOffscreen& canvas) {
+    XCPatternDrawParam brush;
+    // [pressure]
+    brush.SetSizeParam({.size = 24, .sizeMin = 128, .sizeControl = cnControlPressure});
+    brush.SetColorParam(
+        {.drawColor = 0xFF203080, .opacity = 255, .opacityControl = cnControlPressure | cnControlRandom});
+    // [/pressure]
     return paintOnto(canvas, brush);
 }
 
@@ -165,9 +177,9 @@ int paintAll() {
         }
         XCImagePattern tip;
         tip.ImportPatternOffscreen(before.get());
-        for (const XCRect& changed :
-             {paintWithPictures(*canvas), paintBent(*canvas, tip), paintGrainy(*canvas, *before, *mask),
-              paintWet(*canvas, *before), paintClone(*canvas, *before), paintBlur(*canvas)}) {
+        for (const XCRect& changed : {paintWithPictures(*canvas), paintBent(*canvas, tip), paintByPressure(*canvas),
+                                      paintGrainy(*canvas, *before, *mask), paintWet(*canvas, *before),
+                                      paintClone(*canvas, *before), paintBlur(*canvas)}) {
             std::printf("changed: (%d, %d) to (%d, %d)\n", changed.left, changed.top, changed.right, changed.bottom);
             failures += changed.IsRectEmpty();
         }
