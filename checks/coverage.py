@@ -14,7 +14,8 @@ def folder_of(path):
 def print_folders(files):
     lines, functions = (collections.defaultdict(lambda: [0, 0]) for _ in range(2))
     for file in files:
-        for counts, entries, key in ((lines, file['lines'], 'count'), (functions, file.get('functions', []), 'execution_count')):
+        code = [line for line in file['lines'] if not line.get('gcovr/noncode')]
+        for counts, entries, key in ((lines, code, 'count'), (functions, file.get('functions', []), 'execution_count')):
             for folder in (folder_of(file['file']), 'all'):
                 counts[folder][0] += sum(entry[key] > 0 for entry in entries)
                 counts[folder][1] += len(entries)

@@ -52,7 +52,7 @@ public:
     /// @}
     /// Finds the addresses again, after the image was locked anew.
     void ResetCursor();
-    void ResetCursorY(); ///< After the row's address changed alone.
+    void ResetCursorY(); ///< the same
     /// @{ Inside the image, in both directions or one.
     int CursorInOffscreen() const { return CursorXInOffscreen() && CursorYInOffscreen(); }
     int CursorXInOffscreen() const;

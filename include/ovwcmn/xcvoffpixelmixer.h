@@ -124,7 +124,7 @@ public:
     /// @}
 
     // ---- The pixel under the destination's cursor, which stays. Weights are 0 to 255.
-    /// @{ Mixes this mixer's colour or another into the pixel, at full or the given weight.
+    /// @{ Mixes this mixer's colour or another into the pixel, by this mixer's alpha or the weight.
     void Do();
     void Do(int weight);
     void Do(const XCComplexColor& color);
