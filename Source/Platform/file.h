@@ -108,9 +108,12 @@ public:
     virtual int rename(const std::string& from, const std::string& to) = 0;
     /// Puts a finished file in the place of another, or of none, in one step: the name leads to the old contents or to
     /// the new ones, also after a crash, provided that `from` was flushed. The file takes over the permissions and
-    /// attributes of the one it replaces, else those of any new file. Error 5 when `to` is read-only or a folder.
+    /// attributes of the one it replaces, else those of any new file. Error 5 when `to` is read-only or no file.
     virtual int replaceFile(const std::string& from, const std::string& to) = 0;
-    /// The names in a folder, "." and ".." included, in the order of the file system.
+    /// Makes `to` a link that says what the link `from` says. Error 80 when the name exists.
+    virtual int copyLink(const std::string& from, const std::string& to) = 0;
+    /// The names in a folder, "." and ".." included, in the order of the file system; "" stands for an entry whose name
+    /// has no form in the code page.
     virtual int list(const std::string& folder, std::vector<std::string>& names) = 0;
     /// Of the volume that holds the path, which must exist.
     virtual int volume(const std::string& path, VolumeInformation& out) = 0;

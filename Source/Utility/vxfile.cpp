@@ -138,14 +138,17 @@ int copyFile(const char* from, const char* to, bool failIfExists) {
     const std::uint32_t creation = failIfExists ? CREATE_NEW : CREATE_ALWAYS;
     if (const int code = files.open(to, requestOf(GENERIC_WRITE, 0, creation, 0), target))
         return code;
-    int code = copyContents(*source, *target);
+    const int code = copyContents(*source, *target);
+    // A volume without times and attributes, or a target of another user, still takes the contents.
     if (code == 0)
-        code = target->setTimes(information.times);
+        target->setTimes(information.times);
+    platform::FileInformation made;
+    const bool isFile = target->information(made) == 0 && !made.isSpecial; // a device stays what it is
     target.reset();
-    if (code != 0)
+    if (code != 0 && isFile)
         files.removeFile(to);
     else if (information.attributes != platform::attributeNormal)
-        files.setAttributes(to, information.attributes); // a volume without attributes still takes the copy
+        files.setAttributes(to, information.attributes);
     return code;
 }
 

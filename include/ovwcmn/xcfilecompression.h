@@ -16,7 +16,7 @@ class IXCAbort;
 class IXCProgress;
 
 namespace ovw::persistence {
-struct PackedItem;
+struct FolderEntry;
 }
 
 /// Packs files and folders into one file and unpacks it again. A derived class may set the application's progress bar
@@ -32,14 +32,18 @@ public:
     XCFileCompression& operator=(const XCFileCompression&) = delete;
     virtual ~XCFileCompression();
 
+    /// The most bytes that all files of one unpacking may have together; 0: 1 GiB, or 20 times the packed file when
+    /// that is more.
+    void SetUnpackLimit(std::uint64_t bytes) { m_unpackLimit = bytes; }
+
     /// Packs the items that exist; the packed file itself is left out. It grows beside `packedFile` and takes its name
     /// when it is whole: after an error `packedFile` is as it was. 0 when stopped: then it is cut off. Names that could
     /// not be unpacked throw 123.
     int Compress(const XCFilePath& packedFile, const XCTArray<XCFilePath*>& items);
     /// Unpacks into a folder that exists. Files replace those of the same name; a folder whose name is taken gets the
     /// next free number behind it. 0 when stopped: what was unpacked stays. Throws 0 for a file of another kind. A file
-    /// whose structure is damaged throws 0x2001000B or 0x20010008 before anything is created; damaged contents throw 8
-    /// and leave the files before them.
+    /// whose structure is damaged, or that goes beyond the limit, throws 0x2001000B or 0x20010008 before anything is
+    /// created; damaged contents throw 8 and leave the files before them.
     int Decompress(const XCFilePath& destFolder, const XCFilePath& packedFile);
 
 protected:
@@ -59,13 +63,14 @@ protected:
     IXCAbort* m_abort = nullptr;       ///< asked before each file; may be null
 
 private:
-    int compressEntries(const std::vector<ovw::persistence::PackedItem>& entries);
+    int compressEntries(const std::vector<ovw::persistence::FolderEntry>& entries);
     int decompressEntries(const XCFilePath& destFolder, std::uint32_t count);
-    std::vector<ovw::persistence::PackedItem> itemsOf(const XCTArray<XCFilePath*>& paths) const;
-    std::vector<ovw::persistence::PackedItem> entriesOf(const XCFilePath& folder) const;
+    std::vector<ovw::persistence::FolderEntry> itemsOf(const XCTArray<XCFilePath*>& paths) const;
+    std::vector<ovw::persistence::FolderEntry> entriesOf(const XCFilePath& folder) const;
     bool isOwnFile(const XCFilePath& path) const { return path == m_packedFile || path == m_growingFile; }
     bool stepOrStop();
 
+    std::uint64_t m_unpackLimit = 0;
     // Neither goes into itself.
     XCFilePath m_packedFile;
     XCFilePath m_growingFile;

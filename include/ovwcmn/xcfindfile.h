@@ -28,8 +28,9 @@ struct tagFindInfo {
 };
 
 /// Walks the entries of one folder, "." and ".." included, in the order of the file system. Lists the names once, in
-/// First: entries that appear later are not seen, those that vanish are passed over. Copies walk on independently.
-/// Answers 0 or 1; throws only where it says so. One thread at a time.
+/// First: entries that appear later are not seen; those that vanish are passed over, as are those whose names have no
+/// form in the code page. Copies walk on independently. Answers 0 or 1; throws only where it says so. One thread at a
+/// time.
 class OVWCMN_API XCFindFile {
 public:
     XCFindFile();

@@ -25,17 +25,23 @@ TEST_F(OvwPaintSettings, ComeBackAsTheyWereSet) {
     const std::string key = m_folder.path("key");
     std::filesystem::create_directory(key);
     const std::vector<std::pair<const char*, const char*>> common = {
-        {"text", "h\xC3\xA9llo world"}, {"int16", "-5"},   {"uint16", "65535"},  {"int32", "-2147483648"},
-        {"uint32", "4294967295"},       {"float", "0.25"}, {"double", "1234.5"}, {"path", "/tmp/a b.png"},
-        {"rect", "1,-2,3,4"},           {"data", "00ff7f"}};
+        {"text", "h\xC3\xA9llo world"}, {"int16", "-5"},    {"uint16", "65535"},    {"int32", "-2147483648"},
+        {"uint32", "4294967295"},       {"float", "0.25"},  {"double", "1234.5"},   {"path", "/tmp/a b.png"},
+        {"rect", "1,-2,3,4"},           {"data", "00ff7f"}, {"length", "1.5,2,300"}};
     auto ofKey = common;
     ofKey.insert(ofKey.end(), {{"uint8", "255"},
                                {"int64", "-9223372036854775808"},
                                {"uint64", "18446744073709551615"},
                                {"point", "3,-4"},
-                               {"size", "5,6"}});
+                               {"size", "5,6"},
+                               {"pointf", "0.5,-4"},
+                               {"sizef", "5,6.25"},
+                               {"rectf", "1,2,3.5,-4"},
+                               {"pointd", "0.1,-4"},
+                               {"sized", "1e+300,6"},
+                               {"rectd", "1,2,3,-0.1"}});
     auto ofFile = common;
-    ofFile.emplace_back("colour", "65535,1,2,3");
+    ofFile.insert(ofFile.end(), {{"colour", "65535,1,2,3"}, {"number", "12AB"}});
     for (const auto& [file, values] : {std::pair{m_folder.path("p.pff"), ofFile}, std::pair{key, ofKey}}) {
         for (const auto& [type, value] : values)
             run({"set", "--type", type}, file, {"--", type, value});
@@ -66,6 +72,9 @@ TEST_F(OvwPaintSettings, AreRefusedInOneLine) {
         {{"list", m_folder.path("none")}, cnExitFailure},
         {{"set", file, "Size", "12x", "--type", "int32"}, cnExitFailure},
         {{"set", file, "Size", "1,2,3", "--type", "rect"}, cnExitFailure},
+        {{"set", file, "Size", "1,2,3,4,5", "--type", "rect"}, cnExitFailure},
+        {{"set", file, "Size", "1,2.5,300", "--type", "length"}, cnExitFailure},
+        {{"set", file, "Size", "12abcd", "--type", "number"}, cnExitFailure},
         {{"set", file, "Size", "abc", "--type", "data"}, cnExitFailure},
         {{"set", file, "", "12"}, cnExitFailure},
         {{"set", file, "Size", "1", "--type", "word"}, cnExitUsage},

@@ -123,6 +123,8 @@ TEST_F(XCFileTest, WithoutAFileOrTheAccessOperationsThrow) {
     EXPECT_EQ(m_folder.read("a"), "12");
     m_folder.path("a").SetReadOnly(1);
     EXPECT_EQ(open(reader, "a", GENERIC_WRITE, 0, OPEN_EXISTING), 5);
+    reader.Open(xcPathFromPosix("/dev/full"), GENERIC_WRITE, FILE_SHARE_WRITE, OPEN_EXISTING, 0);
+    EXPECT_EQ(errorOf([&] { reader.Write(&byte, 1); }), 39);
 }
 
 TEST_F(XCFileTest, TimesAreCopied) {

@@ -252,6 +252,23 @@ TEST_F(XCFileCompressionTest, DamagedFilesCreateNothing) {
     EXPECT_EQ(namesIn("out"), Names());
 }
 
+TEST_F(XCFileCompressionTest, NoMoreComesOutThanTheLimitAllows) {
+    m_folder.write("a", std::string(3000, 'a'));
+    m_folder.write("b", std::string(1000, 'b'));
+    pack({"a", "b"});
+    XCFileCompression packer;
+    packer.SetUnpackLimit(3999);
+    EXPECT_EQ(errorOf([&] { unpack(packer); }), 0x2001000B);
+    EXPECT_EQ(namesIn("out"), Names());
+    packer.SetUnpackLimit(4000);
+    EXPECT_EQ(unpack(packer), 1);
+    // By themselves: 1 GiB. Three records of 500 MiB whose streams could hold them.
+    const std::string frame = bytes({0, 0, 8, 0}) + std::string(0x80000, 'x');
+    m_folder.write("packed", cnHead.substr(0, 12) + bytes({3, 0, 0, 0}) + record("a", 500 << 20) + frame +
+                                 record("b", 500 << 20) + frame + record("c", 500 << 20) + frame);
+    EXPECT_EQ(unpackError(), 0x2001000B);
+}
+
 TEST_F(XCFileCompressionTest, NamesThatLeaveTheFolderAreRefused) {
     for (const std::string& name : {std::string(), std::string("."), std::string(".."), std::string("a\\b"),
                                     std::string("../a"), std::string("C:a"), std::string(256, 'n')}) {

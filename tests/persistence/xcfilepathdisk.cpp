@@ -2,7 +2,9 @@
 
 #include "ovwcmn/vxwutl.h"
 #include "ovwcmn/xcfile.h"
+#include "ovwcmn/xcfindfile.h"
 #include "ovwcmn/xctime.h"
+#include "support/crashingdisk.h"
 #include "support/scopes.h"
 #include "support/tempfolder.h"
 
@@ -13,6 +15,8 @@
 #include <unistd.h>
 
 #include <ctime>
+#include <functional>
+#include <map>
 #include <string>
 
 namespace {
@@ -165,6 +169,122 @@ TEST_F(XCFilePathDisk, FoldersCopyAndMoveWhole) {
     EXPECT_NE(errorOf([&] { XCFilePath::MoveFolder(path("other"), path("missing"), 0); }), 0);
     EXPECT_NE(errorOf([&] { XCFilePath::CopyFolder(path("other\\src"), path("other"), 0, 1); }),
               0); // into itself: ends
+}
+
+/// Names and contents of a tree; links with what they say.
+std::map<std::string, std::string> treeOf(const TempFolder& folder, const std::string& name) {
+    std::map<std::string, std::string> tree;
+    if (!folder.has(name))
+        return tree;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder.posix(name))) {
+        const std::string inside = entry.path().lexically_relative(folder.posix(name)).string();
+        if (entry.is_symlink())
+            tree[inside] = "-> " + fs::read_symlink(entry.path()).string();
+        else
+            tree[inside] = entry.is_directory() ? "/" : folder.read(name + "/" + inside);
+    }
+    return tree;
+}
+
+void makeTree(const TempFolder& folder, const std::string& name) {
+    fs::create_directories(folder.posix(name + "/in/deep"));
+    fs::create_directories(folder.posix("outside"));
+    folder.write("outside/secret", "s");
+    folder.write(name + "/a:b", "1");
+    folder.write(name + "/in/deep/c", "2");
+    for (const auto& [link, target] :
+         {std::pair{"/out", "../outside"}, {"/file", "../outside/secret"}, {"/in/circle", ".."}, {"/nowhere", "none"}})
+        fs::create_symlink(target, folder.posix(name + link));
+}
+
+TEST_F(XCFilePathDisk, CopiesOfFoldersFollowNoLink) {
+    makeTree(m_folder, "src");
+    fs::create_directory(m_folder.posix("dest"));
+    XCFilePath::CopyFolder(path("dest"), path("src"), 1, 0);
+    EXPECT_EQ(treeOf(m_folder, "dest/src"), treeOf(m_folder, "src"));
+    EXPECT_EQ(treeOf(m_folder, "src").size(), 8u);
+}
+
+/// Every place lies on a volume of its own.
+class FarVolumes : public CrashingDisk {
+public:
+    using CrashingDisk::CrashingDisk;
+    int rename(const std::string&, const std::string&) override { return ovw::platform::cnErrorNotSameDevice; }
+};
+
+TEST_F(XCFilePathDisk, FoldersMoveBetweenVolumesWholeOrNotAtAll) {
+    makeTree(m_folder, "whole");
+    const auto whole = treeOf(m_folder, "whole");
+    bool isOver = false;
+    for (int call = 1; !isOver; ++call) {
+        for (const char* name : {"src", "dest"})
+            fs::remove_all(m_folder.posix(name));
+        makeTree(m_folder, "src");
+        const FarVolumes disk(call);
+        const int code = errorOf([&] { XCFilePath::MoveFolder(path("dest"), path("src"), 0); });
+        EXPECT_EQ(treeOf(m_folder, code ? "src" : "dest"), whole) << call;
+        EXPECT_TRUE(code || !m_folder.has("src")) << call;
+        isOver = disk.calls() < call;
+    }
+    const FarVolumes disk;
+    XCFilePath::MoveFileA(path("moved"), path("dest\\file"), 0);
+    EXPECT_EQ(fs::read_symlink(m_folder.posix("moved")), "../outside/secret");
+    EXPECT_FALSE(m_folder.has("dest/file"));
+}
+
+TEST_F(XCFilePathDisk, WhatAFolderCannotGiveIsTold) {
+    fs::create_directories(m_folder.posix("foreign"));
+    fs::create_directories(m_folder.posix("piped"));
+    fs::create_directory(m_folder.posix("dest"));
+    m_folder.write("foreign/a\\b", "a separator of the library");
+    ASSERT_EQ(mkfifo(m_folder.posix("piped/pipe").c_str(), 0600), 0);
+    EXPECT_EQ(errorOf([&] { XCFilePath::CopyFolder(path("dest"), path("foreign"), 0, 1); }), 123);
+    EXPECT_EQ(errorOf([&] { XCFilePath::CopyFolder(path("dest"), path("piped"), 0, 1); }), 25); // and nobody waits
+    EXPECT_EQ(path("foreign").IsFolderEmpty(), 0);
+}
+
+TEST_F(XCFilePathDisk, MissingPermissionsAreTold) {
+    fs::permissions(m_folder.posix(), fs::perms::all);
+    for (const char* name : {"locked/in", "closed/in", "open"})
+        fs::create_directories(m_folder.posix(name));
+    for (const char* name : {"locked/file", "closed/file", "unreadable", "open/file"})
+        m_folder.write(name, "x");
+    fs::permissions(m_folder.posix("open"), fs::perms::all);
+    fs::permissions(m_folder.posix("locked"), fs::perms(0555));
+    for (const char* name : {"closed", "unreadable"})
+        fs::permissions(m_folder.posix(name), fs::perms::none);
+    {
+        const OrdinaryUserScope user;
+        const XCFilePath inLocked = path("locked\\new"), file = path("locked\\file"), inOpen = path("open\\new");
+        const std::pair<const char*, std::function<void()>> refused[] = {
+            {"create", [&] { XCFile().Create(inLocked, 0, 0, GENERIC_WRITE, 0, CREATE_ALWAYS, 0); }},
+            {"read", [&] { XCFile().Open(path("unreadable"), GENERIC_READ, 0, OPEN_EXISTING, 0); }},
+            {"reach", [&] { XCFile().Open(path("closed\\file"), GENERIC_READ, 0, OPEN_EXISTING, 0); }},
+            {"create folder", [&] { inLocked.CreateFolder(); }},
+            {"copy there", [&] { XCFilePath::CopyFileA(inLocked, path("open\\file"), 1); }},
+            {"copy from there", [&] { XCFilePath::CopyFileA(inOpen, path("unreadable"), 1); }},
+            {"move away", [&] { XCFilePath::MoveFileA(inOpen, file, 1); }},
+            {"replace", [&] { XCFilePath::MoveFileA(file, path("open\\file"), 0); }},
+            {"rename", [&] { XCFilePath(file).Rename("other"); }},
+            {"copy folder", [&] { XCFilePath::CopyFolder(path("open"), path("closed"), 0, 1); }},
+            {"move folder", [&] { XCFilePath::MoveFolder(path("open"), path("locked\\in"), 0); }},
+            {"save", [&] { inLocked.CanSaveFile(); }},
+        };
+        for (const auto& [name, operation] : refused)
+            EXPECT_EQ(errorOf(operation), 5) << name;
+        file.Delete(0);
+        path("locked").Delete(0);
+        EXPECT_EQ(path("closed\\file").IsExistence() + path("closed").IsFolderEmpty(), 0);
+        XCFindFile find;
+        EXPECT_EQ(find.First(path("closed")), 0);
+        EXPECT_EQ(vxGetLastError(), 5);
+        EXPECT_EQ(XCFilePath(inLocked).MakeTempPath("tmp", 1), 0);
+        EXPECT_EQ(vxGetLastError(), 5);
+    }
+    for (const char* name : {"closed", "locked"})
+        fs::permissions(m_folder.posix(name), fs::perms::all);
+    EXPECT_EQ(treeOf(m_folder, "locked"), (std::map<std::string, std::string>{{"in", "/"}, {"file", "x"}}));
+    EXPECT_EQ(treeOf(m_folder, "open"), (std::map<std::string, std::string>{{"file", "x"}}));
 }
 
 TEST_F(XCFilePathDisk, NumberedNamesFillTheFirstGap) {

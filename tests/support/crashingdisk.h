@@ -56,6 +56,9 @@ public:
     int replaceFile(const std::string& from, const std::string& to) override {
         return moved(from, to, [&] { return m_system->replaceFile(from, to); });
     }
+    int copyLink(const std::string& from, const std::string& to) override {
+        return fails() ? cnFault : m_system->copyLink(from, to);
+    }
     int list(const std::string& folder, std::vector<std::string>& names) override {
         return m_system->list(folder, names);
     }

@@ -193,6 +193,7 @@ public:
     int createFolder(const std::string& path) override { return m_system->createFolder(path); }
     int rename(const std::string& from, const std::string& to) override { return m_system->rename(from, to); }
     int replaceFile(const std::string& from, const std::string& to) override { return m_system->replaceFile(from, to); }
+    int copyLink(const std::string& from, const std::string& to) override { return m_system->copyLink(from, to); }
     int list(const std::string& folder, std::vector<std::string>& names) override {
         return m_system->list(folder, names);
     }

@@ -86,14 +86,24 @@ protected:
             .add_option("-o,--output", m_folder, "The folder to unpack into, made if it does not exist")
             ->required()
             ->type_name("DIR");
+        app()
+            .add_option("--limit", m_limit, "The most that may come out, in MiB (default: 1024, or 20 times the file)")
+            ->check(CLI::Range(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max() >> cnMiBShift))
+            ->type_name("MIB");
         app().add_flag("--quiet", m_quiet, "No progress bar");
     }
 
+    /// The most bytes that may come out; 0: the library's own limit.
+    std::uint64_t limit() const { return m_limit << cnMiBShift; }
+
 private:
+    static constexpr int cnMiBShift = 20;
+
     virtual void extract(const XCFilePath& file, const XCFilePath& folder, LibraryProgress& progress) = 0;
 
     std::string m_file;
     std::string m_folder;
+    std::uint64_t m_limit = 0;
     bool m_quiet = false;
 };
 
@@ -107,7 +117,9 @@ public:
 
 private:
     void extract(const XCFilePath& file, const XCFilePath& folder, LibraryProgress& progress) override {
-        Packer(progress).Decompress(folder, file);
+        Packer packer(progress);
+        packer.SetUnpackLimit(limit());
+        packer.Decompress(folder, file);
     }
 };
 
@@ -115,28 +127,19 @@ class UnzipCommand final : public ExtractCommand {
 public:
     explicit UnzipCommand(CLI::App& program)
         : ExtractCommand(program.add_subcommand("unzip", "Extract a ZIP archive"), "The archive") {
-        app()
-            .add_option("--limit", m_limit,
-                        "The most that may come out, in MiB (default: 1024, or 20 times the archive)")
-            ->check(CLI::Range(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max() >> cnMiBShift))
-            ->type_name("MIB");
         app().footer("Refused, with nothing left behind: names that leave the folder, links, encrypted and damaged\n"
                      "archives.\nExample: ovwpaint unzip tips.zip -o tips");
     }
 
 private:
-    static constexpr int cnMiBShift = 20;
-
     void extract(const XCFilePath& file, const XCFilePath& folder, LibraryProgress& progress) override {
         VXUNZIPOPTIONS options;
-        options.maxBytes = m_limit << cnMiBShift;
+        options.maxBytes = limit();
         options.progress = &progress;
         options.abort = &progress;
         if (!xcUnzip(file, folder, &options))
             xcThrowError(vxGetLastError());
     }
-
-    std::uint64_t m_limit = 0;
 };
 
 } // namespace

@@ -131,12 +131,13 @@ constexpr ValueType<Store> bytesType(const char* name) {
 }
 
 constexpr std::array cnPreferenceTypes = {
-    valueType<PreferenceFile, XCString>("text"),          valueType<PreferenceFile, std::int16_t>("int16"),
-    valueType<PreferenceFile, std::uint16_t>("uint16"),   valueType<PreferenceFile, std::int32_t>("int32"),
-    valueType<PreferenceFile, std::uint32_t>("uint32"),   valueType<PreferenceFile, float>("float"),
-    valueType<PreferenceFile, double>("double"),          valueType<PreferenceFile, XCFilePath>("path"),
-    valueType<PreferenceFile, tagRECT>("rect"),           bytesType<PreferenceFile>("data"),
-    valueType<PreferenceFile, tagVXRGBCOLOR16>("colour"),
+    valueType<PreferenceFile, XCString>("text"),        valueType<PreferenceFile, std::int16_t>("int16"),
+    valueType<PreferenceFile, std::uint16_t>("uint16"), valueType<PreferenceFile, std::int32_t>("int32"),
+    valueType<PreferenceFile, std::uint32_t>("uint32"), valueType<PreferenceFile, float>("float"),
+    valueType<PreferenceFile, double>("double"),        valueType<PreferenceFile, XCFilePath>("path"),
+    valueType<PreferenceFile, tagRECT>("rect"),         bytesType<PreferenceFile>("data"),
+    valueType<PreferenceFile, XCLength>("length"),      valueType<PreferenceFile, tagVXRGBCOLOR16>("colour"),
+    valueType<PreferenceFile, _VXNUMBER>("number"),
 };
 
 constexpr std::array cnKeyTypes = {
@@ -147,7 +148,10 @@ constexpr std::array cnKeyTypes = {
     valueType<Key, tagRECT>("rect"),         bytesType<Key>("data"),
     valueType<Key, std::uint8_t>("uint8"),   valueType<Key, std::int64_t>("int64"),
     valueType<Key, std::uint64_t>("uint64"), valueType<Key, tagPOINT>("point"),
-    valueType<Key, tagSIZE>("size"),
+    valueType<Key, tagSIZE>("size"),         valueType<Key, tagPOINTF>("pointf"),
+    valueType<Key, tagSIZEF>("sizef"),       valueType<Key, tagRECTF>("rectf"),
+    valueType<Key, tagPOINTD>("pointd"),     valueType<Key, tagSIZED>("sized"),
+    valueType<Key, tagRECTD>("rectd"),       valueType<Key, XCLength>("length"),
 };
 
 const auto& typesOf(const PreferenceFile&) { return cnPreferenceTypes; }
@@ -157,7 +161,9 @@ std::vector<std::string> typeNames() {
     std::vector<std::string> names;
     for (const auto& type : cnKeyTypes)
         names.emplace_back(type.name);
-    names.emplace_back(cnPreferenceTypes.back().name);
+    for (const auto& type : cnPreferenceTypes)
+        if (std::find(names.begin(), names.end(), type.name) == names.end())
+            names.emplace_back(type.name);
     return names;
 }
 
@@ -233,10 +239,14 @@ public:
         for (CLI::App* action : {m_get, m_set})
             addLabel(*action);
         m_set->add_option("VALUE", m_options.value, "The value")->required();
-        app().footer("Files do not tell the types of their values. Types: text, int16, uint16, int32, uint32, float,\n"
-                     "double, path, rect (left,top,right,bottom), data (hexadecimal); in keys also uint8, int64,\n"
-                     "uint64, point and size (x,y); in preference files also colour (alpha,red,green,blue, 16 bits).\n"
-                     "Example: ovwpaint settings set brush.pff Size 12 --type int32");
+        app().footer(
+            "Files do not tell the types of their values. Types: text, int16, uint16, int32, uint32, float,\n"
+            "double, path, rect (left,top,right,bottom), length (value,unit,resolution), data (hexadecimal);\n"
+            "in keys also uint8, int64, uint64, point and size (x,y), and pointf, sizef, rectf, pointd, sized,\n"
+            "rectd of single and double precision; in preference files also colour (alpha,red,green,blue,\n"
+            "16 bits) and number (12A). Units: 0 pixel, 1 cm, 2 mm, 3 inch, 4 pica, 5 point, 6 Q, 7 and 8\n"
+            "points of 0.3514 and 0.3759 mm, 9 pixel of 600 an inch.\n"
+            "Example: ovwpaint settings set brush.pff Size 12 --type int32");
     }
 
     void run() override {

@@ -15,8 +15,8 @@ _ovwpaint() {
         --method) words="high low near-factor nearest half quarter eighth double fourfold half-all quarter-all
             eighth-all double-all fourfold-all" ;;
         --mono) words="edges even" ;;
-        --type) words="text int16 uint16 int32 uint32 float double path rect data uint8 int64 uint64 point size
-            colour" ;;
+        --type) words="text int16 uint16 int32 uint32 float double path rect length data uint8 int64 uint64 point size
+            pointf sizef rectf pointd sized rectd colour number" ;;
         settings) words="list get set" ;;
     esac
     if [[ -z $words ]]; then

@@ -7,6 +7,9 @@
 #include "ovwcmn/wintypes.h"
 #include "ovwcmn/xccolor.h"
 #include "ovwcmn/xcfilepath.h"
+#include "ovwcmn/xcgeometry.h"
+#include "ovwcmn/xclength.h"
+#include "ovwcmn/xcnumber.h"
 #include "ovwcmn/xcstring.h"
 
 #include <array>
@@ -16,6 +19,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 #include <vector>
 
@@ -37,30 +41,52 @@ std::string formatValue(Number number) requires std::is_arithmetic_v<Number> {
 /// What consists of numbers of one kind, which stand in the text with commas between.
 template <class Value>
 struct NumbersOf;
+template <class Number, std::size_t Count>
+struct Numbers {
+    using Array = std::array<Number, Count>;
+};
 template <>
-struct NumbersOf<tagPOINT> : std::array<std::int32_t, 2> {};
+struct NumbersOf<tagPOINT> : Numbers<std::int32_t, 2> {};
 template <>
-struct NumbersOf<tagSIZE> : std::array<std::int32_t, 2> {};
+struct NumbersOf<tagSIZE> : Numbers<std::int32_t, 2> {};
 template <>
-struct NumbersOf<tagRECT> : std::array<std::int32_t, 4> {};
+struct NumbersOf<tagRECT> : Numbers<std::int32_t, 4> {};
 template <>
-struct NumbersOf<tagVXRGBCOLOR16> : std::array<std::uint16_t, 4> {};
+struct NumbersOf<tagPOINTF> : Numbers<float, 2> {};
+template <>
+struct NumbersOf<tagSIZEF> : Numbers<float, 2> {};
+template <>
+struct NumbersOf<tagRECTF> : Numbers<float, 4> {};
+template <>
+struct NumbersOf<tagPOINTD> : Numbers<double, 2> {};
+template <>
+struct NumbersOf<tagSIZED> : Numbers<double, 2> {};
+template <>
+struct NumbersOf<tagRECTD> : Numbers<double, 4> {};
+template <>
+struct NumbersOf<tagVXRGBCOLOR16> : Numbers<std::uint16_t, 4> {};
 
 template <class Value>
 concept NumberGroup = requires {
-    sizeof(NumbersOf<Value>);
+    typename NumbersOf<Value>::Array;
 };
+
+/// Just these numbers.
+template <class First, class... More>
+bool parseList(std::string_view text, First& first, More&... more) {
+    const std::size_t comma = text.find(',');
+    if ((comma == std::string_view::npos) != (sizeof...(more) == 0) || !parseValue(text.substr(0, comma), first))
+        return false;
+    if constexpr (sizeof...(more) > 0)
+        return parseList(text.substr(comma + 1), more...);
+    return true;
+}
 
 template <NumberGroup Value>
 bool parseValue(std::string_view text, Value& value) {
-    NumbersOf<Value> numbers;
-    for (auto& number : numbers) {
-        const bool isLast = &number == &numbers.back();
-        const std::size_t comma = text.find(',');
-        if ((comma == std::string_view::npos) != isLast || !parseValue(text.substr(0, comma), number))
-            return false;
-        text.remove_prefix(isLast ? text.size() : comma + 1);
-    }
+    typename NumbersOf<Value>::Array numbers;
+    if (!std::apply([&](auto&... number) { return parseList(text, number...); }, numbers))
+        return false;
     static_assert(sizeof numbers == sizeof value);
     std::memcpy(&value, numbers.data(), sizeof value);
     return true;
@@ -68,7 +94,7 @@ bool parseValue(std::string_view text, Value& value) {
 
 template <NumberGroup Value>
 std::string formatValue(const Value& value) {
-    NumbersOf<Value> numbers;
+    typename NumbersOf<Value>::Array numbers;
     std::memcpy(numbers.data(), &value, sizeof value);
     std::string text;
     for (const auto number : numbers)
@@ -87,6 +113,24 @@ inline bool parseValue(const std::string& text, XCFilePath& value) {
     return true;
 }
 inline std::string formatValue(const XCFilePath& value) { return xcPathToPosix(value).GetStr(); }
+
+/// Value, unit code and resolution.
+inline bool parseValue(std::string_view text, XCLength& value) {
+    _VXLENGTH parts;
+    const bool isLength = parseList(text, parts.value, parts.unit, parts.resolution);
+    if (isLength)
+        value = parts;
+    return isLength;
+}
+inline std::string formatValue(const XCLength& value) {
+    return formatValue(value.GetData()) + ',' + formatValue(value.GetUnit()) + ',' + formatValue(value.GetResolution());
+}
+
+/// A sheet number with its suffix.
+inline bool parseValue(const std::string& text, _VXNUMBER& value) {
+    return XCNumber::GetNumberFromString(value, text.c_str());
+}
+inline std::string formatValue(const _VXNUMBER& value) { return formatValue(value.number) + value.suffix; }
 
 /// Bytes as two hexadecimal digits each.
 std::optional<std::vector<std::uint8_t>> parseBytes(std::string_view text);

@@ -233,8 +233,8 @@ int openByDisposition(const std::string& posix, const OpenRequest& request, Desc
     const bool mayCreate =
         request.disposition != Disposition::openExisting && request.disposition != Disposition::truncateExisting;
     const auto tryOpen = [&](int flags) {
-        out = Descriptor(
-            retryInterrupted([&] { return ::open(posix.c_str(), access | O_CLOEXEC | flags, cnOrdinaryMode); }));
+        flags |= access | O_CLOEXEC | O_NONBLOCK; // a pipe would wait for its other end
+        out = Descriptor(retryInterrupted([&] { return ::open(posix.c_str(), flags, cnOrdinaryMode); }));
         return out.isOpen();
     };
     created = false;
@@ -266,11 +266,14 @@ int openPrivate(const std::string& posix, bool mayReplace, Descriptor& out) {
     return cnErrorSharingViolation;
 }
 
-/// What Windows refuses although the system would not: folders as files, and writing to a read-only file as root.
+/// What Windows refuses although the system would not: folders as files, and writing to a read-only file as root. A
+/// pipe has no positions.
 int refuseOpened(const Descriptor& descriptor, const OpenRequest& request, bool created) {
     struct stat status;
     if (::fstat(descriptor.get(), &status) != 0)
         return lastError();
+    if (S_ISFIFO(status.st_mode))
+        return systemErrorFromErrno(ESPIPE);
     const bool denied = S_ISDIR(status.st_mode) || (request.write && !created && !(status.st_mode & cnAnyWrite));
     return denied ? cnErrorAccessDenied : 0;
 }
@@ -285,6 +288,7 @@ public:
     int createFolder(const std::string& path) override;
     int rename(const std::string& from, const std::string& to) override;
     int replaceFile(const std::string& from, const std::string& to) override;
+    int copyLink(const std::string& from, const std::string& to) override;
     int list(const std::string& folder, std::vector<std::string>& names) override;
     int volume(const std::string& path, VolumeInformation& out) override;
     int temporaryFolder(std::string& out) override;
@@ -409,7 +413,7 @@ int PosixFileSystem::replaceFile(const std::string& from, const std::string& to)
     const std::string source = toPosixPath(from), target = toPosixPath(to);
     struct stat status;
     const bool exists = ::stat(target.c_str(), &status) == 0;
-    if (exists && (S_ISDIR(status.st_mode) || !(status.st_mode & cnAnyWrite)))
+    if (exists && (!S_ISREG(status.st_mode) || !(status.st_mode & cnAnyWrite)))
         return cnErrorAccessDenied;
     const mode_t mode = exists ? status.st_mode & 0777 : newFileMode();
     if (::chmod(source.c_str(), mode) != 0)
@@ -423,6 +427,12 @@ int PosixFileSystem::replaceFile(const std::string& from, const std::string& to)
     return 0;
 }
 
+int PosixFileSystem::copyLink(const std::string& from, const std::string& to) {
+    std::error_code error;
+    std::filesystem::copy_symlink(toPosixPath(from), toPosixPath(to), error);
+    return error ? systemErrorFromErrno(error.value()) : 0;
+}
+
 int PosixFileSystem::list(const std::string& folder, std::vector<std::string>& names) {
     const std::string posix = toPosixPath(folder);
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(posix.c_str()), ::closedir);
@@ -431,9 +441,7 @@ int PosixFileSystem::list(const std::string& folder, std::vector<std::string>& n
     std::vector<std::string> found;
     errno = 0;
     while (const dirent* entry = ::readdir(stream.get())) {
-        // A name without a form of the library would lead to another file: it stays out of sight.
-        if (std::string name = toLibraryName(entry->d_name); !name.empty())
-            found.push_back(std::move(name));
+        found.push_back(toLibraryName(entry->d_name));
         errno = 0;
     }
     if (errno != 0)

@@ -4,10 +4,17 @@
 #include "ovwcmn/xcfile.h"
 #include "persistence/replacingfile.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 
 namespace ovw::persistence {
+
+/// The most bytes that may come out of an archive: `wanted`, or for 0 what an honest one hardly reaches.
+constexpr std::uint64_t expansionLimit(std::uint64_t wanted, std::uint64_t archiveBytes) {
+    constexpr std::uint64_t cnLeast = 1u << 30, cnRatio = 20;
+    return wanted ? wanted : std::max(cnLeast, cnRatio * archiveBytes);
+}
 
 /// A file that comes out of an archive. It is removed unless it is finished, replaces an existing file in one step, and
 /// is never written through a link that lies in its place.

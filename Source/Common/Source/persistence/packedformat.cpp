@@ -36,24 +36,34 @@ XCString readName(XCArchive& archive) {
     return name;
 }
 
-void checkFolderEntries(XCArchive& archive, std::uint32_t count, int nesting);
+/// A walk over entries that looks at everything but the contents.
+struct Check {
+    XCArchive& archive;
+    std::uint64_t left; // bytes that may still come out
 
-void checkEntry(XCArchive& archive, int nesting) {
+    void folder(std::uint32_t count, int nesting);
+    void entry(int nesting);
+};
+
+void Check::entry(int nesting) {
     if (readKind(archive) == PackedKind::folder)
-        return checkFolderEntries(archive, readFolderRecord(archive).entries, nesting + 1);
-    const PackedFileRecord record = readFileRecord(archive);
-    if (record.size == 0)
+        return folder(readFolderRecord(archive).entries, nesting + 1);
+    const auto size = static_cast<std::uint32_t>(readFileRecord(archive).size);
+    if (size == 0)
         return;
-    requireFrame(archive, static_cast<std::uint32_t>(record.size));
+    requireFrame(archive, size);
+    if (size > left)
+        xcThrowError(cnCodeFileFormat);
+    left -= size;
     archive.SeekSection(); // a frame is laid out as a section is
 }
 
-void checkFolderEntries(XCArchive& archive, std::uint32_t count, int nesting) {
+void Check::folder(std::uint32_t count, int nesting) {
     if (nesting > cnMaxNesting)
         xcThrowError(cnCodeFileFormat);
     archive.RequireRemaining(std::uint64_t{count} * cnMinEntryBytes);
     for (std::uint32_t i = 0; i < count; ++i)
-        checkEntry(archive, nesting);
+        entry(nesting);
 }
 
 } // namespace
@@ -119,9 +129,9 @@ PackedFolderRecord readFolderRecord(XCArchive& archive) {
     return record;
 }
 
-void checkEntries(XCArchive& archive, std::uint32_t count) {
+void checkEntries(XCArchive& archive, std::uint32_t count, std::uint64_t limit) {
     const std::uint32_t start = archive.GetPosition();
-    checkFolderEntries(archive, count, 0);
+    Check{archive, limit}.folder(count, 0);
     archive.Seek(static_cast<int>(start), 0);
 }
 

@@ -48,8 +48,9 @@ struct PackedFolderRecord {
 void writeFolderRecord(XCArchive& archive, const PackedFolderRecord& record);
 PackedFolderRecord readFolderRecord(XCArchive& archive);
 
-/// Walks the entries at the position and back, without expanding anything.
-void checkEntries(XCArchive& archive, std::uint32_t count);
+/// Walks the entries at the position and back, without expanding anything. Throws 0x2001000B also when the files have
+/// more than `limit` bytes together.
+void checkEntries(XCArchive& archive, std::uint32_t count, std::uint64_t limit);
 
 /// Whether a name is one component that stays in its folder, here and on other systems.
 bool isPlainName(const char* name);

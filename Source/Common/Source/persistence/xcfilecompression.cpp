@@ -6,10 +6,10 @@
 #include "ovwcmn/vxwutl.h"
 #include "ovwcmn/xcexception.h"
 #include "ovwcmn/xcfile.h"
-#include "ovwcmn/xcfindfile.h"
 #include "ovwcmn/xcprogress.h"
 #include "ovwcmn/xczlib.h"
 #include "persistence/extractedfile.h"
+#include "persistence/folderentries.h"
 #include "persistence/packedformat.h"
 #include "persistence/progressscope.h"
 #include "persistence/replacingfile.h"
@@ -22,15 +22,6 @@
 
 namespace platform = ovw::platform;
 using namespace ovw::persistence;
-
-namespace ovw::persistence {
-
-struct PackedItem {
-    XCFilePath path;
-    bool isFolder;
-};
-
-} // namespace ovw::persistence
 
 namespace {
 
@@ -49,18 +40,6 @@ public:
 private:
     XCArchiveFile& m_archive;
 };
-
-/// False, with the code in vxGetLastError(), when the path leads nowhere.
-bool lookAt(const XCFilePath& path, platform::FileInformation& information) {
-    const int code = platform::fileSystem().information(static_cast<const char*>(path), information);
-    if (code != 0)
-        vxSetLastError(code);
-    return code == 0;
-}
-
-bool isFolder(const platform::FileInformation& information) {
-    return information.attributes & platform::attributeFolder;
-}
 
 /// The last component whole: a ":" in it is part of the name on this system.
 XCString packableName(const XCFilePath& path) {
@@ -129,11 +108,11 @@ int XCFileCompression::Compress(const XCFilePath& packedFile, const XCTArray<XCF
     ReplacingFile growing(packedFile, "ovw");
     m_packedFile = packedFile;
     m_growingFile = growing.path();
-    const std::vector<PackedItem> entries = itemsOf(items);
+    const std::vector<FolderEntry> entries = itemsOf(items);
     PackedHead head;
     head.items = static_cast<std::uint32_t>(entries.size());
-    for (const PackedItem& entry : entries)
-        head.files += entry.isFolder ? static_cast<std::uint32_t>(GetFileCount(entry.path)) : 1;
+    for (const FolderEntry& entry : entries)
+        head.files += entry.isFolder() ? static_cast<std::uint32_t>(GetFileCount(entry.path)) : 1;
     const ProgressScope progress(m_progress, head.files);
     m_archive.Init(cnSavingFlags, XCArchiveFile::cnCacheSize);
     createForWriting(m_archive, growing.path(), 0, 0);
@@ -146,51 +125,43 @@ int XCFileCompression::Compress(const XCFilePath& packedFile, const XCTArray<XCF
     return result;
 }
 
-std::vector<PackedItem> XCFileCompression::itemsOf(const XCTArray<XCFilePath*>& paths) const {
-    std::vector<PackedItem> items;
+std::vector<FolderEntry> XCFileCompression::itemsOf(const XCTArray<XCFilePath*>& paths) const {
+    std::vector<FolderEntry> items;
     for (const XCFilePath* const path : paths) {
         platform::FileInformation information;
         if (path && !isOwnFile(*path) && lookAt(*path, information) && !information.isSpecial)
-            items.push_back({*path, isFolder(information)});
+            items.push_back({*path, information});
     }
     return items;
 }
 
-std::vector<PackedItem> XCFileCompression::entriesOf(const XCFilePath& folder) const {
-    std::vector<PackedItem> entries;
-    XCFindFile search;
-    if (!search.First(folder))
-        xcThrowError(vxGetLastError());
-    do {
-        const XCFilePath& path = search.GetFilePath();
-        platform::FileInformation information;
-        if (search.IsParentFolder() || isOwnFile(path) || !lookAt(path, information))
-            continue;
-        const bool isLinkToFolder = information.isLink && isFolder(information); // it may lead in circles
-        if (!isLinkToFolder && !information.isSpecial)
-            entries.push_back({path, isFolder(information)});
-    } while (search.Next());
+std::vector<FolderEntry> XCFileCompression::entriesOf(const XCFilePath& folder) const {
+    std::vector<FolderEntry> entries = folderEntries(folder);
+    std::erase_if(entries, [this](const FolderEntry& entry) {
+        const bool isLinkToFolder = entry.isLink() && entry.isFolder(); // it may lead in circles
+        return isLinkToFolder || entry.information.isSpecial || isOwnFile(entry.path);
+    });
     return entries;
 }
 
 int XCFileCompression::GetFileCount(const XCFilePath& folder) {
     int count = 0;
-    for (const PackedItem& entry : entriesOf(folder))
-        count += entry.isFolder ? GetFileCount(entry.path) : 1;
+    for (const FolderEntry& entry : entriesOf(folder))
+        count += entry.isFolder() ? GetFileCount(entry.path) : 1;
     return count;
 }
 
-int XCFileCompression::compressEntries(const std::vector<PackedItem>& entries) {
-    for (const PackedItem& entry : entries) {
-        m_archive << static_cast<std::uint16_t>(entry.isFolder ? PackedKind::folder : PackedKind::file);
-        if (!(entry.isFolder ? CompressFolder(entry.path) : CompressFile(entry.path)))
+int XCFileCompression::compressEntries(const std::vector<FolderEntry>& entries) {
+    for (const FolderEntry& entry : entries) {
+        m_archive << static_cast<std::uint16_t>(entry.isFolder() ? PackedKind::folder : PackedKind::file);
+        if (!(entry.isFolder() ? CompressFolder(entry.path) : CompressFile(entry.path)))
             return 0;
     }
     return 1;
 }
 
 int XCFileCompression::CompressFolder(const XCFilePath& folder) {
-    const std::vector<PackedItem> entries = entriesOf(folder);
+    const std::vector<FolderEntry> entries = entriesOf(folder);
     writeFolderRecord(m_archive, {packableName(folder), static_cast<std::uint32_t>(entries.size())});
     return compressEntries(entries);
 }
@@ -214,7 +185,7 @@ int XCFileCompression::Decompress(const XCFilePath& destFolder, const XCFilePath
     m_archive.FileOpen(packedFile, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0);
     const ArchiveScope closing(m_archive);
     const PackedHead head = readHead(m_archive);
-    checkEntries(m_archive, head.items);
+    checkEntries(m_archive, head.items, expansionLimit(m_unpackLimit, m_archive.GetLength()));
     const ProgressScope progress(m_progress, head.files);
     return decompressEntries(destFolder, head.items);
 }

@@ -7,14 +7,14 @@
 #include "Utility/vxfile.h"
 #include "ovwcmn/vxwutl.h"
 #include "ovwcmn/xcexception.h"
-#include "ovwcmn/xcfindfile.h"
+#include "persistence/folderentries.h"
 #include "persistence/pathtext.h"
 
 #include <string>
+#include <vector>
 
 namespace platform = ovw::platform;
-using ovw::persistence::equalNoCase;
-using ovw::persistence::text;
+using namespace ovw::persistence;
 
 namespace {
 
@@ -53,29 +53,63 @@ void refuseExisting(const XCFilePath& destFolder, const XCFilePath& src) {
         xcThrowError(ovw::foundation::cnCodeFileExists);
 }
 
+void copyEntries(const XCFilePath& target, const XCFilePath& src);
+
+/// A file, a folder with all that it holds, or a link, which is not followed.
+void copyEntry(const XCFilePath& target, const FolderEntry& src) {
+    if (src.isLink()) {
+        if (const int code = platform::fileSystem().copyLink(static_cast<const char*>(src.path), trimmed(target)))
+            fail(code);
+    } else if (src.isFolder()) {
+        copyEntries(target, src.path);
+    } else {
+        copyOrThrow(src.path, target, 1);
+    }
+}
+
 /// Creates the target as the source is, if need be, and copies all entries of the source into it.
 void copyEntries(const XCFilePath& target, const XCFilePath& src) {
     platform::FileSystem& files = platform::fileSystem();
+    const std::vector<FolderEntry> entries = folderEntries(src);
     const bool isNew = !target.IsExistence();
     if (isNew)
         if (const int code = files.createFolder(static_cast<const char*>(target)))
             fail(code);
-    XCFindFile search;
-    for (int found = search.First(src); found; found = search.Next()) {
-        if (search.IsParentFolder())
-            continue;
-        const XCFilePath entry(search.GetFilePath());
+    for (const FolderEntry& entry : entries) {
         XCFilePath copy(target);
-        copy += fileName(entry).c_str();
-        if (search.IsFolder())
-            XCFilePath::CopyFolder(target, entry, 0, 1);
-        else
-            copyOrThrow(entry, copy, 1);
+        copy += entry.name.c_str();
+        copyEntry(copy, entry);
     }
     // Last: a folder that is read-only on this system takes no entries.
     platform::FileInformation information;
-    if (isNew && files.information(static_cast<const char*>(src), information) == 0)
+    if (isNew && lookAt(src, information))
         files.setAttributes(static_cast<const char*>(target), information.attributes);
+}
+
+/// 0 or the system's code. A link goes, not what it leads to.
+int removeWhole(const XCFilePath& path) {
+    platform::FileSystem& files = platform::fileSystem();
+    const std::string full = trimmed(path);
+    FolderEntry entry;
+    if (const int code = files.information(full, entry.information))
+        return code;
+    return entry.isFolder() && !entry.isLink() ? files.removeFolder(full) : files.removeFile(full);
+}
+
+/// To another volume: the source goes when all of it has arrived; what has arrived goes when something fails.
+void moveAcross(const XCFilePath& target, const XCFilePath& src) {
+    FolderEntry entry = {trimmed(src).c_str()};
+    if (!lookAt(entry.path, entry.information))
+        xcThrowError(vxGetLastError());
+    try {
+        copyEntry(target, entry);
+    } catch (const XCException&) {
+        if (entry.isFolder() && !entry.isLink())
+            removeWhole(target); // files take care of themselves
+        throw;
+    }
+    if (const int code = removeWhole(src))
+        fail(code);
 }
 
 } // namespace
@@ -116,16 +150,10 @@ void XCFilePath::CreateFolder() const {
 void XCFilePath::Delete(int toRecycleBin) const {
     if (IsEmpty() || !IsExistence())
         return;
-    platform::FileSystem& files = platform::fileSystem();
-    const std::string path = trimmed(*this);
-    platform::FileInformation information;
-    files.information(path, information);
     if (toRecycleBin)
-        files.moveToTrash(path);
-    else if ((information.attributes & platform::attributeFolder) && !information.isLink)
-        files.removeFolder(path);
+        platform::fileSystem().moveToTrash(trimmed(*this));
     else
-        files.removeFile(path);
+        removeWhole(*this);
 }
 
 void XCFilePath::FileDelete(int toRecycleBin) const {
@@ -158,11 +186,9 @@ void XCFilePath::MoveFileA(const XCFilePath& dest, const XCFilePath& src, int fa
             xcThrowError(code);
     }
     code = platform::fileSystem().rename(from, to);
-    if (code == platform::cnErrorNotSameDevice && !src.IsFolder()) {
-        copyOrThrow(src, dest, 1);
-        code = vxDeleteFile(src, &code) ? 0 : code;
-    }
-    if (code != 0)
+    if (code == platform::cnErrorNotSameDevice && !src.IsFolder())
+        moveAcross(dest, src);
+    else if (code != 0)
         fail(code);
 }
 
@@ -202,10 +228,8 @@ void XCFilePath::MoveFolder(const XCFilePath& destFolder, const XCFilePath& src,
         target += fileName(src).c_str();
     const int code = target.IsExistence() ? platform::cnErrorAlreadyExists
                                           : platform::fileSystem().rename(trimmed(src), trimmed(target));
-    if (code == platform::cnErrorNotSameDevice) {
-        CopyFolder(destFolder, src, 0, 1);
-        src.Delete(0);
-    } else if (code != 0) {
+    if (code == platform::cnErrorNotSameDevice)
+        moveAcross(target, src);
+    else if (code != 0)
         fail(code);
-    }
 }

@@ -9,14 +9,15 @@
 #include "ovwcmn/vxwutl.h"
 #include "ovwcmn/xcexception.h"
 #include "ovwcmn/xcfile.h"
-#include "ovwcmn/xcfindfile.h"
 #include "persistence/filetime.h"
+#include "persistence/folderentries.h"
 #include "persistence/pathtext.h"
 #include "persistence/versionresource.h"
 
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace platform = ovw::platform;
 using ovw::persistence::text;
@@ -43,10 +44,7 @@ int findVolume(std::string path, platform::VolumeInformation& out) {
 bool informationOf(const XCFilePath& path, platform::FileInformation& out) {
     if (path.IsEmpty() || path.GetFullPathLength() >= static_cast<int>(cnPathBufferSize))
         return false;
-    const int code = platform::fileSystem().information(static_cast<const char*>(path), out);
-    if (code != 0)
-        vxSetLastError(code);
-    return code == 0;
+    return ovw::persistence::lookAt(path, out);
 }
 
 /// One member of the volume's description; `unsupported` for a volume that cannot tell, 0 on any other failure.
@@ -118,13 +116,9 @@ int XCFilePath::IsFileType(std::uint32_t) const { return 0; }
 void XCFilePath::GetCreaterAndType(std::uint32_t& creator, std::uint32_t& type) const { creator = type = 0; }
 
 int XCFilePath::IsFolderEmpty() const {
-    if (!IsFolder())
-        return 0;
-    XCFindFile search;
-    for (int found = search.First(*this); found; found = search.Next())
-        if (!search.IsParentFolder())
-            return 0;
-    return 1;
+    constexpr std::size_t cnOwnAndParent = 2;
+    std::vector<std::string> names;
+    return IsFolder() && platform::fileSystem().list(text(m_strPath), names) == 0 && names.size() <= cnOwnAndParent;
 }
 
 void XCFilePath::GetTime(XCTime& time) const {

@@ -81,8 +81,8 @@ int XCFindFile::Next() {
     while (m_pNames && m_nNext < m_pNames->size()) {
         const std::string& name = (*m_pNames)[m_nNext++];
         tagFindInfo entry = m_info;
-        if (!copyText(entry.name, name.c_str()) || findEntry(entry) != 0)
-            continue; // it has vanished meanwhile
+        if (name.empty() || !copyText(entry.name, name.c_str()) || findEntry(entry) != 0)
+            continue; // it cannot be named here, or has vanished meanwhile
         SetFindInfos(entry);
         m_info = entry;
         return 1;

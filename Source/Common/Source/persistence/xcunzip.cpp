@@ -25,8 +25,6 @@ namespace {
 
 constexpr std::uint32_t cnStored = 0;
 constexpr std::uint32_t cnDeflated = 8;
-constexpr std::uint64_t cnDefaultBytes = 1u << 30;
-constexpr std::uint64_t cnDefaultRatio = 20;
 
 constexpr std::uint32_t cnModeType = 0170000; // of a Unix mode
 constexpr std::uint32_t cnModeFile = 0100000;
@@ -61,10 +59,6 @@ XCFilePath pathOf(const XCFilePath& destFolder, const ZipPlace& place) {
     return path;
 }
 
-std::uint64_t byteLimit(const ZipReader& zip, const VXUNZIPOPTIONS& options) {
-    return options.maxBytes ? options.maxBytes : std::max(cnDefaultBytes, cnDefaultRatio * zip.archiveBytes());
-}
-
 /// Throws unless the entry can be extracted, as far as the directory tells.
 void checkEntry(const ZipEntry& entry, const XCFilePath& destFolder) {
     const std::uint32_t type = entry.unixMode & cnModeType;
@@ -96,7 +90,7 @@ void forEachEntry(ZipReader& zip, Visit visit) {
 void checkDirectory(ZipReader& zip, const XCFilePath& destFolder, const VXUNZIPOPTIONS& options) {
     if (zip.entryCount() > options.maxEntries)
         xcThrowError(cnCodeFileFormat);
-    std::uint64_t left = byteLimit(zip, options);
+    std::uint64_t left = expansionLimit(options.maxBytes, zip.archiveBytes());
     forEachEntry(zip, [&](const ZipEntry& entry) {
         checkEntry(entry, destFolder);
         if (entry.size > left)

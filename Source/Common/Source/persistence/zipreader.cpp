@@ -24,7 +24,6 @@ constexpr std::uint32_t cnWindowBytes = 1 << 15;
 constexpr char cnEndSignature[] = {'P', 'K', 5, 6};
 constexpr std::size_t cnEndRecordBytes = 22;
 
-constexpr std::size_t cnMaxExtraBytes = 65535;
 constexpr std::size_t cnExtraHeadBytes = 4; // identifier and size
 constexpr std::uint32_t cnLongSizes = 1;    // the identifier of sizes of 64 bits
 constexpr std::uint64_t cnSizeElsewhere = 0xFFFFFFFF;
@@ -38,15 +37,16 @@ std::uint64_t littleEndian(std::span<const std::uint8_t> bytes) {
 
 /// Where the size does not fit 32 bits, an extra field begins with it; minizip 1.1 misses that on systems whose long
 /// has 64 bits.
-void takeLongSize(std::span<const std::uint8_t> extra, ZipEntry& entry) {
-    while (entry.size == cnSizeElsewhere && extra.size() >= cnExtraHeadBytes) {
+std::uint64_t longSize(std::span<const std::uint8_t> extra) {
+    while (extra.size() >= cnExtraHeadBytes) {
         const std::size_t size = littleEndian(extra.subspan(2, 2));
         const bool isLongSizes = littleEndian(extra.first(2)) == cnLongSizes;
         extra = extra.subspan(cnExtraHeadBytes);
-        if (isLongSizes && size >= sizeof entry.size && size <= extra.size())
-            entry.size = littleEndian(extra.first(sizeof entry.size));
+        if (isLongSizes && size >= sizeof(std::uint64_t) && size <= extra.size())
+            return littleEndian(extra.first(sizeof(std::uint64_t)));
         extra = extra.subspan(std::min(size, extra.size()));
     }
+    return cnSizeElsewhere;
 }
 
 } // namespace
@@ -159,25 +159,29 @@ void ZipReader::goToNext() { check(unzGoToNextFile(m_zip)); }
 ZipEntry ZipReader::entry() const {
     unz_file_info64 information = {};
     std::array<char, cnMaxNameBytes + 1> name = {};
-    std::vector<std::uint8_t> extra(cnMaxExtraBytes);
-    check(
-        unzGetCurrentFileInfo64(m_zip, &information, name.data(), name.size(), extra.data(), extra.size(), nullptr, 0));
+    check(unzGetCurrentFileInfo64(m_zip, &information, name.data(), name.size(), nullptr, 0, nullptr, 0));
     if (information.size_filename > cnMaxNameBytes)
         xcThrowError(platform::cnErrorFileNameTooLong);
     if (std::strlen(name.data()) != information.size_filename)
         xcThrowError(foundation::cnCodeFileFormat); // a NUL within
-    extra.resize(std::min<std::size_t>(extra.size(), information.size_file_extra));
     ZipEntry entry;
     entry.name = name.data();
     entry.size = information.uncompressed_size;
     entry.packedSize = information.compressed_size;
     entry.isTooLong = entry.packedSize >= cnSizeElsewhere;
-    takeLongSize(extra, entry);
+    if (entry.size == cnSizeElsewhere)
+        entry.size = longSize(extraField(information.size_file_extra));
     entry.checkSum = static_cast<std::uint32_t>(information.crc);
     entry.method = static_cast<std::uint32_t>(information.compression_method);
     entry.unixMode = static_cast<std::uint32_t>(information.external_fa) >> cnUnixModeShift;
     entry.isEncrypted = information.flag & cnEncryptedFlag;
     return entry;
+}
+
+std::vector<std::uint8_t> ZipReader::extraField(std::size_t size) const {
+    std::vector<std::uint8_t> extra(size);
+    check(unzGetCurrentFileInfo64(m_zip, nullptr, nullptr, 0, extra.data(), extra.size(), nullptr, 0));
+    return extra;
 }
 
 std::size_t ZipReader::expandPiece(char* to, std::uint64_t size) {

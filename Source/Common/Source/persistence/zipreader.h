@@ -47,6 +47,7 @@ public:
 
 private:
     void check(int result) const;
+    std::vector<std::uint8_t> extraField(std::size_t size) const;
     bool isEmptyArchive();
     std::size_t read(char* to, std::size_t size);
     std::size_t expandPiece(char* to, std::uint64_t size);
