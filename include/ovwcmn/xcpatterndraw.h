@@ -211,7 +211,6 @@ private:
     void chooseBendPattern();
     void drawBendedSegment(XCRect& painted, const XCStrokePoint& a, const XCStrokePoint& b, double startDirection,
                            double endDirection);
-    void loadColorAverage(XCRect& painted, const XCStrokePoint& pixelPoint);
     void drawPosition(XCRect& painted, const XCStrokePoint& pixelPoint, double intervalRatio);
 
     PDOFFSCREENINFO m_info;

@@ -78,6 +78,10 @@ TEST(BrushBadInput, StrokesTakeAnySample) {
             studio.draw({penAt(50, 50), penAt(bad, 60), penAt(70, bad), penAt(90, 90)});
             studio.draw({penAt(bad, bad), penAt(bad, bad)});
             studio.draw({penAt(50, 50, float(bad)), penAt(90, 90, float(bad))});
+            studio.fill(0);
+            studio.method.ClearTempImage();
+            studio.draw({penAt(50, 50), penAt(70, 70, float(bad)), penAt(110, 110), penAt(160, 160)});
+            EXPECT_NE(studio.image.value(140, 140) >> 24, 0u) << "the stroke goes on behind " << bad;
             XCStrokePoint point = penAt(bad, 60);
             studio.begin();
             studio.engine.DrawSinglePattern(nullptr, &point, bad);

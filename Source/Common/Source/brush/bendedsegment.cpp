@@ -75,7 +75,7 @@ void XCPatternDraw::drawBendedSegment(XCRect& painted, const XCStrokePoint& a, c
     float secondScale = 0.0f;
     int side = 0;
     m_param->ParamForBendPattern(&a, &b, stamp, secondScale, side);
-    if (stamp.opacity == 0)
+    if (stamp.opacity == 0 || !std::isfinite(stamp.sizeScale) || !std::isfinite(secondScale))
         return;
     const double least = stamp.overSampling ? cnLeastSoftWidth : 0.0;
     const double widthFirst = std::max(static_cast<double>(stamp.size) * stamp.sizeScale, least);
@@ -99,7 +99,8 @@ void XCPatternDraw::drawBendedSegment(XCRect& painted, const XCStrokePoint& a, c
     XCFastPixelMixer mixer;
     setup.configure(mixer, *m_plotGauss, m_colorAverage.get(), 0);
     keepLargerCoverage(mixer);
-    m_bend->trail().setInset(mixer.IsUseCache() || stamp.opacity == 255 ? 1.0 : 0.0);
+    const bool isOpaque = stamp.opacity == 255 && stamp.opacityScale >= 1.0f && stamp.color >> 24 == 255;
+    m_bend->trail().setInset(mixer.IsUseCache() || isOpaque ? 1.0 : 0.0);
     XCRect changed;
     if (tip->DrawBendedPattern(&changed, m_method->GetOffscreen(), &mixer, first, second, side, setup.antialias(),
                                &m_bend->trail()))

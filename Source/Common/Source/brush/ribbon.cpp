@@ -30,19 +30,15 @@ double turnBetween(double from, double to) { return vxRotOffCalc(vxRotNormal(fro
 void RibbonTrail::add(const MapOutline& piece, double length, double width) {
     m_length += length;
     m_width = width;
-    const Piece added{piece, piece.pixels(cnImageOrigin), m_length};
-    if (m_pieces.size() < cnMostPieces) {
-        m_pieces.push_back(added);
-        return;
-    }
-    m_pieces[m_next] = added;
-    m_next = (m_next + 1) % cnMostPieces;
+    m_pieces.push_back({piece, piece.pixels(cnImageOrigin), m_length});
+    while (m_pieces.size() > cnMostPieces || m_length - m_pieces.front().end > cnMemory * m_width)
+        m_pieces.pop_front();
 }
 
 void RibbonTrail::markCovered(CoveredPixels& covered, std::int64_t y, std::int64_t from, std::int64_t to,
                               double offset) const {
     for (const Piece& piece : m_pieces) {
-        if (y < piece.pixels.top || y >= piece.pixels.bottom || m_length - piece.end > cnMemory * m_width)
+        if (y < piece.pixels.top || y >= piece.pixels.bottom)
             continue;
         double left = 0.0;
         double right = 0.0;

@@ -8,7 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <deque>
 
 namespace ovw::brush {
 
@@ -38,9 +38,9 @@ public:
     }
 
 private:
-    static constexpr std::size_t cnMostPieces = 128;
     /// Pieces further behind than this many widths are forgotten.
     static constexpr double cnMemory = 3.0;
+    static constexpr std::size_t cnMostPieces = 4096; ///< of a ribbon that turns on the spot
 
     struct Piece {
         MapOutline outline;
@@ -51,8 +51,7 @@ private:
 
     void markCovered(CoveredPixels& covered, std::int64_t y, std::int64_t from, std::int64_t to, double offset) const;
 
-    std::vector<Piece> m_pieces; ///< a ring
-    std::size_t m_next = 0;
+    std::deque<Piece> m_pieces; ///< in the order of the way
     double m_inset = 0.0;
     double m_length = 0.0;
     double m_width = 0.0;

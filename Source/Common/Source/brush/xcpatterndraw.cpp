@@ -193,8 +193,8 @@ void XCPatternDraw::drawSegment(XCRect& painted, const XCStrokePoint& a, const X
     PaintedPart part(*this, painted);
     const double length = XCStroke::GetPointLength(&a, &b);
     const bool isFirst = m_positionCount == 0;
-    if (isFirst)
-        loadColorAverage(part.pixels, toPixels(a));
+    if (isFirst && m_colorAverage)
+        drawPosition(part.pixels, toPixels(a), 1.0);
     const double keptDirection = m_direction;
     if (needsDirection()) {
         if (isFirst) {
@@ -242,12 +242,6 @@ void XCPatternDraw::walkSegment(XCRect& painted, const XCStrokePoint& a, const X
     }
 }
 
-/// Lets a smudging brush pick up its first colour.
-void XCPatternDraw::loadColorAverage(XCRect& painted, const XCStrokePoint& pixelPoint) {
-    if (m_colorAverage && m_param->IsUseMixColorParam())
-        drawPosition(painted, pixelPoint, 1.0);
-}
-
 /// The stamps of one position.
 void XCPatternDraw::drawPosition(XCRect& painted, const XCStrokePoint& pixelPoint, double intervalRatio) {
     m_param->BeginPlotParam(&pixelPoint, intervalRatio);
@@ -269,7 +263,13 @@ double XCPatternDraw::DrawSinglePattern(XCRect* changed, const XCStrokePoint* po
     if (!isReady())
         return 0.0;
     XCRect painted;
-    const double interval = drawSinglePosition(painted, toPixels(*point), direction);
+    double interval = 0.0;
+    try {
+        interval = drawSinglePosition(painted, toPixels(*point), direction);
+    } catch (...) {
+        unite(m_dirtyRect, painted);
+        throw;
+    }
     if (changed)
         *changed = painted;
     unite(m_dirtyRect, painted);
@@ -280,8 +280,8 @@ double XCPatternDraw::DrawSinglePattern(XCRect* changed, const XCStrokePoint* po
 double XCPatternDraw::drawSinglePosition(XCRect& painted, const XCStrokePoint& pixelPoint, double direction) {
     PaintedPart part(*this, painted);
     const bool isFirst = m_positionCount == 0;
-    if (isFirst)
-        loadColorAverage(part.pixels, pixelPoint);
+    if (isFirst && m_colorAverage && m_param->IsUseMixColorParam())
+        drawPosition(part.pixels, pixelPoint, 1.0); // lets a smudging brush pick up its first colour
     const double startDirection = m_positionCount == 1 ? direction : m_direction;
     m_direction = direction;
     double interval = cnBendInterval;

@@ -142,8 +142,10 @@ double XCPatternDrawParam::GetNextInterval(const XCStrokePoint* point, double& i
         break;
     default: break;
     }
-    stampSize = std::max(stampSize, 0.001);
-    interval = std::max(interval, 1.0);
+    // What is no number counts as the least, so that the stroke goes on behind a bad sample.
+    const auto atLeast = [](double least, double v) { return std::isfinite(v) ? std::max(least, v) : least; };
+    stampSize = atLeast(0.001, stampSize);
+    interval = atLeast(1.0, interval);
     intervalToSize = interval / stampSize;
     return factor > 0.0 ? interval * factor : interval;
 }
