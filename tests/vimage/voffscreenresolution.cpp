@@ -287,13 +287,14 @@ std::uint32_t referenceMean(Plane& from, const Weighed& columns, const Weighed& 
     double ink = 0, presence = 0;
     for (int i = columns.first; i <= columns.last; ++i)
         for (int j = rows.first; j <= rows.last; ++j) {
-            if (!from.exists(sx + i, sy + j))
+            const bool exists = from.exists(sx + i, sy + j);
+            if (!exists && (from.depth() != 24 || !from.isInside(sx + i, sy + j)))
                 continue;
             const double weight = columns.weight(i) * rows.weight(j);
             const std::uint32_t stored = from.stored(sx + i, sy + j);
             ink += weight * (from.depth() == 2 ? stored == 3 : stored);
             presence += weight * (stored >= 2);
-            sums.add(from.colour(sx + i, sy + j), weight);
+            sums.add(exists ? from.colour(sx + i, sy + j) : 0xFFFFFFFF, weight); // without alpha it shows white
         }
     auto byte = [](double v) { return std::min(255, vxDouble2Int(v)); };
     if (from.depth() == 1 || from.depth() == 8) {

@@ -16,6 +16,13 @@ namespace {
 
 constexpr int cnBandRows = 8; // of the destination, so that a source block is entered once for all of them
 
+/// Pixels that images without alpha show where they have no block.
+constexpr auto cnWhiteRow = [] {
+    std::array<BgraPixel, cnBlockSize> row{};
+    row.fill({cnByteMax, cnByteMax, cnByteMax, cnByteMax});
+    return row;
+}();
+
 /// What is stored of the sums.
 struct StoredRow {
     std::array<BgraPixel, cnBlockSize> colours;
@@ -38,6 +45,7 @@ public:
 
     ColourReader reader() const { return m_read; }
     bool writesMissing() const { return true; }
+    bool countsMissing() const { return m_depth == Rgb24::cnBits; }
     BgraPixel pixelOf(const PixelSums& sums, double) const {
         return Rgba32::ofColour(weighedValue(m_depth, sums, m_scale));
     }
@@ -73,6 +81,7 @@ public:
 
     ColourReader reader() const { return m_read; }
     bool writesMissing() const { return m_writeBytes != nullptr; }
+    bool countsMissing() const { return false; }
     BgraPixel pixelOf(const PixelSums& sums, double covered) const {
         if (sums.weight <= 0)
             return {};
@@ -166,7 +175,7 @@ private:
             storeRow(part, y, m_work->sums[static_cast<std::size_t>(y - top)]);
     }
 
-    /// The sums of the columns over the rows of one destination row. False when no block holds any of them.
+    /// The sums of the columns over the rows of one destination row. False when none of them counts.
     bool addColumns(const SourceColumns& columns, const CoveredSpan& rows) {
         const int count = columns.end - columns.begin;
         bool exists = false;
@@ -174,10 +183,12 @@ private:
         for (int y = clampedTo(rows.first, m_source.GetHeight()); y < end;) {
             const int blockEnd = std::min((y | cnBlockMask) + 1, end);
             m_source.MoveCursor(columns.begin, y);
-            if (const std::uint8_t* const base = m_source.GetBaseAddress()) {
+            const std::uint8_t* const base = m_source.GetBaseAddress();
+            if (base || m_rule.countsMissing()) {
                 for (int row = y; row < blockEnd; ++row) {
                     const auto add = exists ? m_kernels.addRow : m_kernels.setRow;
-                    add(rowOf(base, row, columns.begin, count), count, rows.weight(row), m_work->columns);
+                    const BgraPixel* const pixels = base ? rowOf(base, row, columns.begin, count) : cnWhiteRow.data();
+                    add(pixels, count, rows.weight(row), m_work->columns);
                     exists = true;
                 }
             }

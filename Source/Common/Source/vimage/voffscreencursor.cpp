@@ -70,13 +70,12 @@ std::uint8_t* XCVOffscreen::LockBlock(int index) {
 /// Blocks lose their contents only by being temporary, which they are in protect mode alone; then other threads must
 /// not evict this one between the question whether it is resident and the lock.
 std::uint8_t* XCVOffscreen::lockSwapBlock(XCSwapBlock* swapBlock, int edit, bool isNew) {
-    int hasData = !isNew && !m_protectMode;
+    int hasData = 0;
     std::uint8_t* base = nullptr;
-    if (isNew || hasData)
-        base = static_cast<std::uint8_t*>(m_vm->Lock(swapBlock, edit, nullptr));
-    else {
+    {
         const XCCriticalSectionAutoLeave storeLock(&ovw::vimage::librarySection());
-        hasData = swapBlock->IsOnMemory();
+        // A temporary block is gone with its memory, every other one only with the store that held it.
+        hasData = !isNew && (m_protectMode ? swapBlock->IsOnMemory() : swapBlock->IsEnable());
         base = static_cast<std::uint8_t*>(m_vm->Lock(swapBlock, edit, &hasData));
     }
     if (base && !hasData && m_enableClear)

@@ -53,6 +53,11 @@ void addWeighed(PixelSums& sums, const PixelSums& other, double weight) {
     sums.weight += weight * other.weight;
 }
 
+/// What a pixel without a block weighs in as: nothing, but where images have no alpha it shows white.
+BgraPixel missingPixel(int depth) {
+    return depth == Rgb24::cnBits ? BgraPixel{cnByteMax, cnByteMax, cnByteMax, cnByteMax} : BgraPixel{};
+}
+
 /// One column of pixels, in the order in which whole images are added up.
 PixelSums sumOfColumn(XCVOffscreen& image, const CoveredSpan& rows, int x) {
     const ColourReader read = pixelRows(image.GetDepth()).readWeighed;
@@ -60,11 +65,10 @@ PixelSums sumOfColumn(XCVOffscreen& image, const CoveredSpan& rows, int x) {
     PixelSums sums;
     for (std::int64_t y = std::max<std::int64_t>(rows.first, 0); y < end; ++y) {
         image.MoveCursor(x, static_cast<int>(y));
-        if (!image.GetBaseAddress())
-            continue;
-        BgraPixel pixel;
-        read(image.GetBaseAddress() + (y & cnBlockMask) * image.GetBlockRowBytes(), x & cnBlockMask, 1,
-             image.GetPixelRules(), &pixel);
+        BgraPixel pixel = missingPixel(image.GetDepth());
+        if (image.GetBaseAddress())
+            read(image.GetBaseAddress() + (y & cnBlockMask) * image.GetBlockRowBytes(), x & cnBlockMask, 1,
+                 image.GetPixelRules(), &pixel);
         if (pixel.alpha)
             addWeighed(sums, {double(pixel.blue), double(pixel.green), double(pixel.red), double(pixel.alpha), 1.0},
                        rows.weight(y));
