@@ -53,6 +53,8 @@ ReferenceMixer::CopyKernel ReferenceMixer::copyKernel() const {
     bool isWater = composition == cnWater || composition == cnWaterMultiply;
     if (!composite)
         return CopyKernel::none;
+    if (isWater && !colorCache && (depth == 8 || depth == 32))
+        return CopyKernel::none;
     if (!colorCache)
         return CopyKernel::grayCache;
     if (isWater)
@@ -202,7 +204,8 @@ void ReferenceMixer::grayCacheCopyPixel(int x, int y, const PlainSource& source)
 void ReferenceMixer::waterCopyPixel(int x, int y, const PlainSource& source) {
     std::int64_t a = sourceCoverage(source, cacheAlpha);
     int m = maskValue(x, y);
-    bool isCovered = sourceColor(source, false).a != 0 || has(cnSampleOnly);
+    bool isWhite = source.depth == 32 && sourceCoverage(source, cnOne) == 0;
+    bool isCovered = (sourceColor(source, false).a != 0 && !isWhite) || has(cnSampleOnly);
     if (isCovered && m != 0)
         waterPixel(a * m / 255, cnOne * m / 255, x, y);
 }

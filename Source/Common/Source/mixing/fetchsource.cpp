@@ -163,6 +163,8 @@ void fetchColors(SourceRow& row, int n, const SourceView& view) {
                 row.weight[i] = samples.covered * (Scale15::cnOne / count);
             else
                 row.weight[i] = std::min(samples.darkness<count>(), Scale15::cnOne);
+            if (rule == SourceRule::Darkness && row.weight[i] == 0)
+                row.covered[i] = 0; // white covers nothing
         });
 }
 

@@ -64,6 +64,8 @@ const KernelPlan* SpanPainter::chooseCopyPlan() const {
     const KernelPlan* plan = nullptr;
     if (!m_mixer.m_cache)
         plan = &planOf(Kernel::DirectCopy);
+    else if (!m_mixer.m_cacheColor && isWater() && (m_depth == 8 || m_depth == 32))
+        return nullptr; // water needs both caches
     else if (!m_mixer.m_cacheColor)
         plan = &planOf(isBits() ? Kernel::GrayCopyBits : Kernel::GrayCopy);
     else if (isWater())
