@@ -32,7 +32,7 @@ protected:
 
     /// A tip of the given depth, whose pixel (x, y) is valueAt(x, y).
     template <class ValueAt>
-    void import(XCImagePattern& tip, int depth, int width, int height, ValueAt valueAt) {
+    void importTip(XCImagePattern& tip, int depth, int width, int height, ValueAt valueAt) {
         TestImage image(m_store, depth, width, height);
         for (int y = 0; y < height; y++)
             for (int x = 0; x < width; x++)
@@ -56,7 +56,7 @@ TEST_F(XCImagePatternTest, ReproducesItsImageAtScaleOne) {
     for (int width = 1; width <= 6; width++)
         for (int height = 1; height <= 6; height++) {
             XCImagePattern tip;
-            import(tip, 8, width, height, valueAt);
+            importTip(tip, 8, width, height, valueAt);
             TestImage target(m_store, 8, 300, 40);
             XCFastPixelMixer mixer = mixerFor(target.get());
             EXPECT_EQ(tip.Draw(nullptr, target.get(), &mixer, {256, 20}, static_cast<float>(std::max(width, height)),
@@ -80,56 +80,68 @@ TEST_F(XCImagePatternTest, ReportsItsBoundsAndSkipsBadInput) {
     XCFastPixelMixer mixer = mixerFor(target.get());
     XCRect changed(1, 2, 3, 4);
     EXPECT_EQ(tip.Draw(&changed, target.get(), &mixer, {50, 50}, 10, 1, 1), 0); // empty
-    import(tip, 8, 4, 4, [](int, int) { return 255u;
-});
-constexpr float cnNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float cnInfinite = std::numeric_limits<float>::infinity();
-EXPECT_EQ(tip.Draw(&changed, target.get(), &mixer, {50, 50}, cnNaN, 1, 1), 0);
-EXPECT_EQ(tip.Draw(&changed, target.get(), &mixer, {50, 50}, cnInfinite, 1, 1), 0);
-EXPECT_EQ(tip.Draw(&changed, target.get(), &mixer, {cnNaN, 50}, 10, 1, 1), 0);
-EXPECT_EQ(tip.Draw(&changed, target.get(), &mixer, {500, 50}, 10, 1, 1), 0);
-EXPECT_EQ(changed, XCRect(1, 2, 3, 4));
-tip.SetParameter(1, 1, cnNaN);
-EXPECT_EQ(tip.Draw(&changed, target.get(), &mixer, {50, 50}, 10, 1, 1), 0);
-tip.SetParameter(1, 1, 0);
-EXPECT_EQ(tip.Draw(&changed, target.get(), &mixer, {0, 50}, 10, 1, 1), 1);
-EXPECT_EQ(changed, XCRect(0, 44, 7, 57));
+    importTip(tip, 8, 4, 4, [](int, int) { return 255u; });
+    constexpr float cnNaN = std::numeric_limits<float>::quiet_NaN();
+    constexpr float cnInfinite = std::numeric_limits<float>::infinity();
+    EXPECT_EQ(tip.Draw(&changed, target.get(), &mixer, {50, 50}, cnNaN, 1, 1), 0);
+    EXPECT_EQ(tip.Draw(&changed, target.get(), &mixer, {50, 50}, cnInfinite, 1, 1), 0);
+    EXPECT_EQ(tip.Draw(&changed, target.get(), &mixer, {cnNaN, 50}, 10, 1, 1), 0);
+    EXPECT_EQ(tip.Draw(&changed, target.get(), &mixer, {500, 50}, 10, 1, 1), 0);
+    EXPECT_EQ(changed, XCRect(1, 2, 3, 4));
+    tip.SetParameter(1, 1, cnNaN);
+    EXPECT_EQ(tip.Draw(&changed, target.get(), &mixer, {50, 50}, 10, 1, 1), 0);
+    tip.SetParameter(1, 1, 0);
+    EXPECT_EQ(tip.Draw(&changed, target.get(), &mixer, {0, 50}, 10, 1, 1), 1);
+    EXPECT_EQ(changed, XCRect(0, 44, 7, 57));
 } // namespace
 
 TEST_F(XCImagePatternTest, ThumbnailsKeepTheMeanAndTheAspect) {
     XCImagePattern tip;
-    import(tip, 8, 300, 100, [](int x, int) { return x < 150 ? 200u : 0u;
-});
-const std::unique_ptr<XCVOffscreen> thumbnail(tip.CreateThumbnail());
-ASSERT_EQ(thumbnail->GetWidth(), 64);
-ASSERT_EQ(thumbnail->GetHeight(), 21);
-EXPECT_EQ(thumbnail->GetDepth(), 8);
-const XCVOffscreenAutoLock lock(thumbnail.get(), 0);
-thumbnail->MoveCursor(31, 10);
-EXPECT_EQ(thumbnail->Get8BitColor(), 200);
-thumbnail->MoveCursor(32, 10);
-EXPECT_EQ(thumbnail->Get8BitColor(), 0);
-EXPECT_EQ(XCImagePattern().CreateThumbnail(), nullptr);
+    importTip(tip, 8, 300, 100, [](int x, int) { return x < 150 ? 200u : 0u; });
+    const std::unique_ptr<XCVOffscreen> thumbnail(tip.CreateThumbnail());
+    ASSERT_EQ(thumbnail->GetWidth(), 64);
+    ASSERT_EQ(thumbnail->GetHeight(), 21);
+    EXPECT_EQ(thumbnail->GetDepth(), 8);
+    const XCVOffscreenAutoLock lock(thumbnail.get(), 0);
+    thumbnail->MoveCursor(31, 10);
+    EXPECT_EQ(thumbnail->Get8BitColor(), 200);
+    thumbnail->MoveCursor(32, 10);
+    EXPECT_EQ(thumbnail->Get8BitColor(), 0);
+    // One grey of half alpha, where there is an alpha, as the depths hold it: value, depth of the thumbnail, its pixel.
+    const struct {
+        int depth;
+        std::uint32_t value;
+        int thumbnailDepth;
+        std::uint32_t expected;
+    } cases[] = {{1, 1, 8, 0xFF000000},        {2, 2, 32, 0xFFFFFFFF},         {2, 3, 32, 0xFF000000},
+                 {16, 0x4080, 32, 0x80404040}, {24, 0x302010, 24, 0xFF302010}, {32, 0x80302010, 32, 0x80302010}};
+    for (const auto& c : cases) {
+        importTip(tip, c.depth, 3, 2, [&](int, int) { return c.value; });
+        const std::unique_ptr<XCVOffscreen> small(tip.CreateThumbnail());
+        EXPECT_EQ(small->GetDepth(), c.thumbnailDepth) << c.depth;
+        const XCVOffscreenAutoLock smallLock(small.get(), 2, 1, 0);
+        EXPECT_EQ(small->Get32BitColor(), c.expected) << c.depth << ": " << c.value;
+    }
+    EXPECT_EQ(XCImagePattern().CreateThumbnail(), nullptr);
 }
 
 TEST_F(XCImagePatternTest, CopiesAndExportsTheImage) {
     XCImagePattern tip;
-    import(tip, 32, 3, 2, [](int x, int y) { return x == y ? 0x00FFFFFFu : 0xFF102030u;
-});
-XCImagePattern copy(tip);
-tip.Cleanup();
-int width = 9;
-int height = 9;
-tip.GetPatternOffscreenSize(width, height);
-EXPECT_EQ(width + height, 0);
-EXPECT_EQ(tip.ExportPatternOffscreen(), nullptr);
-copy.ReplaceTransparency(0x80112233);
-const std::unique_ptr<XCVOffscreen> image(copy.ExportPatternOffscreen());
-const XCVOffscreenAutoLock lock(image.get(), 0);
-image->MoveCursor(1, 1);
-EXPECT_EQ(image->Get32BitColor(), 0x80112233u);
-image->MoveCursor(2, 1);
-EXPECT_EQ(image->Get32BitColor(), 0xFF102030u);
+    importTip(tip, 32, 3, 2, [](int x, int y) { return x == y ? 0x00FFFFFFu : 0xFF102030u; });
+    XCImagePattern copy(tip);
+    tip.Cleanup();
+    int width = 9;
+    int height = 9;
+    tip.GetPatternOffscreenSize(width, height);
+    EXPECT_EQ(width + height, 0);
+    EXPECT_EQ(tip.ExportPatternOffscreen(), nullptr);
+    copy.ReplaceTransparency(0x80112233);
+    const std::unique_ptr<XCVOffscreen> image(copy.ExportPatternOffscreen());
+    const XCVOffscreenAutoLock lock(image.get(), 0);
+    image->MoveCursor(1, 1);
+    EXPECT_EQ(image->Get32BitColor(), 0x80112233u);
+    image->MoveCursor(2, 1);
+    EXPECT_EQ(image->Get32BitColor(), 0xFF102030u);
 }
 
 /// Paints strokes with a bending, half-transparent brush.
@@ -179,32 +191,31 @@ private:
 
 TEST_F(XCImagePatternTest, ARibbonHasNoGapAndPaintsNothingTwice) {
     XCImagePattern tip;
-    import(tip, 8, 16, 16, [](int, int) { return 255u;
-});
-std::vector<XCPointD> points;
-for (int i = 0; i <= 200; i++) // a wave whose bends are tighter than the ribbon is wide
-    points.emplace_back(40 + i * 1.5, 200 + 60 * std::sin(i * 0.1));
-for (bool useCache : {false, true}) {
-    BendingBrush brush(m_store, tip, 40, useCache);
-    const XCRect changed = brush.draw(points);
-    int outside = 0;
-    int tooDark = 0;
-    for (int y = 0; y < 400; y++)
-        for (int x = 0; x < 400; x++) {
-            tooDark += brush.target.value(x, y) > 140;
-            outside += brush.target.value(x, y) != 0 && !changed.PtInRect({x, y});
-        }
-    int gaps = 0;
-    for (std::size_t i = 2; i + 2 < points.size(); i++) // the core: well within the ribbon's half width
-        for (int dy = -8; dy <= 8; dy++)
-            for (int dx = -8; dx <= 8; dx++)
-                gaps +=
-                    brush.target.value(static_cast<int>(points[i].x) + dx, static_cast<int>(points[i].y) + dy) == 0 &&
-                    i > 20 && i < 180;
-    EXPECT_EQ(gaps, 0) << useCache;
-    EXPECT_EQ(tooDark, 0) << useCache;
-    EXPECT_EQ(outside, 0) << useCache;
-}
+    importTip(tip, 8, 16, 16, [](int, int) { return 255u; });
+    std::vector<XCPointD> points;
+    for (int i = 0; i <= 200; i++) // a wave whose bends are tighter than the ribbon is wide
+        points.emplace_back(40 + i * 1.5, 200 + 60 * std::sin(i * 0.1));
+    for (bool useCache : {false, true}) {
+        BendingBrush brush(m_store, tip, 40, useCache);
+        const XCRect changed = brush.draw(points);
+        int outside = 0;
+        int tooDark = 0;
+        for (int y = 0; y < 400; y++)
+            for (int x = 0; x < 400; x++) {
+                tooDark += brush.target.value(x, y) > 140;
+                outside += brush.target.value(x, y) != 0 && !changed.PtInRect({x, y});
+            }
+        int gaps = 0;
+        for (std::size_t i = 2; i + 2 < points.size(); i++) // the core: well within the ribbon's half width
+            for (int dy = -8; dy <= 8; dy++)
+                for (int dx = -8; dx <= 8; dx++)
+                    gaps += brush.target.value(static_cast<int>(points[i].x) + dx,
+                                               static_cast<int>(points[i].y) + dy) == 0 &&
+                            i > 20 && i < 180;
+        EXPECT_EQ(gaps, 0) << useCache;
+        EXPECT_EQ(tooDark, 0) << useCache;
+        EXPECT_EQ(outside, 0) << useCache;
+    }
 }
 
 TEST_F(XCImagePatternTest, ABendedTipSkipsBadInput) {
@@ -214,18 +225,17 @@ TEST_F(XCImagePatternTest, ABendedTipSkipsBadInput) {
     const BENDPATTERNEND first{{10, 25}, 1.57, 10, 0};
     const BENDPATTERNEND second{{40, 25}, 1.57, 10, 1};
     EXPECT_EQ(tip.DrawBendedPattern(nullptr, target.get(), &mixer, first, second, 0, 1), 0);
-    import(tip, 8, 4, 4, [](int, int) { return 255u;
-});
-for (double bad : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e300}) {
-    EXPECT_EQ(tip.DrawBendedPattern(nullptr, target.get(), &mixer, {{bad, 0}, 0, 1, 0}, second, 0, 1), 0);
-    EXPECT_EQ(tip.DrawBendedPattern(nullptr, target.get(), &mixer, {{0, 0}, bad, 1, 0}, second, 0, 1), 0);
-    EXPECT_EQ(tip.DrawBendedPattern(nullptr, target.get(), &mixer, first, {{0, 0}, 0, bad, 0}, 0, 1), 0);
-    EXPECT_EQ(tip.DrawBendedPattern(nullptr, target.get(), &mixer, first, {{0, 0}, 0, 1, bad}, 0, 1), 0);
-}
-EXPECT_EQ(tip.DrawBendedPattern(nullptr, target.get(), &mixer, {{0, 0}, 0, 0, 0}, {{9, 9}, 0, -1, 0}, 0, 1), 0);
-EXPECT_EQ(target.value(25, 25), 0u);
-EXPECT_EQ(tip.DrawBendedPattern(nullptr, target.get(), &mixer, first, second, 0, 1), 1);
-EXPECT_EQ(target.value(25, 25), 255u);
+    importTip(tip, 8, 4, 4, [](int, int) { return 255u; });
+    for (double bad : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e300}) {
+        EXPECT_EQ(tip.DrawBendedPattern(nullptr, target.get(), &mixer, {{bad, 0}, 0, 1, 0}, second, 0, 1), 0);
+        EXPECT_EQ(tip.DrawBendedPattern(nullptr, target.get(), &mixer, {{0, 0}, bad, 1, 0}, second, 0, 1), 0);
+        EXPECT_EQ(tip.DrawBendedPattern(nullptr, target.get(), &mixer, first, {{0, 0}, 0, bad, 0}, 0, 1), 0);
+        EXPECT_EQ(tip.DrawBendedPattern(nullptr, target.get(), &mixer, first, {{0, 0}, 0, 1, bad}, 0, 1), 0);
+    }
+    EXPECT_EQ(tip.DrawBendedPattern(nullptr, target.get(), &mixer, {{0, 0}, 0, 0, 0}, {{9, 9}, 0, -1, 0}, 0, 1), 0);
+    EXPECT_EQ(target.value(25, 25), 0u);
+    EXPECT_EQ(tip.DrawBendedPattern(nullptr, target.get(), &mixer, first, second, 0, 1), 1);
+    EXPECT_EQ(target.value(25, 25), 255u);
 }
 
 TEST_F(XCImagePatternTest, TheBrushCombinesTheBitsOfItsTips) {
@@ -242,15 +252,14 @@ TEST_F(XCImagePatternTest, TheBrushCombinesTheBitsOfItsTips) {
         XCImagePattern empty;
         pattern.patterns[pattern.patternCount++] = &empty;
         for (std::size_t i = 0; i < tips.size(); i++) {
-            import(tips[i], c.depths[i], 2, 2, [](int, int) { return 1u;
-        });
-        pattern.patterns[pattern.patternCount++] = &tips[i];
+            importTip(tips[i], c.depths[i], 2, 2, [](int, int) { return 1u; });
+            pattern.patterns[pattern.patternCount++] = &tips[i];
+        }
+        XCPatternDrawParam brush;
+        brush.SetPatternParam(pattern);
+        EXPECT_EQ(brush.GetIamgePatternBitCount(), c.combined);
+        EXPECT_EQ(brush.IsOpaquePattern(), c.combined < 8);
     }
-    XCPatternDrawParam brush;
-    brush.SetPatternParam(pattern);
-    EXPECT_EQ(brush.GetIamgePatternBitCount(), c.combined);
-    EXPECT_EQ(brush.IsOpaquePattern(), c.combined < 8);
-}
 }
 
 /// The splatter of a seed as its pixels.

@@ -291,6 +291,9 @@ TEST(XCString, WritesNumbersOfAnyLength) {
     EXPECT_STREQ(text, "-005|4294967295|-9223372036854775808|007|1.50|-0.25");
     text.SetNumber(1e300, "%f");
     EXPECT_EQ(text.GetLength(), 301 + 7);
+    text.SetNumber(std::uint32_t{4294967295});
+    text.AddNumber(std::int32_t{-7});
+    EXPECT_STREQ(text, "4294967295-7");
     text.SetNumber(0.5f, "%f");
     EXPECT_STREQ(text, "0.500000");
     text.Format("%s-%s-%d", text.GetStr(), text.GetStr() + 6, 12);

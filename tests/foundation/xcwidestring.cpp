@@ -40,6 +40,11 @@ TEST(XCWideString, IsBuiltFromAnythingAndFromItself) {
     text = u'\0';
     EXPECT_EQ(text.GetLength(), 0);
     EXPECT_EQ(units(XCWideString(XCString("\xC3\xA9"))), u"\u00E9");
+    text = 'x';
+    XCWideString copy, moved(std::move(text));
+    copy = moved;
+    text = std::move(moved);
+    EXPECT_EQ(units(copy) + units(text), u"xx");
 }
 
 TEST(XCWideString, IndicesAreChecked) {
@@ -99,6 +104,13 @@ TEST(XCWideString, FormatsUnits) {
     EXPECT_EQ(units(text), u"\u3042|   ab|7  |BEEF|1.50|\u3044|%");
     text.Format(u"%hs %.1s", "\xC3\xA9", u"xyz");
     EXPECT_EQ(units(text), u"\u00E9 x");
+    text.Format(u"%hhd %hd %ld %lld %jd %td", 0x1FF, 0x1FFFF, -4000000000L, INT64_MIN, std::intmax_t{-2},
+                std::ptrdiff_t{3});
+    EXPECT_EQ(units(text), u"-1 -1 -4000000000 -9223372036854775808 -2 3");
+    text.Format(u"%hhu %hx %lu %llo %ju %zX", 0x1FF, 0x1FFFF, 4000000000UL, 8ULL, std::uintmax_t{5}, std::size_t{255});
+    EXPECT_EQ(units(text), u"255 ffff 4000000000 10 5 FF");
+    text.Format(u"%*d|%-*d|%.*s|%*d|%y|%", 4, 1, 3, 2, 2, u"xyz", -3, 7);
+    EXPECT_EQ(units(text), u"   1|2  |xy|7  |y|");
 }
 
 /// Multibyte text and its Unicode, as the vendor's tables of the code pages have them.

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <random>
 #include <utility>
 #include <vector>
@@ -246,7 +247,17 @@ TEST_F(OffPixelMixer, RowsCloneFromTheSource) {
     m_mixer.SetCloneOffscreen(source.get(), {INT32_MIN, INT32_MAX});
     m_mixer.DoLineRow(20, 20, 4, nullptr, nullptr, {INT32_MAX, INT32_MIN});
     EXPECT_EQ(m_recorder.take(), (Handed{{0x00FFFFFF, 255}, {0x00FFFFFF, 255}}));
+    // The source's cursor by hand, counted from the point less the offset.
+    m_image->MoveCursor(5, 5);
+    m_mixer.SetCloneOffscreen(source.get(), {90, 55});
+    m_mixer.RelativeCloneCursorX(20);
+    m_mixer.RelativeCloneCursorY(4);
+    m_mixer.NextCloneCursorX();
+    m_mixer.NextCloneCursorY();
+    m_mixer.DoClone(7);
+    EXPECT_EQ(m_recorder.take(), (Handed{{0x80445566, 7}}));
     m_mixer.SetCloneOffscreen(nullptr, {0, 0});
+    m_mixer.RelativeCloneCursorX(1), m_mixer.RelativeCloneCursorY(1), m_mixer.NextCloneCursorX();
     m_mixer.DoClone(3);
     EXPECT_TRUE(m_recorder.handed.empty());
 }
@@ -380,6 +391,25 @@ TEST_F(OffPixelMixer, MasksAreReadInTheirOwnResolution) {
     EXPECT_EQ(mask.GetMaskFreeValue(image.get(), INT32_MAX, INT32_MIN), 0);
     for (int index : {-1, 4})
         EXPECT_EQ(errorOf([&] { mask.GetMaskInfo(index); }), 0x20010008) << index;
+}
+
+TEST(OffPixelMask, IsMadeAtAnotherResolution) {
+    xcGetVirtualMemory()->Create(1 << 22, nullptr, 1);
+    {
+        TestStore store;
+        XCVOffscreen8Bit selection;
+        selection.Create(store.get(), 40, 21, 100.0);
+        selection.RectFill(XCRect(10, 10, 20, 20), 0, 0xFF000000, 0);
+        const std::unique_ptr<XCVOffscreen> mask(XCVOffPixelMask::CreateMask(&selection, 50.0));
+        EXPECT_EQ(mask->GetDepth(), 8);
+        EXPECT_EQ(mask->GetRect(), XCRect(0, 0, 20, 10)); // truncated
+        EXPECT_EQ(mask->GetResolution(), 50.0);
+        tagRECT ink;
+        EXPECT_EQ(mask->GetExtentRect(ink, nullptr, 0), 1);
+        EXPECT_EQ(XCRect(ink), XCRect(5, 5, 10, 10));
+        EXPECT_EQ(XCVOffPixelMask::CreateMask(nullptr, 50.0), nullptr);
+    }
+    xcGetVirtualMemory()->Destroy();
 }
 
 TEST(OffPixelMask, ComparesColoursOrAlphas) {

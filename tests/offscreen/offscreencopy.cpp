@@ -53,6 +53,20 @@ TEST(OffscreenCopy, BetweenAllDepths) {
             }
 }
 
+// Rows of bits go by words where the two images' pixels lie differently in their bytes.
+TEST(OffscreenCopy, LongRowsOfBits) {
+    ClassicImage source(330, 2, 1);
+    source.scribble(5);
+    for (int x = 0; x < 9; ++x)
+        for (int sx = 0; sx < 9; ++sx)
+            for (const int count : {71, 72, 73, 144, 200, 300}) {
+                ClassicImage image(330, 2, 1), expected(330, 2, 1);
+                copySlowly(*expected, *source, {x, 0, count, 1, sx, 1}, [](int, int, int, int) { return true; });
+                image->Copy(x, 0, count, 1, source.get(), sx, 1);
+                ASSERT_TRUE(image.pixels() == expected.pixels()) << sx << " to " << x << ", " << count;
+            }
+}
+
 TEST(OffscreenCopy, WithinOneImage) {
     for (const int depth : cnClassicDepths)
         for (const Area& a : cnAreas) {
@@ -123,6 +137,12 @@ TEST(OffscreenCopy, ClipsAndTransparency) {
               expected([&](int x, int y) { return mask->Get1BitPixel(x, y) == 1; }));
     const auto mixed = copied([](XCOffscreen& image) { image.SetTransparency(51); });
     EXPECT_EQ(mixed, std::vector<std::uint32_t>(40 * 30, 0xFFCCCCCC)); // a fifth of black
+    for (const int depth : {1, 8, 24}) {
+        ClassicImage ink(4, 1, depth, 0xFF000000), paper(4, 1, depth);
+        paper->SetTransparency(153);
+        paper->CopyEx(0, 0, 4, 1, ink.get(), 0, 0);
+        EXPECT_EQ(paper->Get24BitPixel(2, 0), depth == 1 ? 0u : 0x666666u) << depth; // three fifths
+    }
     EXPECT_EQ(copied([](XCOffscreen& image) { image.SetTransparency(0); }), expected([](int, int) { return false; }));
 }
 
@@ -195,6 +215,12 @@ TEST(OffscreenCopy, MirrorsAndQuarterTurns) {
         turned.CreateRotationImage(*image, 180, 0);
         expect(turned, 41, 34, [&](int x, int y) { return colour(40 - x, 33 - y); });
         EXPECT_EQ(errorOf([&] { turned.CreateRotationImage(*image, 45, 0); }), 0x20010008);
+        // Mirrored into another depth.
+        ClassicImage other(41, 34, depth == 24 ? 1 : 24), plain(41, 34, depth == 24 ? 1 : 24);
+        other->FlipImage(*image, 0, 0, 41, 34, XCOffscreen::cnFlipHorizontal);
+        plain->Copy(0, 0, 41, 34, image.get(), 0, 0);
+        for (int x = 0; x < 41; ++x)
+            ASSERT_EQ(other->Get24BitPixel(x, 7), plain->Get24BitPixel(40 - x, 7)) << depth;
         // A part, turned in its own image, half of it beyond the edge.
         ClassicImage within(image);
         within->RotationImage(*within, 3, 2, 10, 6, 90, -2, 30);

@@ -79,6 +79,13 @@ TEST(OffscreenResolution, HalvesAreTruncated) {
     EXPECT_EQ(image->Get24BitPixel(0, 0), 0x010304u); // means 1.5, 3, 4.5
     EXPECT_EQ(source->CalcPixValueHalf(0, 0), 0x010304u);
     EXPECT_EQ(source->CalcPixelValue(0, 0, 2, 2), 0x020305u);
+    for (const int depth : {1, 8, 32}) {
+        ClassicImage checkered(2, 2, depth);
+        checkered.draw({"#.", ".#"});
+        // 127.5, rounded and truncated: as ink below 32 bits.
+        EXPECT_EQ(checkered->CalcPixelValue(0, 0, 2, 1) & 0xFFFFFF, depth == 32 ? 0x808080u : 0x7F7F7Fu) << depth;
+        EXPECT_EQ(checkered->CalcPixValueHalf(0, 0) & 0xFFFFFF, depth == 32 ? 0x7F7F7Fu : 0x808080u) << depth;
+    }
     ClassicImage bits(4, 2, 1), small(2, 1, 1);
     bits.draw({"####", "#..."}); // 3 of 4, 2 of 4
     small->ChangeResolution(0, 0, 2, 1, bits.get(), 0, 0, 4, 2, 2);

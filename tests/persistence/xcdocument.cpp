@@ -222,6 +222,14 @@ TEST(XCDocument, CopiesItsStateButNotItsBackup) {
     EXPECT_TRUE(copy.IsNewDocument() && !copy.IsModified());
     note.PopBackup();
     EXPECT_TRUE(note.GetDocumentFilePath(path) && path == "C:\\a" && !note.IsModified());
+    copy.PushModify();
+    copy.PushModify();
+    copy.PopModify();
+    note = copy;
+    EXPECT_EQ(note.GetModifyCount(), 1);
+    EXPECT_EQ(note.IsAllNewDocument(), 1);
+    note.SetDocumentFilePath("C:\\c");
+    EXPECT_EQ(note.OnNewDocument(nullptr) && note.IsNewDocument() && !note.IsModified(), 1);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "ovwcmn/xcencryption.h"
+#include "ovwcmn/xcfile.h"
 #include "ovwcmn/xcprogress.h"
 #include "ovwcmn/xcstring.h"
 #include "persistence/feal.h"
@@ -125,6 +126,48 @@ TEST(XCEncryption, LeavesTheChunksBehindTheLimitPlainButPadded) {
     EXPECT_NE(secret.substr(cnChunk - 8, 8), data.substr(cnChunk - 8, 8));
     cipher.Decrypt("77", folder.path("secret"), folder.path("secret"), 1); // onto itself
     EXPECT_EQ(folder.read("secret"), data + std::string(3, '\0'));
+}
+
+/// The pieces of the cipher that derived classes get.
+struct Pieces : XCEncryption {
+    using XCEncryption::Ecb;
+    using XCEncryption::Feal;
+    using XCEncryption::HexCode;
+    using XCEncryption::KeySet;
+    using XCEncryption::MakeKey;
+};
+
+TEST(XCEncryption, IsMadeOfPiecesThatGiveTheSame) {
+    const TempFolder folder;
+    const std::string data = sample(16);
+    folder.write("plain", data);
+    Pieces cipher;
+    cipher.Encrypt("0badcafe", folder.path("plain"), folder.path("secret"));
+    const std::string secret = folder.read("secret");
+
+    cipher.KeySet("0badcafe");
+    cipher.MakeKey(1);
+    unsigned char block[8];
+    std::memcpy(block, data.data(), sizeof block);
+    cipher.Feal(block, block);
+    EXPECT_EQ(std::memcmp(block, secret.data(), sizeof block), 0);
+    cipher.MakeKey(0);
+    cipher.Feal(block, block);
+    EXPECT_EQ(std::memcmp(block, data.data(), sizeof block), 0);
+
+    XCFile in, out; // from and to where the files stand
+    in.Open(folder.path("secret"), GENERIC_READ, 0, OPEN_EXISTING, 0);
+    out.Create(folder.path("back"), 0, 0, GENERIC_WRITE, 0, CREATE_ALWAYS, 0);
+    in.Seek(8, FILE_BEGIN);
+    out.Write("head", 4);
+    EXPECT_EQ(cipher.Ecb(in, out, 0), 1);
+    in.Close(), out.Close();
+    EXPECT_EQ(folder.read("back"), "head" + data.substr(8));
+    EXPECT_EQ(Pieces::HexCode('b') * 16 + Pieces::HexCode('B'), 0xBB);
+
+    char buffer[12] = "###########";
+    EXPECT_EQ(cipher.Decrypt("0badcafe", buffer, 11, folder.path("secret")), 1);
+    EXPECT_EQ(std::string(buffer, 11), data.substr(0, 11));
 }
 
 TEST(XCEncryption, KeepsTheKeyInTheHead) {

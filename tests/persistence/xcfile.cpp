@@ -1,7 +1,9 @@
 #include "ovwcmn/xcfile.h"
 
 #include "ovwcmn/vxwutl.h"
+#include "ovwcmn/xcexception.h"
 #include "ovwcmn/xcfindfile.h"
+#include "ovwcmn/xcstring.h"
 #include "ovwcmn/xctime.h"
 #include "support/scopes.h"
 #include "support/tempfolder.h"
@@ -196,6 +198,17 @@ TEST_F(XCFileTest, CopiesOfASearchGoOnByThemselves) {
         ++copied;
     EXPECT_EQ(left, 3);
     EXPECT_EQ(copied, 3);
+}
+
+TEST_F(XCFileTest, StringTablesComeFromFiles) {
+    m_folder.write("table", "12 \"twelve\"\n");
+    XCStringResource resource;
+    XCFilePath table = m_folder.path("table"), missing = m_folder.path("missing");
+    EXPECT_EQ(resource.AddTextFile(missing), 0);
+    EXPECT_EQ(resource.AddTextFile(table), 1);
+    XCString text;
+    EXPECT_EQ(resource.LoadStringA(text, 12), 1);
+    EXPECT_STREQ(text, "twelve");
 }
 
 TEST_F(XCFileTest, FindRecordsOfSingleEntries) {

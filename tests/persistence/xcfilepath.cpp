@@ -157,6 +157,12 @@ TEST(XCFilePath, AppendingPutsOneSeparatorBetween) {
     EXPECT_EQ(text(front), "a\\");
     EXPECT_EQ(XCFilePath::DeleteBackDelimiter(back), 3);
     EXPECT_EQ(text(back), "\\a");
+    char buffer[] = "\\a\\b";
+    XCFilePath::ConvertWinToMacSubPath(buffer);
+    EXPECT_STREQ(buffer, ":a:b");
+    XCFilePath::ConvertMacToWinSubPath(buffer);
+    EXPECT_EQ(XCFilePath::DeleteFrontDelimiter(buffer), 1);
+    EXPECT_STREQ(buffer, "a\\b");
 }
 
 TEST(XCFilePath, ComparesWithoutCaseAndTrailingSeparators) {

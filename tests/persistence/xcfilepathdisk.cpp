@@ -14,10 +14,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <ctime>
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -108,6 +111,28 @@ TEST_F(XCFilePathDisk, DeleteTakesFilesAndWholeFolders) {
     XCFilePath().Delete(0);
     EXPECT_EQ(m_folder.names(), std::vector<std::string>{"kept"});
     EXPECT_EQ(m_folder.read("kept"), "safe");
+}
+
+// The freedesktop.org trash: the file, and beside it where it was and when it was deleted.
+TEST_F(XCFilePathDisk, TheRecycleBinKeepsWhatItTakes) {
+    const EnvironmentScope data("XDG_DATA_HOME", m_folder.posix("data").string());
+    fs::create_directories(m_folder.posix("a b%/deep"));
+    m_folder.write("a b%/deep/file", "1");
+    m_folder.write("file", "2");
+    path("a b%\\deep\\file").Delete(1);
+    path("file").FileDelete(1);
+    path("a b%").FileDelete(1); // a folder is no file
+    path("a b%").Delete(1);
+    EXPECT_EQ(m_folder.names(), (std::vector<std::string>{"data"}));
+    EXPECT_EQ(m_folder.read("data/Trash/files/file"), "1");
+    EXPECT_EQ(m_folder.read("data/Trash/files/file.2"), "2"); // the name was taken
+    EXPECT_TRUE(fs::is_directory(m_folder.posix("data/Trash/files/a b%/deep")));
+    const std::string info = m_folder.read("data/Trash/info/a b%.trashinfo");
+    const std::string head = "[Trash Info]\nPath=" + m_folder.posix().string() + "/a%20b%25\nDeletionDate=";
+    ASSERT_TRUE(info.starts_with(head)) << info;
+    std::tm date{};
+    EXPECT_STREQ(strptime(info.c_str() + head.size(), "%Y-%m-%dT%H:%M:%S", &date), "\n");
+    EXPECT_EQ(fs::status(m_folder.posix("data/Trash")).permissions(), fs::perms::owner_all);
 }
 
 TEST_F(XCFilePathDisk, CopyAndMoveFiles) {
@@ -341,6 +366,80 @@ TEST_F(XCFilePathDisk, CanSaveLeavesNothingBehind) {
     EXPECT_EQ(path("new file").CanSaveFile(), 1);
     EXPECT_TRUE(m_folder.names().empty());
     EXPECT_NE(errorOf([&] { path("missing\\file").CanSaveFile(); }), 0);
+}
+
+std::string littleEndian(std::size_t value, int bytes) {
+    std::string text;
+    for (int i = 0; i < bytes; ++i)
+        text += static_cast<char>(value >> 8 * i);
+    return text;
+}
+
+std::string wide(const std::string& text) {
+    std::string units;
+    for (const char c : text + '\0')
+        units += c, units += '\0';
+    return units;
+}
+
+/// A shell link with a list of items to be skipped; its target in one byte a character or, in its newer form, in two.
+std::string shortcut(const std::string& base, const std::string& rest, bool isWide) {
+    const std::size_t head = isWide ? 0x24 : 0x1C;
+    const std::string narrow = base + '\0' + rest + '\0', units = isWide ? wide(base) + wide(rest) : "";
+    std::string info = littleEndian(head + narrow.size() + units.size(), 4) + littleEndian(head, 4) +
+                       littleEndian(1, 4) + littleEndian(0, 8) + littleEndian(0, 4) +
+                       littleEndian(head + base.size() + 1, 4);
+    info.replace(16, 4, littleEndian(head, 4));
+    if (isWide)
+        info += littleEndian(head + narrow.size(), 4) + littleEndian(head + narrow.size() + wide(base).size(), 4);
+    const std::string classId("\x01\x14\x02\0\0\0\0\0\xC0\0\0\0\0\0\0\x46", 16);
+    return littleEndian(0x4C, 4) + classId + littleEndian(3, 4) + std::string(0x4C - 24, '\0') + littleEndian(5, 2) +
+           "items" + info + narrow + units;
+}
+
+TEST_F(XCFilePathDisk, ShortcutsLeadToTheirTargets) {
+    XCString folder;
+    m_folder.path().GetFullPath(folder);
+    const std::string base = folder.GetStr(), whole = shortcut(base, "", false);
+    m_folder.write("folder.lnk", whole);
+    m_folder.write("narrow.lnk", shortcut(base, "\\narrow", false));
+    m_folder.write("wide.lnk", shortcut(base, "\\wide", true));
+    m_folder.write("cut.lnk", whole.substr(0, whole.size() - 4));
+    m_folder.write("other.lnk", std::string(200, 'x'));
+    const std::pair<const char*, std::string> cases[] = {
+        {"folder.lnk", base}, {"narrow.lnk", base + "\\narrow"}, {"wide.lnk", base + "\\wide"}};
+    for (const auto& [name, target] : cases) {
+        XCFilePath resolved = path(name);
+        EXPECT_EQ(resolved.ResolveAliasFile(), 1) << name;
+        EXPECT_STREQ(resolved, target.c_str());
+    }
+    for (const char* name : {"cut.lnk", "other.lnk", "missing.lnk"}) {
+        XCFilePath kept = path(name);
+        EXPECT_EQ(kept.ResolveAliasFile(), 0) << name;
+        EXPECT_TRUE(kept == path(name));
+    }
+    int isFolder = -1;
+    EXPECT_EQ(path("folder.LNK").IsAliasFile(nullptr), 1);
+    EXPECT_EQ(path("folder.lnk").IsAliasFile(&isFolder) + isFolder, 2);
+    EXPECT_EQ(path("wide.lnk").IsAliasFile(&isFolder) + isFolder, 1);
+    EXPECT_EQ(path("file").IsAliasFile(&isFolder) + isFolder, 0);
+}
+
+TEST_F(XCFilePathDisk, TheDocumentsFolderIsTheDesktops) {
+    const EnvironmentScope settings("XDG_CONFIG_HOME", m_folder.posix().string());
+    const std::string home = std::getenv("HOME") ? std::getenv("HOME") : "";
+    const std::pair<const char*, std::string> cases[] = {
+        {"# a list\nXDG_DESKTOP_DIR=\"/d\"\nXDG_DOCUMENTS_DIR=\"/my/texts\"\n", "/my/texts"},
+        {"XDG_DOCUMENTS_DIR=\"$HOME/Texts\"\n", home + "/Texts"},
+        {"XDG_DOCUMENTS_DIR=\"relative\"\n", home},
+        {"XDG_DOCUMENTS_DIR=\n", home},
+    };
+    for (const auto& [list, expected] : cases) {
+        m_folder.write("user-dirs.dirs", list);
+        XCFilePath documents;
+        documents.SetDefaultPath();
+        EXPECT_EQ(std::string(xcPathToPosix(documents).GetStr()), expected.empty() ? "/" : expected) << list;
+    }
 }
 
 TEST_F(XCFilePathDisk, TimesInWinterAndSummer) {

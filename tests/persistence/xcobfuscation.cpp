@@ -123,6 +123,9 @@ TEST(XCObfuscation, MovesAllBytesOfAProjectButItsTag) {
     EXPECT_EQ(o.DecodeProjectObfuscationMemory(out.data(), out.data(), 20000), 1);
     EXPECT_EQ(out, data);
     EXPECT_EQ(o.EncodeProjectObfuscationMemory(data.data(), out.data(), 3), 1);
+    const auto hidden = static_cast<std::uint8_t>(movedBits('x', o.GetObfuscationTable()));
+    EXPECT_EQ(o.DecodeObfuscationDataByte(hidden), 'x');
+    EXPECT_EQ(XCObfuscation().DecodeObfuscationDataByte(hidden), hidden);
 }
 
 TEST(XCObfuscation, RewritesAFile) {

@@ -93,6 +93,19 @@ TEST(XCZLib, EveryFormAndLevelComesBack) {
         }
 }
 
+TEST(XCZLib, CopiesKeepTheLevel) {
+    const Block block = sample(70000);
+    XCZLib fast, assigned;
+    fast.SetCompressionLevel(1);
+    assigned = fast;
+    XCZLib copy(fast);
+    for (XCZLib* const zlib : {&assigned, &copy}) {
+        XCArchiveMem archive(9, 0);
+        zlib->Compress(archive, block.data(), size32(block));
+        EXPECT_EQ(archive.GetLength(), frameOf(block, 1, 0).size());
+    }
+}
+
 TEST(XCZLib, FramesHaveTheirBytes) {
     const Block empty = frameOf({});
     EXPECT_EQ(empty, (Block{0, 0, 0, 8, 0x78, 0x9C, 3, 0, 0, 0, 0, 1}));

@@ -108,6 +108,17 @@ private:
     bool m_hasComma = false;
 };
 
+/// A variable of the environment, unset again afterwards.
+class EnvironmentScope {
+public:
+    EnvironmentScope(const char* name, const std::string& value) : m_name(name) { setenv(name, value.c_str(), 1); }
+    ~EnvironmentScope() { unsetenv(m_name); }
+    EnvironmentScope(const EnvironmentScope&) = delete;
+
+private:
+    const char* m_name;
+};
+
 /// The error code that `operation` throws, 0 when it throws nothing.
 template <class Operation>
 int errorOf(Operation&& operation) {

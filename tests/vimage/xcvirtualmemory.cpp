@@ -244,6 +244,19 @@ TEST_F(XCVirtualMemoryTest, TheSwapFileGrowsByWholeBudgetsAndReusesSpace) {
     m_vm.Free(nullptr);
 }
 
+TEST_F(XCVirtualMemoryTest, MemoryIsHadByEvictingFirst) {
+    create(2, cnOwn);
+    fill(m_vm, allocate(cnOwn), 1);
+    XCVMHandle memory;
+    int retry = 0;
+    EXPECT_EQ(m_vm.AllocHandle2(cnOwn, memory, retry) && retry == 0 && !memory.IsEmpty(), 1);
+    EXPECT_EQ(resident(), "");
+    m_vm.FreeHandle(memory, cnOwn);
+    EXPECT_EQ(memory.IsEmpty(), 1);
+    EXPECT_EQ(errorOf([&] { m_vm.AllocHandle2(cnOwn, memory, retry); }), 8) << "nothing is left to evict";
+    EXPECT_EQ(contents(m_vm, m_blocks[0]), 1);
+}
+
 TEST_F(XCVirtualMemoryTest, BlocksLargerThanTheBudgetCannotBeHad) {
     create(1, cnOwn);
     EXPECT_EQ(errorOf([&] { m_vm.Allocate(cnOwn + 1); }), 8);

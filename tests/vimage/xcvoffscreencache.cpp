@@ -115,9 +115,17 @@ TEST_F(VOffscreenCache, BlocksGoDownAndComeBackUp) {
 }
 
 TEST_F(VOffscreenCache, LaysACheckerboardOfEightPixels) {
-    m_cache->RenderBackgroundFill(image()->GetRect(), 0xFFFFFF, 0, 0);
+    {
+        const XCVOffscreenAutoLock lock(image(), 7, 0, 1);
+        image()->Set32BitColor(0xFF123456);
+    }
+    m_cache->RenderBackground(image()->GetRect(), 0xFFFFFF, 0, 0); // behind what is painted
     XCVOffscreenAutoLock lock(image(), 7, 0, 0);
+    EXPECT_EQ(image()->Get32BitColor(), 0xFF123456);
+    m_cache->RenderBackgroundFill(image()->GetRect(), 0xFFFFFF, 0, 0);
+    image()->MoveCursor(7, 0);
     const std::uint32_t first = image()->Get32BitColor();
+    EXPECT_NE(first, 0xFF123456);
     image()->NextCursorX();
     EXPECT_NE(image()->Get32BitColor(), first);
 }
@@ -156,6 +164,10 @@ TEST(VOffscreenBackup, AStateOfNoneFreesTheBlock) {
     EXPECT_EQ(image->GetBlockExist(0) && !image->GetBlockExist(1) && !image->GetBlockExist(2), 1);
     backup->SetState(static_cast<const XCRect*>(nullptr), BACKUP_NONE);
     EXPECT_EQ(image->IsBlockExist(), 0);
+    backup->SetState(&right, state(3));
+    backup->Destroy();
+    EXPECT_EQ(backup->GetState(300, 0), 0);
+    EXPECT_EQ(store.get()->GetUsedBlockCount(), 0u);
     EXPECT_EQ(XCVOffscreen::CreateOffscreenBackup(0), nullptr);
 }
 

@@ -284,7 +284,11 @@ TYPED_TEST(XCVOffscreenVariants, FastestStepsAreTheAddressesOfTheLayout) {
     EXPECT_EQ(image->SetCurrentCursorAddress(255, 255, base), base + 255 * image->GetBlockRowBytes() + 255 * depth / 8);
     EXPECT_EQ(image->SetCurrentCursorAddress(3, 3, nullptr), nullptr);
     EXPECT_EQ(image->SetCurrentCursorAddressFake32(3, 2), base + 2 * image->GetBlockRowBytes() + 12);
+    EXPECT_EQ(image->SetCurrentCursorAddress(9, 2), base + 2 * image->GetBlockRowBytes() + 9 * depth / 8);
+    EXPECT_EQ(image->GetCurrentAddress(), image->SetCurrentCursorAddress(9, 2, base));
     EXPECT_EQ(image->GetCursorPosX(), 17);
+    EXPECT_EQ(image->MoveCursorFake32(3, 2), image->SetCurrentCursorAddressFake32(3, 2));
+    EXPECT_EQ(image->GetCursorPosX(), 3);
 }
 
 TYPED_TEST(XCVOffscreenVariants, CopyCurrentColorTakesThePixelUnderTheOtherCursor) {
