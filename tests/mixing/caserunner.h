@@ -43,6 +43,7 @@ public:
     void startDab(const MixDab& dab);
     void paint(const MixDab& dab, const MixSpan& span);
     XCFastPixelMixer& mixer() { return m_mixer; }
+    XCSimpleImage& source() { return m_source; }
     TestImage& destination() { return *m_destination; }
     TestImage* cache() { return m_cache; }
     TestImage* colorCache() { return m_colorCache; }

@@ -2,6 +2,7 @@
 #include "randomcases.h"
 
 #include "mixing/blockpart.h"
+#include "mixing/copyrows.h"
 #include "mixing/coveragespan.h"
 #include "mixing/stamprows.h"
 
@@ -62,6 +63,9 @@ struct Twins {
 
 constexpr Family s_families[] = {Family::plain, Family::cached, Family::water, Family::blur, Family::clone};
 
+constexpr Family s_copyFamilies[] = {Family::directCopy, Family::grayCopy, Family::waterCopy, Family::colorCopy,
+                                     Family::toneCopy};
+
 /// Gives each seed another set of kernels, and the machine's best one back at the end.
 class SetRotation {
 public:
@@ -97,6 +101,12 @@ void paintEach(XCFastPixelMixer& mixer, int x, int y, const std::vector<float>& 
         mixer.ScaleAntiAlpha(coverage[i]);
         mixer.DoLineRow(x + int(i), x + int(i), y);
     }
+}
+
+/// Where row y of a dab begins in the source.
+ovw::mixing::SampleLine lineOf(XCFastPixelMixer& mixer, double u, double v, double du, double dv) {
+    const double step = mixer.GetStyleFlag(XCFastPixelMixer::STYLE_ANTIALIAS) ? 16384 : 32768;
+    return {int(u * 32768), int(v * 32768), int(du * step), int(dv * step)};
 }
 
 } // namespace
@@ -259,6 +269,37 @@ TEST(MixerRoads, TheRowsOfAStampEqualTheirPixels) {
             twins.plain.mixer().DoLineRow(0, 255, 7);
             ASSERT_EQ(twins.differ(), "") << mixCase.describe();
         }
+        ASSERT_EQ(twins.fast.average().ConvertSmudgeColor(0), twins.plain.average().ConvertSmudgeColor(0)) << seed;
+    }
+}
+
+TEST(MixerRoads, TheRowsOfAnImageStampEqualTheirSpans) {
+    SetRotation sets;
+    for (std::uint64_t seed = 0; seed < 500; ++seed) {
+        sets.turn(seed);
+        MixCase mixCase(s_copyFamilies[seed % std::size(s_copyFamilies)], seed);
+        Twins twins(mixCase);
+        Random random(seed);
+        for (const MixDab& dab : mixCase.dabs) {
+            twins.startDab(dab);
+            const XCRect reach(random.number(0, 100), 0, random.number(101, 256), 7);
+            XCFastPixelMixer& fast = twins.fast.mixer();
+            fast.MoveCursorToBlock(reach.left, reach.top);
+            twins.plain.mixer().MoveCursorToBlock(reach.left, reach.top);
+            ovw::mixing::CopyRows rows(fast, twins.fast.source(), reach);
+            for (int y = reach.top; y < reach.bottom; ++y) {
+                const int width = random.chance(2) ? 20 : 256;
+                const int start = random.number(reach.left, reach.right - 1);
+                const int end = random.number(start + 1, std::min(start + width, int(reach.right)));
+                MixDab row = dab;
+                row.u = random.real(-300, 60);
+                twins.plain.startDab(row);
+                rows.paint(start, end, y, lineOf(fast, row.u, row.v, row.du, row.dv),
+                           lineOf(fast, row.uB, row.vB, row.duB, row.dvB));
+                twins.plain.mixer().DoLineRowCopy(start, end, y, &twins.plain.source());
+            }
+        }
+        ASSERT_EQ(twins.differ(), "") << mixCase.describe();
         ASSERT_EQ(twins.fast.average().ConvertSmudgeColor(0), twins.plain.average().ConvertSmudgeColor(0)) << seed;
     }
 }

@@ -40,7 +40,11 @@ int MapOutline::findCrossings(std::array<Crossing, 4>& found, double y, bool isC
         const double dy = y - edge.top;
         found[count++] = {edge.start.x + dy * edge.dx, edge.start.u + dy * edge.du, edge.start.v + dy * edge.dv, &edge};
     }
-    std::sort(found.begin(), found.begin() + count, [](const Crossing& a, const Crossing& b) { return a.x < b.x; });
+    const auto isBefore = [](const Crossing& a, const Crossing& b) { return a.x < b.x; };
+    if (count > 2)
+        std::sort(found.begin(), found.begin() + count, isBefore);
+    else if (count == 2 && isBefore(found[1], found[0]))
+        std::swap(found[0], found[1]);
     return count;
 }
 

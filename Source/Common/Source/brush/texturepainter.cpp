@@ -18,25 +18,29 @@ constexpr double cnMaxPixel = 1e12;
 constexpr double cnFullStep = XCFastPixelMixer::cnFixFloatConstant;
 constexpr double cnHalfStep = cnFullStep / 2.0;
 
-/// A line as the mixer walks it: whole units of 1.15, after `skipped` steps from x on.
-struct FixedLine {
-    FixedLine(const SourceLine& line, double x, double stepScale, std::int64_t steps)
-        : du(std::nearbyint(line.du * stepScale)), dv(std::nearbyint(line.dv * stepScale)),
-          u(std::nearbyint((line.u + (x - line.x) * line.du) * cnFullStep) + du * static_cast<double>(steps)),
-          v(std::nearbyint((line.v + (x - line.x) * line.dv) * cnFullStep) + dv * static_cast<double>(steps)) {}
+/// std::nearbyint, for the numbers that occur without a call.
+double nearest(double value) {
+    constexpr double cnShift = 0x1.8p52; // a sum with it has no room for fractions
+    return std::abs(value) < 0x1p51 ? (value + cnShift) - cnShift : std::nearbyint(value);
+}
 
-    double du; ///< a step
-    double dv;
-    double u;
-    double v;
-};
+/// A line as the mixer walks it: whole units of 1.15, after `steps` steps from x on.
+mixing::SampleLine sampleLine(const SourceLine& line, double x, double stepScale, std::int64_t steps) {
+    const double du = nearest(line.du * stepScale);
+    const double dv = nearest(line.dv * stepScale);
+    const double u = nearest((line.u + (x - line.x) * line.du) * cnFullStep) + du * static_cast<double>(steps);
+    const double v = nearest((line.v + (x - line.x) * line.dv) * cnFullStep) + dv * static_cast<double>(steps);
+    return {truncateToInt(u), truncateToInt(v), truncateToInt(du), truncateToInt(dv)};
+}
 
 } // namespace
 
 std::int64_t pixelsBefore(double value, double offset) {
-    const double pixels = std::ceil(value - offset);
-    return pixels >= -cnMaxPixel ? static_cast<std::int64_t>(std::min(pixels, cnMaxPixel))
-                                 : static_cast<std::int64_t>(-cnMaxPixel);
+    const double place = value - offset;
+    if (!(place > -cnMaxPixel))
+        return static_cast<std::int64_t>(-cnMaxPixel);
+    const auto whole = static_cast<std::int64_t>(std::min(place, cnMaxPixel));
+    return static_cast<double>(whole) < place && place < cnMaxPixel ? whole + 1 : whole;
 }
 
 TexturePainter::TexturePainter(XCVOffscreen& target, XCFastPixelMixer& mixer, XCSimpleImage& source,
@@ -67,25 +71,21 @@ bool TexturePainter::paint(const TextureSpan& span, std::int64_t from, std::int6
         return false;
     const auto imageX = [this](std::int64_t x) { return static_cast<int>(x + m_origin.x); };
     for (std::int64_t x = from; x < to;) {
-        const std::int64_t pieceStart = x - (x - span.start) % cnPiece;
-        const std::int64_t end = std::min(pieceStart + cnPiece, to);
-        aim(span.line, span.lineB, static_cast<double>(pieceStart), x - pieceStart);
-        m_mixer.DoLineRowCopy(imageX(x), imageX(end), static_cast<int>(span.y + m_origin.y), &m_source);
+        const std::int64_t skipped = (x - span.start) % cnPiece;
+        const std::int64_t end = std::min(x - skipped + cnPiece, to);
+        const auto pieceX = static_cast<double>(x - skipped);
+        mixing::SampleLine line;
+        mixing::SampleLine lineB{};
+        if (m_isAntialiased) {
+            line = sampleLine(span.line, pieceX + cnFirstQuarter, cnHalfStep, 2 * skipped);
+            lineB = sampleLine(span.lineB, pieceX + cnFirstQuarter, cnHalfStep, 2 * skipped);
+        } else {
+            line = sampleLine(span.line, pieceX + m_offset, cnFullStep, skipped);
+        }
+        m_rows->paint(imageX(x), imageX(end), static_cast<int>(span.y + m_origin.y), line, lineB);
         x = end;
     }
     return true;
-}
-
-/// Sets the mixer's source place for the pixel `skipped` pixels after the one that begins at pieceX.
-void TexturePainter::aim(const SourceLine& line, const SourceLine& lineB, double pieceX, std::int64_t skipped) {
-    if (!m_isAntialiased) {
-        const FixedLine a(line, pieceX + m_offset, cnFullStep, skipped);
-        return m_mixer.SetSrcUVParam(a.u / cnFullStep, a.v / cnFullStep, a.du / cnFullStep, a.dv / cnFullStep);
-    }
-    const FixedLine a(line, pieceX + cnFirstQuarter, cnHalfStep, 2 * skipped);
-    const FixedLine b(lineB, pieceX + cnFirstQuarter, cnHalfStep, 2 * skipped);
-    m_mixer.SetSrcUVParamAntiAlias(a.u / cnFullStep, a.v / cnFullStep, a.du / cnHalfStep, a.dv / cnHalfStep,
-                                   b.u / cnFullStep, b.v / cnFullStep, b.du / cnHalfStep, b.dv / cnHalfStep);
 }
 
 } // namespace ovw::brush

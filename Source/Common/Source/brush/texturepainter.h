@@ -1,12 +1,14 @@
 #ifndef OVW_BRUSH_TEXTUREPAINTER_H
 #define OVW_BRUSH_TEXTUREPAINTER_H
 
+#include "mixing/copyrows.h"
 #include "ovwcmn/wintypes.h"
 #include "ovwcmn/xcblockgetter.h"
 #include "ovwcmn/xcfastpixelmixer.h"
 #include "ovwcmn/xcgeometry.h"
 
 #include <cstdint>
+#include <optional>
 
 class XCSimpleImage;
 class XCVOffscreen;
@@ -56,14 +58,17 @@ public:
     /// Anti-aliased: asked for, and possible in the target's depth.
     bool isAntialiased() const { return m_isAntialiased; }
     double offset() const { return m_offset; }
-    /// Calls row(y), with a local y, for every row of every block that the target's part of `area` meets.
+    /// Calls row(y), with a local y, for every row of every block that the target's part of `area` meets. Only there
+    /// may spans be painted, and no pixel twice.
     template <class Row>
     void forEachRow(const XCRect& area, Row row) {
         XCBlockGetter blocks(&m_target, area, 1);
         while (blocks.GetNextBlock(m_block)) {
             m_mixer.MoveCursorToBlock(m_block.left, m_block.top);
+            m_rows.emplace(m_mixer, m_source, m_block);
             for (int y = m_block.top; y < m_block.bottom; y++)
                 row(std::int64_t{y} - m_origin.y);
+            m_rows.reset();
         }
     }
     /// The current block's part of a span. @return whether there is one
@@ -74,8 +79,6 @@ public:
     bool paint(const TextureSpan& span, std::int64_t from, std::int64_t to);
 
 private:
-    void aim(const SourceLine& line, const SourceLine& lineB, double pieceX, std::int64_t skipped);
-
     XCVOffscreen& m_target;
     XCFastPixelMixer& m_mixer;
     XCSimpleImage& m_source;
@@ -84,6 +87,7 @@ private:
     bool m_isAntialiased;
     int m_savedStyle;
     XCRect m_block;
+    std::optional<mixing::CopyRows> m_rows; ///< of the current block
 };
 
 } // namespace ovw::brush

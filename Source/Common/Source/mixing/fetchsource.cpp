@@ -1,6 +1,6 @@
 #include "mixing/fetchsource.h"
 
-#include "mixing/fixedpoint.h"
+#include "mixing/samplesums.h"
 #include "mixing/saturated.h"
 #include "ovwcmn/xcsimpleimage.h"
 
@@ -33,166 +33,109 @@ OwnPixels::OwnPixels(const XCSimpleImage& image) {
 
 namespace {
 
-// Luminance weights of red, green and blue; they sum to 16514, so that black of full alpha covers 1.0 and a little
-// more.
-constexpr std::int32_t cnRed = 4936;
-constexpr std::int32_t cnGreen = 9687;
-constexpr std::int32_t cnBlue = 1891;
-constexpr std::int32_t cnLightest = (cnRed + cnGreen + cnBlue) * 255;
-
-/// The samples of one pixel.
-struct Samples {
-    std::int32_t covered = 0; // how many cover
-    std::int32_t sum = 0;     // of densities or alphas
-    std::int32_t blue = 0;    // of those that cover
-    std::int32_t green = 0;
-    std::int32_t red = 0;
-
-    void addColor(std::uint32_t color) {
-        blue += color & 0xFF;
-        green += color >> 8 & 0xFF;
-        red += color >> 16 & 0xFF;
-    }
-    std::uint32_t meanColor() const {
-        const std::int32_t n = most(covered, 1);
-        return static_cast<std::uint32_t>(blue / n) | static_cast<std::uint32_t>(green / n) << 8 |
-               static_cast<std::uint32_t>(red / n) << 16;
-    }
-    /// Darkness times alpha, of one sample or of four.
-    template <int count>
-    std::int32_t darkness() const {
-        const std::int32_t light = cnRed * red + cnGreen * green + cnBlue * blue;
-        if constexpr (count == 1)
-            return ((cnLightest - light) * sum) >> Scale15::cnBits;
-        return ((cnLightest / 4 - light / (4 * most(covered, 1))) * sum) >> Scale15::cnBits;
-    }
-};
-
-/// Calls use(i, samples) for n pixels; add(samples, pixel) takes one sample in.
-template <int count, class Add, class Use>
-void samplePixels(SourceRow& row, int n, const SourceView& view, Add add, Use use) {
-    SampleLine line = view.line;
-    [[maybe_unused]] SampleLine lineB = view.lineB;
-    for (int i = 0; i < n; ++i) {
-        Samples samples;
-        add(samples, line.next(*view.image));
-        if constexpr (count == 4) {
-            add(samples, line.next(*view.image));
-            add(samples, lineB.next(*view.image));
-            add(samples, lineB.next(*view.image));
-        }
-        row.covered[i] = samples.covered;
-        use(i, samples);
-    }
+SourcePixels pixelsOf(const XCSimpleImage& image) {
+    const std::uint8_t* first = image.GetPixel(0, 0);
+    constexpr std::uint32_t cnAll = ~0u;
+    return {first, image.GetWidth(), image.GetHeight(), image.GetPixel(-1, 0) == first ? cnAll : 0,
+            image.GetPixel(0, -1) == first ? cnAll : 0};
 }
 
-template <int count>
-void fetchBits(SourceRow& row, int n, const SourceView& view) {
+void completeForBits(SourceView& view, bool isTwoColored) {
     const bool isTwoBit = view.image->GetOrgBitCount() == 2;
-    const bool onlyThree = isTwoBit && !view.isTwoColored;
-    row.scale = ScaleQuarters;
-    samplePixels<count>(
-        row, n, view,
-        [&](Samples& samples, const std::uint8_t* pixel) {
-            if (onlyThree ? *pixel != 3 : *pixel == 0)
-                return;
-            ++samples.covered;
-            samples.addColor(isTwoBit && *pixel != 3 ? view.subColor : view.color);
-        },
-        [&](int i, const Samples& samples) {
-            row.weight[i] = samples.covered * (4 / count);
-            row.color[i] = samples.meanColor();
-        });
+    view.texel = TexelByte;
+    view.weight = WeighBits;
+    view.scale = ScaleQuarters;
+    if (!isTwoBit)
+        view.colors.subColor = view.colors.color;
+    view.colors.leastBits = isTwoBit && !isTwoColored ? 3 : 1;
 }
 
-template <int count>
-void fetchDensities(SourceRow& row, int n, const SourceView& view) {
-    const bool isBytes = view.rule == SourceRule::Bytes;
-    row.scale = isBytes ? ScaleByte : count == 4 ? ScaleSum : ScaleAlpha;
-    samplePixels<count>(
-        row, n, view,
-        [](Samples& samples, const std::uint8_t* pixel) {
-            samples.sum += *pixel;
-            samples.covered += *pixel != 0;
-        },
-        [&](int i, const Samples& samples) {
-            row.weight[i] = isBytes ? samples.sum / count : samples.sum;
-            row.color[i] = view.color;
-        });
+void completeForDensities(SourceView& view, SourceRule rule) {
+    const bool isBytes = rule == SourceRule::Bytes;
+    const SourceScale scaleOfSum = view.twoByTwo ? ScaleSum : ScaleAlpha;
+    view.texel = TexelByte;
+    view.weight = isBytes ? WeighDensityBytes : WeighDensities;
+    view.scale = isBytes ? ScaleByte : scaleOfSum;
 }
 
-/// Of pixels with an alpha byte.
-struct StoredAlpha {
-    static constexpr bool cnIsFull = false;
-    explicit StoredAlpha(const XCSimpleImage&) {}
-    std::int32_t operator()(const std::uint8_t* pixel) const { return pixel[3]; }
-};
-
-/// Of pixels without one, which cover in full.
-struct FullAlpha {
-    static constexpr bool cnIsFull = true;
-    OwnPixels pixels;
-    explicit FullAlpha(const XCSimpleImage& image) : pixels(image) {}
-    std::int32_t operator()(const std::uint8_t* pixel) const { return pixels.holds(pixel) ? Scale8::cnOne : 0; }
-};
-
-template <int count, class Alpha>
-void fetchColors(SourceRow& row, int n, const SourceView& view) {
-    const Alpha alphaOf(*view.image);
-    const SourceRule rule = view.rule;
-    row.scale = rule == SourceRule::Bytes ? ScaleByte : rule == SourceRule::Darkness ? ScaleFixed : ScaleQuarters;
-    samplePixels<count>(
-        row, n, view,
-        [&](Samples& samples, const std::uint8_t* pixel) {
-            const std::int32_t alpha = alphaOf(pixel);
-            if (alpha == 0)
-                return;
-            ++samples.covered;
-            samples.sum += alpha;
-            samples.blue += pixel[0];
-            samples.green += pixel[1];
-            samples.red += pixel[2];
-        },
-        [&](int i, const Samples& samples) {
-            row.color[i] = samples.meanColor();
-            if (rule == SourceRule::Bytes)
-                row.weight[i] = samples.sum / count;
-            else if (rule == SourceRule::Colors)
-                row.weight[i] = samples.covered * (4 / count);
-            else if (Alpha::cnIsFull)
-                row.weight[i] = samples.covered * (Scale15::cnOne / count);
-            else
-                row.weight[i] = std::min(samples.darkness<count>(), Scale15::cnOne);
-            if (rule == SourceRule::Darkness && row.weight[i] == 0)
-                row.covered[i] = 0; // white covers nothing
-        });
-}
-
-template <int count>
-bool fetchSamples(SourceRow& row, int n, const SourceView& view) {
-    switch (view.image->GetOrgBitCount()) {
-    case 1:
-    case 2: fetchBits<count>(row, n, view); return true;
-    case 8: fetchDensities<count>(row, n, view); return true;
-    case 24: fetchColors<count, FullAlpha>(row, n, view); return true;
-    case 32: fetchColors<count, StoredAlpha>(row, n, view); return true;
-    default: return false;
+void completeForColors(SourceView& view, SourceRule rule, SourceTexel texel) {
+    view.texel = texel;
+    if (rule == SourceRule::Bytes) {
+        view.weight = WeighColorBytes;
+        view.scale = ScaleByte;
+    } else if (rule == SourceRule::Darkness && texel == TexelRgba) {
+        view.weight = WeighDarkness;
+        view.scale = ScaleFixed;
+    } else { // pixels without alpha cover in full, however light
+        view.weight = WeighColors;
+        view.scale = ScaleQuarters;
     }
 }
 
 } // namespace
 
-bool fetchSource(SourceRow& row, int n, const SourceView& view) {
-    return view.twoByTwo ? fetchSamples<4>(row, n, view) : fetchSamples<1>(row, n, view);
+bool completeView(SourceView& view, SourceRule rule, bool isTwoColored) {
+    view.pixels = pixelsOf(*view.image);
+    switch (view.image->GetOrgBitCount()) {
+    case 1:
+    case 2: completeForBits(view, isTwoColored); return true;
+    case 8: completeForDensities(view, rule); return true;
+    case 24: completeForColors(view, rule, TexelRgb); return true;
+    case 32: completeForColors(view, rule, TexelRgba); return true;
+    default: return false;
+    }
+}
+
+namespace {
+
+/// One sample, wherever it lies.
+std::uint32_t texelAt(const SourceView& view, std::int64_t u, std::int64_t v) {
+    const std::uint8_t* p =
+        view.image->GetPixel(static_cast<int>(u >> Scale15::cnBits), static_cast<int>(v >> Scale15::cnBits));
+    switch (view.texel) {
+    case TexelByte: return *p;
+    case TexelRgb: return OwnPixels(*view.image).holds(p) ? packed(p[0], p[1], p[2], Scale8::cnOne) : 0;
+    default: return packed(p[0], p[1], p[2], p[3]);
+    }
+}
+
+/// Whether n places of a coordinate stay in 32 bits.
+bool fits(std::int64_t start, std::int64_t step, int n) {
+    return saturated(start) == start && saturated(start + step * (n - 1)) == start + step * (n - 1);
+}
+
+void sampleLine(std::uint32_t* texels, int n, const SourceView& view, std::int64_t u, std::int64_t v, std::int64_t du,
+                std::int64_t dv, const KernelTable& kernels) {
+    constexpr std::int64_t cnMostPixels = std::numeric_limits<std::int32_t>::max();
+    if (fits(u, du, n) && fits(v, dv, n) && std::int64_t{view.pixels.width} * view.pixels.height <= cnMostPixels) {
+        // The step to another place fits where there is one, and has no say where there is none.
+        const SampleColumn column{static_cast<std::int32_t>(u), static_cast<std::int32_t>(v),
+                                  static_cast<std::int32_t>(du), static_cast<std::int32_t>(dv)};
+        return kernels.sample[view.texel](texels, n, view.pixels, column);
+    }
+    for (int i = 0; i < n; ++i)
+        texels[i] = texelAt(view, u + du * i, v + dv * i);
+}
+
+} // namespace
+
+void sampleSource(SourceTexels& texels, int first, int n, const SourceView& view, const SampleLine& line,
+                  const SampleLine& lineB, const KernelTable& kernels) {
+    if (!view.twoByTwo)
+        return sampleLine(texels.column[0] + first, n, view, line.u, line.v, line.du, line.dv, kernels);
+    int i = 0;
+    for (const SampleLine* row : {&line, &lineB}) {
+        const std::int64_t du = row->du;
+        const std::int64_t dv = row->dv;
+        sampleLine(texels.column[i++] + first, n, view, row->u, row->v, 2 * du, 2 * dv, kernels);
+        sampleLine(texels.column[i++] + first, n, view, row->u + du, row->v + dv, 2 * du, 2 * dv, kernels);
+    }
 }
 
 std::int32_t darknessOf(const std::uint8_t* pixel) {
-    Samples samples;
-    samples.sum = pixel[3];
-    samples.blue = pixel[0];
-    samples.green = pixel[1];
-    samples.red = pixel[2];
-    return samples.darkness<1>();
+    SampleSums sums;
+    sums.add(packed(pixel[0], pixel[1], pixel[2], pixel[3]), true);
+    return darknessOf<1>(sums);
 }
 
 } // namespace ovw::mixing

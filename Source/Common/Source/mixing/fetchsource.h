@@ -1,9 +1,9 @@
 #ifndef OVW_MIXING_FETCHSOURCE_H
 #define OVW_MIXING_FETCHSOURCE_H
 
-#include "mixing/coveragerow.h"
 #include "mixing/kernelplan.h"
 #include "mixing/kerneltable.h"
+#include "mixing/sourcerow.h"
 
 #include <cstdint>
 #include <functional>
@@ -39,32 +39,26 @@ private:
     const std::uint8_t* m_last = nullptr;
 };
 
-/// How a span looks into its source image.
+/// How spans look into their source image.
 struct SourceView {
     const XCSimpleImage* image;
-    SampleLine line;
-    SampleLine lineB; ///< 2 x 2 sampling: the second row of samples.
-    bool twoByTwo;    ///< Four samples a pixel; steps are then half steps.
-    SourceRule rule;
-    bool isTwoColored;   ///< 2-bit pixels 1 and 2 bring the sub colour; else only 3 covers.
-    std::uint32_t color; ///< The mixer's colour and sub colour, as stored in 32 bits, alpha 0.
-    std::uint32_t subColor;
-};
-
-/// What the source gives to the pixels of a span.
-struct SourceRow {
+    SourcePixels pixels;
+    bool twoByTwo; ///< Four samples a pixel; the steps of their lines are then half steps.
+    SourceTexel texel;
+    SourceWeight weight;
     SourceScale scale; ///< How the weights multiply into the coverage.
-    alignas(64) std::int32_t weight[cnRowPixels];
-    /// How many samples cover. 0 skips the pixel; a white pixel is there but has no weight.
-    alignas(64) std::int32_t covered[cnRowPixels];
-    /// As stored in 32 bits, alpha 0; the mixer's colour where the source has none of its own.
-    alignas(64) std::uint32_t color[cnRowPixels];
+    SourceColors colors;
 };
 
-/// Samples n pixels. False for a source of a depth that covers nothing.
-bool fetchSource(SourceRow& row, int n, const SourceView& view);
+/// Completes a view that has its image, its colours and 2 x 2 sampling. isTwoColored: 2-bit pixels 1 and 2 bring the
+/// sub colour; else only 3 covers. False for an image of a depth that covers nothing.
+bool completeView(SourceView& view, SourceRule rule, bool isTwoColored);
 
-/// Coverage of a 32-bit source pixel in 1.15, not limited to 1.0: its darkness times its alpha.
+/// Samples n pixels, into the texels from first on. lineB: of 2 x 2 sampling, the second row of samples.
+void sampleSource(SourceTexels& texels, int first, int n, const SourceView& view, const SampleLine& line,
+                  const SampleLine& lineB, const KernelTable& kernels);
+
+/// Coverage of a 32-bit source pixel in 1.15: its darkness times its alpha.
 std::int32_t darknessOf(const std::uint8_t* pixel);
 
 /// Swaps the bytes of red and blue: 0xAABBGGRR to the order of 32-bit pixels and back.

@@ -3,6 +3,7 @@
 
 #include "mixing/compositor.h"
 #include "mixing/kerneltable.h"
+#include "mixing/sampling.h"
 #include "mixing/stages.h"
 
 namespace ovw::mixing {
@@ -45,6 +46,13 @@ constexpr Compositor none = nullptr;
 // clang-format off
 constexpr KernelTable cnKernels = {
     startRow, startCoverage, scaleStart, circleRow, skipFull,
+    {sampleColumn<ByteTexel>, sampleColumn<RgbTexel>, sampleColumn<RgbaTexel>},
+    {{weighBits<1>, weighBits<4>},
+     {weighDensities<1, false>, weighDensities<4, false>},
+     {weighDensities<1, true>, weighDensities<4, true>},
+     {weighColors<1, WeighByDarkness>, weighColors<4, WeighByDarkness>},
+     {weighColors<1, WeighInFull>, weighColors<4, WeighInFull>},
+     {weighColors<1, WeighByAlpha>, weighColors<4, WeighByAlpha>}},
     {scaleByQuarters, scaleByAlpha, scaleBySum, scaleByFixed, scaleByBytes},
     gateByMask, scaleByMask, scaleByMaskAndCap, scaleByMaskOfBlur, visitCovered, visitBySource, visitByMask,
     gaussOfTable, gaussOfLine, scaleByGauss, scaleByGaussWide,

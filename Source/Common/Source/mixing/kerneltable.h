@@ -2,6 +2,7 @@
 #define OVW_MIXING_KERNELTABLE_H
 
 #include "mixing/coveragerow.h"
+#include "mixing/sourcerow.h"
 
 #include <cstdint>
 
@@ -61,6 +62,20 @@ enum SourceScale {
     cnSourceScales
 };
 
+/// How pixels of a source image lie in memory; the order of KernelTable::sample.
+enum SourceTexel { TexelByte, TexelRgb, TexelRgba, cnSourceTexels };
+
+/// What samples weigh; the order of KernelTable::weigh.
+enum SourceWeight {
+    WeighBits,         ///< In full or not at all.
+    WeighDensities,    ///< By their sum.
+    WeighDensityBytes, ///< By their mean.
+    WeighDarkness,     ///< By darkness and alpha; they bring no colours.
+    WeighColors,       ///< In full.
+    WeighColorBytes,   ///< By the mean of their alphas.
+    cnSourceWeights
+};
+
 /// What the water kernels found below.
 struct ColorSums {
     std::uint32_t alpha;
@@ -82,6 +97,11 @@ struct KernelTable {
     void (*circleRow)(float* coverage, int n, const CircleRow& row);
     void (*skipFull)(CoverageRow& row, const std::uint16_t* cache, std::int32_t limit);
 
+    /// Reads n samples, at most cnRowPixels; writes up to SourceTexels::cnRoom texels more.
+    void (*sample[cnSourceTexels])(std::uint32_t* texels, int n, const SourcePixels& pixels,
+                                   const SampleColumn& column);
+    /// From one sample a pixel, or from four.
+    void (*weigh[cnSourceWeights][2])(SourceRow& row, int n, const SourceTexels& texels, const SourceColors& colors);
     void (*scaleBySource[cnSourceScales])(CoverageRow& row, const std::int32_t* weights);
     void (*gateByMask)(CoverageRow& row, const std::uint8_t* mask);
     void (*scaleByMask)(CoverageRow& row, const std::uint8_t* mask);
@@ -90,7 +110,7 @@ struct KernelTable {
     /// live = whether there is coverage.
     void (*visitCovered)(CoverageRow& row);
     /// Clears live where the source has nothing, or the mask lets nothing through.
-    void (*visitBySource)(CoverageRow& row, const std::int32_t* covered);
+    void (*visitBySource)(CoverageRow& row, const std::int32_t* weights);
     void (*visitByMask)(CoverageRow& row, const std::uint8_t* mask);
 
     /// weights[i] = table[(position + i * step) >> 14] * strength >> 10, at most limit.

@@ -1,8 +1,6 @@
 #include "mixing/rowbatch.h"
 
-#include "mixing/fixedpoint.h"
-#include "mixing/gaussrow.h"
-#include "ovwcmn/xcplotgauss.h"
+#include "mixing/spanpainter.h"
 
 #include <algorithm>
 #include <cstring>
@@ -38,74 +36,61 @@ void copyRow(std::uint8_t* to, const std::uint8_t* from, std::size_t size) {
 
 } // namespace
 
-void RowBatch::add(const BatchRules& rules, int x, int y, int n) {
-    const int column = x - rules.left;
-    const int line = y - rules.top;
-    const int pixelBytes = rules.dst.pixelBytes;
-    Row& row = m_rowsOf[m_rows++];
-    row = {rules.dst.at(column, line), nullptr, m_count, n};
-    copyRow(m_dst + m_count * pixelBytes, row.dst, std::size_t(n) * std::size_t(pixelBytes));
-    if (rules.hasCache()) {
-        row.cache = rules.cache.at(column, line);
-        copyRow(reinterpret_cast<std::uint8_t*>(m_cache + m_count), row.cache, n * sizeof(*m_cache));
-        const std::uint8_t* ref = rules.ref.bits ? rules.ref.at(column, line) : rules.blank;
-        copyRow(m_ref + m_count * pixelBytes, ref, std::size_t(n) * std::size_t(pixelBytes));
+void RowBatch::begin(SpanPainter& painter, const KernelPlan& plan, const BatchImages& images) {
+    m_painter = &painter;
+    m_plan = &plan;
+    m_left = images.left;
+    m_top = images.top;
+    addImage(images.dst, m_dst, true);
+    addImage(images.cache, reinterpret_cast<std::uint8_t*>(m_cache), true);
+    addImage(images.cacheColor, m_cacheColor, true);
+    addImage(images.ref, m_ref, false);
+    m_pixels.dst = m_dst;
+    m_pixels.ref = images.ref.bits ? m_ref : nullptr;
+    m_pixels.cache = images.cache.bits ? m_cache : nullptr;
+    m_pixels.cacheColor = images.cacheColor.bits ? m_cacheColor : nullptr;
+}
+
+void RowBatch::addImage(const BlockPixels& image, std::uint8_t* pixels, bool isPainted) {
+    if (!image.bits)
+        return;
+    m_part[m_parts++] = {image, pixels};
+    m_paintedParts += isPainted ? 1 : 0;
+}
+
+void RowBatch::add(bool hasCoverage) {
+    // A span without a falloff does not show.
+    if (!m_painter->fetchInputs(m_inputs, m_count, *m_plan))
+        return;
+    m_hasCoverage = hasCoverage;
+    Row& row = m_row[m_rows++];
+    row = {m_painter->left() - m_left, m_painter->top() - m_top, m_count, m_painter->count()};
+    for (const Part* part = m_part; part != m_part + m_parts; ++part) {
+        const std::size_t bytes = std::size_t(row.n) * std::size_t(part->image.pixelBytes);
+        copyRow(part->pixels + row.first * part->image.pixelBytes, part->image.at(row.column, row.line), bytes);
     }
-    if (rules.gauss) {
-        if (rules.gauss->StartLine(y, x))
-            GaussRow::fetch(m_weights + m_count, n, padded(n), *rules.gauss, Scale15::cnOne, kernels(padded(n)));
-        else
-            std::fill_n(m_weights + m_count, n, 0);
-    }
-    m_count += n;
+    m_count += row.n;
 }
 
 /// Whole vectors: what lies behind the last pixel has no coverage.
-void RowBatch::padTo(const BatchRules& rules, int n) {
-    const int pixelBytes = rules.dst.pixelBytes;
-    std::fill(m_coverage + m_count, m_coverage + n, 0.0f);
-    std::fill(m_weights + m_count, m_weights + n, 0);
-    std::fill(m_cache + m_count, m_cache + n, std::uint16_t{0});
-    std::fill(m_dst + m_count * pixelBytes, m_dst + n * pixelBytes, std::uint8_t{0});
-    std::fill(m_ref + m_count * pixelBytes, m_ref + n * pixelBytes, std::uint8_t{0});
+void RowBatch::pad() {
+    std::fill_n(m_coverage + m_count, cnPadding, 0.0f);
+    for (const Part* part = m_part; part != m_part + m_parts; ++part)
+        std::memset(part->pixels + m_count * part->image.pixelBytes, 0, cnPadding * cnBytes);
 }
 
-void RowBatch::scaleCoverages(const BatchRules& rules, const KernelTable& kernel) {
-    kernel.startCoverage(m_row, m_coverage, rules.baseAlpha);
-    if (rules.factor != Scale15::cnOne || rules.hasCache()) // only caches have a cap
-        kernel.scaleStart(m_row, rules.factor, rules.factor);
-    if (rules.gauss)
-        kernel.scaleByGauss(m_row, m_weights);
-}
-
-void RowBatch::passCache(const BatchRules& rules, const KernelTable& kernel) {
-    kernel.skipFull(m_row, m_cache, rules.factor);
-    if (auto accumulate = kernel.accumulate[rules.accumulation])
-        accumulate(m_row, m_cache);
-    kernel.scaleByOpacity(m_row, rules.opacity);
-}
-
-void RowBatch::paint(const BatchRules& rules) {
+void RowBatch::paint() {
     if (m_count == 0)
         return;
-    const int n = padded(m_count);
-    padTo(rules, n);
-    const KernelTable& kernel = kernels(n);
-    m_row.n = n;
-    scaleCoverages(rules, kernel);
-    if (rules.hasCache())
-        passCache(rules, kernel);
-    CompositeSpan span = rules.span;
-    span.dst = m_dst;
-    span.ref = m_ref;
-    span.a = m_row.a;
-    span.n = n;
-    (kernel.*rules.compositors)[rules.composition][rules.column](span);
-    for (const Row* row = m_rowsOf; row != m_rowsOf + m_rows; ++row) {
-        const int pixelBytes = rules.dst.pixelBytes;
-        copyRow(row->dst, m_dst + row->first * pixelBytes, std::size_t(row->n) * std::size_t(pixelBytes));
-        if (rules.hasCache())
-            copyRow(row->cache, reinterpret_cast<std::uint8_t*>(m_cache + row->first), row->n * sizeof(*m_cache));
+    m_pixels.filled = m_count;
+    m_pixels.n = padded(m_count);
+    pad();
+    m_painter->work(*m_plan, m_inputs, m_pixels, m_hasCoverage ? m_coverage : nullptr);
+    for (const Row* row = m_row; row != m_row + m_rows; ++row) {
+        for (const Part* part = m_part; part != m_part + m_paintedParts; ++part) {
+            const std::size_t bytes = std::size_t(row->n) * std::size_t(part->image.pixelBytes);
+            copyRow(part->image.at(row->column, row->line), part->pixels + row->first * part->image.pixelBytes, bytes);
+        }
     }
     m_count = 0;
     m_rows = 0;

@@ -16,6 +16,13 @@ void RowsAhead::addImage(const BlockPixels& image, const XCRect& part) {
     m_lines += columns.lines;
 }
 
+void RowsAhead::addImages(const BatchImages& images, const XCRect& part) {
+    for (const BlockPixels& image : {images.dst, images.cache, images.ref, images.cacheColor}) {
+        if (image.bits)
+            addImage(image, part - tagPOINT{images.left, images.top});
+    }
+}
+
 void RowsAhead::begin(int top, int bottom) {
     m_distance = std::max(cnLinesInFlight / std::max(m_lines, 1), 1);
     m_next = top;

@@ -2,6 +2,7 @@
 #define OVW_MIXING_ROWSAHEAD_H
 
 #include "mixing/blockpixels.h"
+#include "mixing/rowbatch.h"
 #include "ovwcmn/xcgeometry.h"
 
 #include <algorithm>
@@ -15,6 +16,8 @@ class RowsAhead {
 public:
     /// Of a part of a block, in coordinates of the block.
     void addImage(const BlockPixels& image, const XCRect& part);
+    /// Of the images of a batch, in coordinates of the image.
+    void addImages(const BatchImages& images, const XCRect& part);
     /// The part's rows, in the image's coordinates.
     void begin(int top, int bottom);
     /// Row y is painted next.
@@ -25,7 +28,7 @@ public:
     }
 
 private:
-    static constexpr int cnMostImages = 3;
+    static constexpr int cnMostImages = 4;
     static constexpr int cnLineBytes = 64; ///< of a cache line
 
     void fetchRow();

@@ -15,7 +15,8 @@ constexpr std::uint32_t cnKeepAlphaByte = 0xFF000000;
 } // namespace
 
 /// False when the span was only sampled. colors: of the source, for CacheRule::Color.
-bool SpanPainter::applyCache(CoverageRow& row, const KernelPlan& plan, bool isWide, const std::uint32_t* colors) const {
+bool SpanPainter::applyCache(CoverageRow& row, const KernelPlan& plan, const RowInputs& inputs,
+                             const std::uint32_t* colors) const {
     switch (plan.cache) {
     case CacheRule::Water:
         sampleBelow(row);
@@ -24,15 +25,13 @@ bool SpanPainter::applyCache(CoverageRow& row, const KernelPlan& plan, bool isWi
         accumulateWater(row);
         break;
     case CacheRule::Color: accumulateColor(row, colors); break;
-    default:
-        m_kernels->skipFull(row, reinterpret_cast<std::uint16_t*>(rowOf(m_mixer.m_cache)), startFactor(plan.start));
-        accumulate(row);
+    default: m_kernels->skipFull(row, m_pixels.cache, startFactor(plan.start)); accumulate(row);
     }
-    const bool staysWide = isWide && accumulation() == AccumulateNone;
+    const bool staysWide = isWide(plan) && accumulation() == AccumulateNone;
     (staysWide ? m_kernels->scaleByOpacityWide
                : m_kernels->scaleByOpacity)(row, static_cast<std::int32_t>(m_mixer.m_mixAlpha));
     if (usesTexture(plan) && texturesAfter())
-        applyTexture(row, Scale15::cnOne);
+        applyTexture(row, inputs.texels, Scale15::cnOne);
     return true;
 }
 
@@ -46,15 +45,15 @@ Accumulation SpanPainter::accumulation() const {
 
 void SpanPainter::accumulate(CoverageRow& row) const {
     if (auto add = m_kernels->accumulate[accumulation()])
-        add(row, reinterpret_cast<std::uint16_t*>(rowOf(m_mixer.m_cache)));
+        add(row, m_pixels.cache);
 }
 
 /// Feeds the colour average with the pixels that the span visits.
 void SpanPainter::sampleBelow(const CoverageRow& row) const {
     XCColorAverage* average = m_mixer.m_colorAverage;
-    std::uint8_t* pixels = rowOf(m_mixer.m_dst);
+    std::uint8_t* pixels = m_pixels.dst;
     if (m_depth == 8) {
-        for (int i = 0; average && i < m_n; ++i) {
+        for (int i = 0; average && i < row.n; ++i) {
             if (row.live[i])
                 average->CountTotal8Bit(pixels + i);
         }
@@ -74,21 +73,21 @@ void SpanPainter::sampleBelow(const CoverageRow& row) const {
 /// Accumulates, and draws the colour cache toward the mixer's colour and alpha by the part that this dab brought.
 void SpanPainter::accumulateWater(CoverageRow& row) const {
     alignas(64) std::int32_t dab[cnRowPixels];
-    std::copy_n(row.a, m_n, dab);
+    std::copy_n(row.a, row.n, dab);
     accumulate(row);
     if (m_depth == 8)
-        return m_kernels->mixDensityCache(rowOf(m_mixer.m_cacheColor), dab, row, m_mixer.m_a);
+        return m_kernels->mixDensityCache(m_pixels.cacheColor, dab, row, m_mixer.m_a);
     alignas(64) std::int32_t share[cnRowPixels];
     alignas(64) std::uint32_t colors[cnRowPixels];
-    std::fill_n(colors, m_n, paintColor() | static_cast<std::uint32_t>(m_mixer.m_a) << 24);
+    std::fill_n(colors, row.n, paintColor() | static_cast<std::uint32_t>(m_mixer.m_a) << 24);
     m_kernels->shareOfDab(share, dab, row);
-    m_kernels->moveColors32(rowOf(m_mixer.m_cacheColor), colors, share, m_n, 0);
+    m_kernels->moveColors32(m_pixels.cacheColor, colors, share, row.n, 0);
 }
 
 /// Colour and coverage together: the larger coverage before the sum, and no addition. With neither, both caches stay.
 void SpanPainter::accumulateColor(CoverageRow& row, const std::uint32_t* colors) const {
     alignas(64) std::int32_t share[cnRowPixels];
-    auto* cache = reinterpret_cast<std::uint16_t*>(rowOf(m_mixer.m_cache));
+    std::uint16_t* cache = m_pixels.cache;
     if (hasStyle(XCFastPixelMixer::STYLE_CACHE_MAX))
         m_kernels->accumulateColorMax(row, cache, share);
     else if (hasStyle(XCFastPixelMixer::STYLE_CACHE_OVER))
@@ -96,9 +95,9 @@ void SpanPainter::accumulateColor(CoverageRow& row, const std::uint32_t* colors)
     else
         return;
     if (m_mixer.m_cacheColor->GetDepth() == 24)
-        m_kernels->moveColors24(rowOf(m_mixer.m_cacheColor), colors, share, m_n);
+        m_kernels->moveColors24(m_pixels.cacheColor, colors, share, row.n);
     else
-        m_kernels->moveColors32(rowOf(m_mixer.m_cacheColor), colors, share, m_n, cnKeepAlphaByte);
+        m_kernels->moveColors32(m_pixels.cacheColor, colors, share, row.n, cnKeepAlphaByte);
 }
 
 } // namespace ovw::mixing

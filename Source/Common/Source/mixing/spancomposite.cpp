@@ -27,27 +27,23 @@ constexpr BlankRows cnBlank;
 
 const std::uint8_t* blankReference(int depth) { return depth == 24 ? cnBlank.white.data() : cnBlank.empty.data(); }
 
-bool hasColors(CompositorSet set) {
-    return set != CompositorSet::Fastest && set != CompositorSet::Direct && set != CompositorSet::Cache;
-}
-
 } // namespace
 
 /// ofSource: the colours of the source image, if there is one.
-void SpanPainter::composite(const CoverageRow& row, const KernelPlan& plan, const std::uint32_t* ofSource) const {
-    alignas(64) std::uint32_t colors[cnRowPixels];
-    if (hasColors(plan.compositors))
-        fetchColors(colors, plan, ofSource);
+void SpanPainter::composite(const CoverageRow& row, const KernelPlan& plan, const RowInputs& inputs,
+                            const std::uint32_t* ofSource) const {
+    alignas(64) std::uint32_t room[cnRowPixels];
+    const std::uint32_t* colors = colorsOf(room, plan, inputs, ofSource);
     if (plan.compositors == CompositorSet::Clone && isBits())
         return cloneBits(row, colors);
 
-    CompositeSpan span = compositeSpan();
+    CompositeSpan span = compositeSpan(row.n, m_pixels.dst);
     span.a = row.a;
     span.colors = colors;
     bool overNothing = false;
     if (plan.cache != CacheRule::None && !isBits()) {
-        overNothing = !m_mixer.m_composite->GetBaseAddress();
-        span.ref = overNothing ? blankReference(m_depth) : rowOf(m_mixer.m_composite);
+        overNothing = !m_pixels.ref;
+        span.ref = overNothing ? blankReference(m_depth) : m_pixels.ref;
     }
     if (plan.cache != CacheRule::None && hasStyle(XCFastPixelMixer::STYLE_DITHER))
         span.dither = ditherRow();
@@ -55,40 +51,46 @@ void SpanPainter::composite(const CoverageRow& row, const KernelPlan& plan, cons
         compositor(span);
 }
 
-void SpanPainter::fetchColors(std::uint32_t* colors, const KernelPlan& plan, const std::uint32_t* ofSource) const {
+/// A colour a pixel, or null where the mixer's colour is painted.
+const std::uint32_t* SpanPainter::colorsOf(std::uint32_t* room, const KernelPlan& plan, const RowInputs& inputs,
+                                           const std::uint32_t* ofSource) const {
     switch (plan.compositors) {
-    case CompositorSet::Blur: {
-        const std::int64_t row = std::int64_t{m_y} + m_mixer.m_cloneOffsetY;
-        const std::int64_t column = std::int64_t{m_x} + m_mixer.m_cloneOffsetX;
-        if (m_depth == 32)
-            std::memcpy(colors, m_mixer.m_blurBits + row * m_mixer.m_blurRowBytes + column * 4, m_n * sizeof(*colors));
-        return;
+    case CompositorSet::Fastest:
+    case CompositorSet::Direct:
+    case CompositorSet::Cache: return nullptr;
+    case CompositorSet::Blur:
+    case CompositorSet::Clone: return inputs.colors;
+    case CompositorSet::Stamp:
+        if (m_depth != 24 || m_source->GetOrgBitCount() < 24 || hasStyle(XCFastPixelMixer::STYLE_IMAGE_COLOR))
+            return ofSource;
+        std::fill_n(room, m_pixels.n, paintColor());
+        return room;
+    default: fetchCacheColors(room); return room;
     }
-    case CompositorSet::Clone:
+}
+
+/// Of the span, from the blur image or the clone source.
+void SpanPainter::fetchColors(std::uint32_t* colors, const KernelPlan& plan) const {
+    if (plan.compositors == CompositorSet::Clone) {
         fetchClone(colors, m_n, *m_mixer.m_clone, std::int64_t{m_x} + m_mixer.m_cloneOffsetX,
                    std::int64_t{m_y} + m_mixer.m_cloneOffsetY);
         return returnToBlock(m_mixer.m_clone);
-    case CompositorSet::Stamp: {
-        const bool isImage = m_source->GetOrgBitCount() >= 24;
-        if (m_depth == 24 && isImage && !hasStyle(XCFastPixelMixer::STYLE_IMAGE_COLOR))
-            std::fill_n(colors, m_n, paintColor());
-        else
-            std::copy_n(ofSource, m_n, colors);
-        return;
     }
-    default: return fetchCacheColors(colors);
-    }
+    const std::int64_t row = std::int64_t{m_y} + m_mixer.m_cloneOffsetY;
+    const std::int64_t column = std::int64_t{m_x} + m_mixer.m_cloneOffsetX;
+    if (m_depth == 32)
+        std::memcpy(colors, m_mixer.m_blurBits + row * m_mixer.m_blurRowBytes + column * 4, m_n * sizeof(*colors));
 }
 
 /// 8-bit colour caches hold densities, which go where a colour has its alpha.
 void SpanPainter::fetchCacheColors(std::uint32_t* colors) const {
-    const std::uint8_t* cache = rowOf(m_mixer.m_cacheColor);
+    const std::uint8_t* cache = m_pixels.cacheColor;
     const int depth = m_mixer.m_cacheColor->GetDepth();
     if (depth == 32) {
-        std::memcpy(colors, cache, m_n * sizeof(*colors));
+        std::memcpy(colors, cache, m_pixels.n * sizeof(*colors));
         return;
     }
-    for (int i = 0; i < m_n; ++i) {
+    for (int i = 0; i < m_pixels.n; ++i) {
         const std::uint8_t* p = cache + i * (depth / 8);
         colors[i] = depth == 8 ? static_cast<std::uint32_t>(*p) << 24
                                : p[0] | static_cast<std::uint32_t>(p[1]) << 8 | static_cast<std::uint32_t>(p[2]) << 16;
@@ -144,49 +146,19 @@ CompositeSpan SpanPainter::commonSpan() const {
     return span;
 }
 
-CompositeSpan SpanPainter::compositeSpan() const {
+/// dst: of depths of at least 8 bits; the others find their row in the current block.
+CompositeSpan SpanPainter::compositeSpan(int n, std::uint8_t* dst) const {
     CompositeSpan span = commonSpan();
-    span.n = m_n;
-    if (!isBits()) {
-        span.dst = rowOf(m_mixer.m_dst);
+    span.n = n;
+    span.dst = dst;
+    if (!isBits())
         return span;
-    }
-    const XCVOffscreen& dst = *m_mixer.m_dst;
-    span.dst = dst.GetBaseAddress() + std::ptrdiff_t{m_y - m_mixer.m_blockTop} * dst.GetBlockRowBytes();
+    const XCVOffscreen& image = *m_mixer.m_dst;
+    span.dst = image.GetBaseAddress() + std::ptrdiff_t{m_y - m_mixer.m_blockTop} * image.GetBlockRowBytes();
     span.column = m_x - m_mixer.m_blockLeft;
     span.bits = m_depth;
     span.value = bitValue(true);
     return span;
-}
-
-bool SpanPainter::prepareBatch(BatchRules& rules, const KernelPlan& plan) const {
-    const int composition = m_mixer.m_composition;
-    const bool hasCache = plan.cache == CacheRule::Coverage;
-    const bool isPlain = plan.start == Start::Byte && plan.compositors == CompositorSet::Fastest;
-    const bool isSimple =
-        (isPlain || plan.start == (hasCache ? Start::Cache : Start::Paint)) && !m_mixer.m_mask && !usesTexture(plan);
-    if (!isSimple || isBits() || columnOf(m_depth) == cnDepthColumns || !m_mixer.m_dst->GetBaseAddress() ||
-        composition < 0 || composition >= cnCompositions)
-        return false;
-    const bool overNothing = hasCache && !m_mixer.m_composite->GetBaseAddress();
-    rules.compositors = tableOf(plan.compositors, overNothing);
-    rules.composition = composition;
-    rules.column = columnOf(m_depth);
-    if (keepsNothing(overNothing) || !(kernels(cnRowPixels).*rules.compositors)[composition][rules.column])
-        return false;
-    rules.baseAlpha = static_cast<float>(m_mixer.m_baseAlpha);
-    rules.factor = startFactor(plan.start);
-    rules.gauss = usesGauss(plan) ? m_mixer.m_plotGauss : nullptr;
-    rules.accumulation = accumulation();
-    rules.opacity = static_cast<std::int32_t>(m_mixer.m_mixAlpha);
-    rules.span = commonSpan();
-    rules.dst = blockOf(m_mixer.m_dst);
-    rules.cache = hasCache ? blockOf(m_mixer.m_cache) : BlockPixels{};
-    rules.ref = hasCache && !overNothing ? blockOf(m_mixer.m_composite) : BlockPixels{};
-    rules.blank = blankReference(m_depth);
-    rules.left = m_mixer.m_blockLeft;
-    rules.top = m_mixer.m_blockTop;
-    return true;
 }
 
 /// What paint leaves in a 1- or 2-bit pixel; the sub value is the other one of the two that 2 bits can show.

@@ -73,19 +73,44 @@ void SpanPainter::paintPart(const XCRect& part) {
 }
 
 void SpanPainter::paintCopy(int x1, int x2, int y, const XCSimpleImage* source) {
+    paintCopy(x1, x2, y, source, {m_mixer.m_u, m_mixer.m_v, m_mixer.m_du, m_mixer.m_dv},
+              {m_mixer.m_uB, m_mixer.m_vB, m_mixer.m_duB, m_mixer.m_dvB});
+}
+
+void SpanPainter::paintCopy(int x1, int x2, int y, const XCSimpleImage* source, const SampleLine& line,
+                            const SampleLine& lineB) {
     // An image that is not locked has no pixels to give.
     if (x1 >= x2 || !source || !source->GetPixel(0, 0) || !place(x1, x2 - 1, y))
         return;
     m_source = source;
-    m_line = {m_mixer.m_u, m_mixer.m_v, m_mixer.m_du, m_mixer.m_dv};
-    m_lineB = {m_mixer.m_uB, m_mixer.m_vB, m_mixer.m_duB, m_mixer.m_dvB};
+    aim(line, lineB);
     skipSamples(std::int64_t{m_x} - x1);
     if (isBits() && !m_mixer.m_cache)
         return stampBits();
     if (isBits() && m_mixer.m_cacheColor)
         return stampColorBits();
-    if (const KernelPlan* plan = chooseCopyPlan())
+    const KernelPlan* plan = chooseCopyPlan();
+    if (plan && setSource(source, *plan))
         run(*plan, nullptr);
+}
+
+const KernelPlan* SpanPainter::planOfCopy(const XCSimpleImage* source) {
+    if (isBits() || columnOf(m_depth) == cnDepthColumns || !source->GetPixel(0, 0))
+        return nullptr;
+    const KernelPlan* plan = chooseCopyPlan();
+    return plan && setSource(source, *plan) ? plan : nullptr;
+}
+
+/// False when the source covers nothing.
+bool SpanPainter::setSource(const XCSimpleImage* source, const KernelPlan& plan) {
+    m_source = source;
+    m_view.image = source;
+    m_view.twoByTwo = plan.twoByTwo && hasStyle(XCFastPixelMixer::STYLE_ANTIALIAS);
+    m_view.colors.color = paintColor();
+    m_view.colors.subColor = swapRedBlue(m_mixer.m_subColor) & 0x00FFFFFF;
+    const bool paintsColors = m_depth >= 24 && m_mixer.m_composition != XCFastPixelMixer::Erase;
+    const bool isTwoColored = plan.source == SourceRule::Colors || (plan.source == SourceRule::Bytes && paintsColors);
+    return completeView(m_view, plan.source, isTwoColored);
 }
 
 /// Past the samples of pixels left of the block.
@@ -101,38 +126,75 @@ void SpanPainter::skipSamples(std::int64_t pixels) {
 void SpanPainter::run(const KernelPlan& plan, const float* coverage) {
     if (plan.start == Start::Byte && !coverage)
         return runUniform();
-    const bool isWeighted = usesGauss(plan);
-    if (isWeighted && !m_mixer.m_plotGauss->StartLine(m_y, m_x))
-        return;
-    // With a texture the falloff is not limited to 1.0: the texture may bring it down first.
-    const bool isWide = isWeighted && usesTexture(plan);
+    RowInputs inputs;
+    if (fetchInputs(inputs, 0, plan))
+        work(plan, inputs, rowPixels(plan), coverage);
+}
 
+bool SpanPainter::fetchInputs(RowInputs& inputs, int first, const KernelPlan& plan) {
+    const int end = first + m_n;
+    const auto endWithRoom = [end](auto* values) { std::fill_n(values + end, RowInputs::cnRoom, 0); };
+    if (usesGauss(plan)) {
+        XCPlotGauss& gauss = *m_mixer.m_plotGauss;
+        if (!gauss.StartLine(m_y, m_x))
+            return false;
+        const int whole = (m_n + RowInputs::cnRoom - 1) & -RowInputs::cnRoom;
+        GaussRow::fetch(inputs.weights + first, m_n, whole, gauss, isWide(plan) ? cnUnclipped : Scale15::cnOne,
+                        kernels(whole));
+        endWithRoom(inputs.weights);
+    }
+    if (readsSource(plan)) {
+        sampleSource(inputs.samples, first, m_n, m_view, m_line, m_lineB, *m_kernels);
+        for (int i = 0; i < (m_view.twoByTwo ? SourceTexels::cnColumns : 1); ++i)
+            endWithRoom(inputs.samples.column[i]);
+    }
+    if (usesMask(plan)) {
+        fetchMaskValues(inputs.mask + first, plan.mask);
+        endWithRoom(inputs.mask);
+    }
+    if (usesTexture(plan)) {
+        fetchTexels(inputs.texels + first);
+        endWithRoom(inputs.texels);
+    }
+    if (plan.compositors == CompositorSet::Blur || plan.compositors == CompositorSet::Clone) {
+        fetchColors(inputs.colors + first, plan);
+        endWithRoom(inputs.colors);
+    }
+    return true;
+}
+
+/// Sampling only, a span visits what the mask lets through, whatever the source.
+bool SpanPainter::readsSource(const KernelPlan& plan) const {
+    const bool onlySamples = plan.cache == CacheRule::Water && hasStyle(XCFastPixelMixer::STYLE_SAMPLE_ONLY);
+    return plan.source != SourceRule::None && !onlySamples;
+}
+
+void SpanPainter::work(const KernelPlan& plan, const RowInputs& inputs, const RowPixels& pixels,
+                       const float* coverage) {
     CoverageRow row;
     SourceRow source;
-    row.n = m_n;
+    m_pixels = pixels;
+    m_kernels = &kernels(pixels.n);
+    row.n = pixels.n;
     start(row, plan, coverage);
     if (plan.cache == CacheRule::Water)
         m_kernels->visitCovered(row);
-    // Sampling only, a span visits what the mask lets through, whatever the source.
-    const bool readsSource =
-        m_source && !(plan.cache == CacheRule::Water && hasStyle(XCFastPixelMixer::STYLE_SAMPLE_ONLY));
-    if (readsSource && !applySource(row, source, plan))
-        return;
-    if (m_mixer.m_mask && plan.mask != MaskRule::None)
-        applyMask(row, plan);
-    if (readsSource && source.scale == ScaleByte)
+    if (readsSource(plan))
+        weighSource(row, source, inputs.samples, plan);
+    if (usesMask(plan))
+        applyMask(row, inputs.mask, plan);
+    if (readsSource(plan) && m_view.scale == ScaleByte)
         m_kernels->scaleBySource[ScaleByte](row, source.weight);
-    if (isWeighted)
-        applyGauss(row, isWide);
+    if (usesGauss(plan))
+        (isWide(plan) ? m_kernels->scaleByGaussWide : m_kernels->scaleByGauss)(row, inputs.weights);
     if (usesTexture(plan) && !texturesAfter())
-        applyTexture(row, static_cast<std::int32_t>(m_mixer.m_baseAlpha));
-    if (plan.cache != CacheRule::None && !applyCache(row, plan, isWide, source.color))
-        return;
-    composite(row, plan, source.color);
+        applyTexture(row, inputs.texels, static_cast<std::int32_t>(m_mixer.m_baseAlpha));
+    if (plan.cache == CacheRule::None || applyCache(row, plan, inputs, source.color))
+        composite(row, plan, inputs, source.color);
 }
 
 void SpanPainter::runUniform() {
-    CompositeSpan span = compositeSpan();
+    CompositeSpan span = compositeSpan(m_n, isBits() ? nullptr : rowOf(m_mixer.m_dst));
     span.opacity = Scale15::scaled(m_mixer.m_a, static_cast<std::int32_t>(m_mixer.m_mixAlpha));
     if (span.opacity == 0 || m_mixer.m_composition < 0 || m_mixer.m_composition >= cnCompositions)
         return;
@@ -179,13 +241,14 @@ void SpanPainter::start(CoverageRow& row, const KernelPlan& plan, const float* c
             m_kernels->scaleStart(row, factor, factor);
         // The coverages scaled the cache alpha, which images only ask whether it is 0.
         if (plan.start == Start::Image && m_mixer.m_cache) {
-            for (int i = 0; i < m_n; ++i)
+            for (int i = 0; i < row.n; ++i)
                 row.a[i] = row.a[i] != 0 ? mixAlpha : 0;
         }
     } else {
         const bool fromCache = plan.cache != CacheRule::None || plan.start == Start::CacheByte;
         const auto alpha = fromCache ? static_cast<std::int32_t>(m_mixer.m_cacheAlpha) : mixAlpha;
         m_kernels->startRow(row, Scale15::scaled(alpha, factor), factor);
+        std::fill(row.a + m_pixels.filled, row.a + row.n, 0);
     }
 }
 
@@ -200,29 +263,13 @@ std::int32_t SpanPainter::startFactor(Start start) const {
     }
 }
 
-/// False when the source covers nothing.
-bool SpanPainter::applySource(CoverageRow& row, SourceRow& source, const KernelPlan& plan) const {
-    if (!fetchSource(source, m_n, sourceView(plan)))
-        return false;
+void SpanPainter::weighSource(CoverageRow& row, SourceRow& source, const SourceTexels& samples,
+                              const KernelPlan& plan) const {
+    m_kernels->weigh[m_view.weight][m_view.twoByTwo](source, row.n, samples, m_view.colors);
     if (plan.cache == CacheRule::Water)
-        m_kernels->visitBySource(row, source.covered);
-    if (source.scale != ScaleByte)
-        m_kernels->scaleBySource[source.scale](row, source.weight);
-    return true;
-}
-
-SourceView SpanPainter::sourceView(const KernelPlan& plan) const {
-    SourceView view{};
-    view.image = m_source;
-    view.line = m_line;
-    view.lineB = m_lineB;
-    view.twoByTwo = plan.twoByTwo && hasStyle(XCFastPixelMixer::STYLE_ANTIALIAS);
-    view.rule = plan.source;
-    const bool paintsColors = m_depth >= 24 && m_mixer.m_composition != XCFastPixelMixer::Erase;
-    view.isTwoColored = plan.source == SourceRule::Colors || (plan.source == SourceRule::Bytes && paintsColors);
-    view.color = paintColor();
-    view.subColor = swapRedBlue(m_mixer.m_subColor) & 0x00FFFFFF;
-    return view;
+        m_kernels->visitBySource(row, source.weight);
+    if (m_view.scale != ScaleByte)
+        m_kernels->scaleBySource[m_view.scale](row, source.weight);
 }
 
 void SpanPainter::fetchMaskValues(std::uint8_t* values, MaskRule rule) const {
@@ -233,9 +280,7 @@ void SpanPainter::fetchMaskValues(std::uint8_t* values, MaskRule rule) const {
     returnToBlock(m_mixer.m_mask);
 }
 
-void SpanPainter::applyMask(CoverageRow& row, const KernelPlan& plan) const {
-    std::uint8_t values[cnRowPixels];
-    fetchMaskValues(values, plan.mask);
+void SpanPainter::applyMask(CoverageRow& row, const std::uint8_t* values, const KernelPlan& plan) const {
     if (plan.cache == CacheRule::Water)
         m_kernels->visitByMask(row, values);
     switch (m_mixer.m_mask->GetDepth() == 1 ? MaskRule::Gate : plan.mask) {
@@ -246,21 +291,17 @@ void SpanPainter::applyMask(CoverageRow& row, const KernelPlan& plan) const {
     }
 }
 
-void SpanPainter::applyGauss(CoverageRow& row, bool isWide) const {
-    alignas(64) std::int32_t weights[cnRowPixels];
-    GaussRow::fetch(weights, m_n, m_n, *m_mixer.m_plotGauss, isWide ? cnUnclipped : Scale15::cnOne, *m_kernels);
-    (isWide ? m_kernels->scaleByGaussWide : m_kernels->scaleByGauss)(row, weights);
-}
-
 bool SpanPainter::usesTexture(const KernelPlan& plan) const {
     return plan.texture && m_mixer.m_textureBits && m_mixer.m_textureRowBytes > 0 && m_mixer.m_textureHeight > 0;
 }
 
-/// alpha: of a full texel in the modes that subtract or limit.
-void SpanPainter::applyTexture(CoverageRow& row, std::int32_t alpha) const {
-    std::uint8_t texels[cnRowPixels];
+void SpanPainter::fetchTexels(std::uint8_t* texels) const {
     fetchTexture(texels, m_n, {m_mixer.m_textureBits, m_mixer.m_textureRowBytes, m_mixer.m_textureHeight},
                  std::int64_t{m_x} + m_mixer.m_textureOffsetX, std::int64_t{m_y} + m_mixer.m_textureOffsetY);
+}
+
+/// alpha: of a full texel in the modes that subtract or limit.
+void SpanPainter::applyTexture(CoverageRow& row, const std::uint8_t* texels, std::int32_t alpha) const {
     const std::int32_t bias = std::clamp(m_mixer.m_textureDensity, -cnTextureBias, cnMaxBias) + cnTextureBias;
     switch (m_mixer.m_textureMode) {
     case cnModeScaleBiased: return m_kernels->texture[TextureScale](row, texels, bias);
@@ -278,11 +319,58 @@ std::uint32_t SpanPainter::paintColor() const {
     return m_mixer.m_b | static_cast<std::uint32_t>(m_mixer.m_g) << 8 | static_cast<std::uint32_t>(m_mixer.m_r) << 16;
 }
 
+bool SpanPainter::isPainted(const XCVOffscreen* image) const {
+    const XCVOffscreen* const images[] = {m_mixer.m_dst, m_mixer.m_cache, m_mixer.m_cacheColor, m_mixer.m_composite};
+    return std::find(std::begin(images), std::end(images), image) != std::end(images);
+}
+
 /// An image may be its own mask or clone source: the painted images go back to their block.
 void SpanPainter::returnToBlock(const XCVOffscreen* moved) const {
-    const XCVOffscreen* const images[] = {m_mixer.m_dst, m_mixer.m_cache, m_mixer.m_cacheColor, m_mixer.m_composite};
-    if (std::find(std::begin(images), std::end(images), moved) != std::end(images))
+    if (isPainted(moved))
         m_mixer.MoveCursorToBlock(m_mixer.m_blockLeft, m_mixer.m_blockTop);
+}
+
+/// What the kernel works on in the current block; no destination on 1 and 2 bits, whose pixels have no rows of bytes.
+BatchImages SpanPainter::imagesOf(const KernelPlan& plan) const {
+    BatchImages images{};
+    images.left = m_mixer.m_blockLeft;
+    images.top = m_mixer.m_blockTop;
+    if (!isBits())
+        images.dst = blockOf(m_mixer.m_dst);
+    if (plan.cache != CacheRule::None) {
+        images.cache = blockOf(m_mixer.m_cache);
+        if (!isBits() && m_mixer.m_composite->GetBaseAddress())
+            images.ref = blockOf(m_mixer.m_composite);
+    }
+    if (plan.cache == CacheRule::Water || plan.cache == CacheRule::Color)
+        images.cacheColor = blockOf(m_mixer.m_cacheColor);
+    return images;
+}
+
+bool SpanPainter::prepareBatch(BatchImages& images, const KernelPlan& plan) const {
+    if (isBits() || columnOf(m_depth) == cnDepthColumns || !m_mixer.m_dst->GetBaseAddress())
+        return false;
+    // What a span reads, spans before it must have written.
+    const bool readsPainted = (usesMask(plan) && isPainted(m_mixer.m_mask)) ||
+                              (plan.compositors == CompositorSet::Clone && isPainted(m_mixer.m_clone));
+    if (readsPainted)
+        return false;
+    images = imagesOf(plan);
+    return true;
+}
+
+/// Of the span, in the blocks.
+RowPixels SpanPainter::rowPixels(const KernelPlan& plan) const {
+    const BatchImages images = imagesOf(plan);
+    const auto row = [&](const BlockPixels& image) {
+        return image.bits ? image.at(m_x - images.left, m_y - images.top) : nullptr;
+    };
+    return {m_n,
+            m_n,
+            row(images.dst),
+            row(images.ref),
+            reinterpret_cast<std::uint16_t*>(row(images.cache)),
+            row(images.cacheColor)};
 }
 
 BlockPixels SpanPainter::blockOf(const XCVOffscreen* image) {

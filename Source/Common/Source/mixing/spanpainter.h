@@ -6,6 +6,7 @@
 #include "mixing/kernelplan.h"
 #include "mixing/kerneltable.h"
 #include "mixing/pixel32.h"
+#include "mixing/rowinputs.h"
 #include "ovwcmn/xcfastpixelmixer.h"
 
 #include <cstddef>
@@ -14,7 +15,7 @@
 
 namespace ovw::mixing {
 
-struct BatchRules;
+struct BatchImages;
 struct BlockPixels;
 
 /// What rows of plain paint in 32-bit pixels have in common: one colour, and no mask, falloff or cache that has a say.
@@ -49,16 +50,36 @@ public:
     /// The kernel of spans with coverages of their own in the current block, null when they paint nothing. It stays the
     /// same while the settings and the block do.
     const KernelPlan* planOfCoverage() const;
-    /// False when the rows of a kernel for coverages need more than the rules tell.
-    bool prepareBatch(BatchRules& rules, const KernelPlan& plan) const;
     /// paintCoverage with that kernel.
     void paintCoverage(const KernelPlan& plan, int x, int y, std::span<const float> coverage);
     /// Pixels x1 to x2 - 1 of row y through a source image.
     void paintCopy(int x1, int x2, int y, const XCSimpleImage* source);
+    /// The same with lines of samples other than the mixer's.
+    void paintCopy(int x1, int x2, int y, const XCSimpleImage* source, const SampleLine& line, const SampleLine& lineB);
+    /// The kernel of spans through a source image in the current block, null when they paint nothing or need paintCopy.
+    /// The source is that of the spans to come.
+    const KernelPlan* planOfCopy(const XCSimpleImage* source);
+
+    // For a RowBatch, which runs a kernel over several spans at once.
+
+    /// False when the kernel's spans in the current block cannot be gathered.
+    bool prepareBatch(BatchImages& images, const KernelPlan& plan) const;
+    /// Goes to the part of a span inside the block, pixels x1 to x2 of row y; false when there is none, or no memory to
+    /// paint.
+    bool place(int x1, int x2, int y);
+    /// Where the samples of the source begin for the span.
+    void aim(const SampleLine& line, const SampleLine& lineB) { m_line = line, m_lineB = lineB; }
+    int left() const { return m_x; }
+    int top() const { return m_y; }
+    int count() const { return m_n; }
+    /// What the kernel reads beside the pixels of the span, into the inputs from first on. False when the span does not
+    /// show.
+    bool fetchInputs(RowInputs& inputs, int first, const KernelPlan& plan);
+    /// Runs the kernel over the pixels. coverage: a coverage a pixel, or null.
+    void work(const KernelPlan& plan, const RowInputs& inputs, const RowPixels& pixels, const float* coverage);
 
 private:
     // spanchoice.cpp: which kernel a span takes
-    bool place(int x1, int x2, int y);
     const KernelPlan* choosePlan(const float* coverage) const;
     const KernelPlan* plainPlan() const;
     const KernelPlan* chooseCopyPlan() const;
@@ -73,15 +94,17 @@ private:
     void runUniform();
     void start(CoverageRow& row, const KernelPlan& plan, const float* coverage) const;
     std::int32_t startFactor(Start start) const;
-    bool applySource(CoverageRow& row, SourceRow& source, const KernelPlan& plan) const;
-    SourceView sourceView(const KernelPlan& plan) const;
+    bool setSource(const XCSimpleImage* source, const KernelPlan& plan);
+    bool readsSource(const KernelPlan& plan) const;
+    void weighSource(CoverageRow& row, SourceRow& source, const SourceTexels& samples, const KernelPlan& plan) const;
     void fetchMaskValues(std::uint8_t* values, MaskRule rule) const;
-    void applyMask(CoverageRow& row, const KernelPlan& plan) const;
-    void applyGauss(CoverageRow& row, bool isWide) const;
-    void applyTexture(CoverageRow& row, std::int32_t alpha) const;
+    void fetchTexels(std::uint8_t* texels) const;
+    void applyMask(CoverageRow& row, const std::uint8_t* values, const KernelPlan& plan) const;
+    void applyTexture(CoverageRow& row, const std::uint8_t* texels, std::int32_t alpha) const;
 
     // spancache.cpp: the stroke caches
-    bool applyCache(CoverageRow& row, const KernelPlan& plan, bool isWide, const std::uint32_t* colors) const;
+    bool applyCache(CoverageRow& row, const KernelPlan& plan, const RowInputs& inputs,
+                    const std::uint32_t* colors) const;
     void sampleBelow(const CoverageRow& row) const;
     void accumulate(CoverageRow& row) const;
     void accumulateWater(CoverageRow& row) const;
@@ -89,14 +112,17 @@ private:
     Accumulation accumulation() const;
 
     // spancomposite.cpp: the end of the road
-    void composite(const CoverageRow& row, const KernelPlan& plan, const std::uint32_t* colors) const;
-    void fetchColors(std::uint32_t* colors, const KernelPlan& plan, const std::uint32_t* ofSource) const;
+    void composite(const CoverageRow& row, const KernelPlan& plan, const RowInputs& inputs,
+                   const std::uint32_t* ofSource) const;
+    void fetchColors(std::uint32_t* colors, const KernelPlan& plan) const;
+    const std::uint32_t* colorsOf(std::uint32_t* room, const KernelPlan& plan, const RowInputs& inputs,
+                                  const std::uint32_t* ofSource) const;
     void fetchCacheColors(std::uint32_t* colors) const;
     void cloneBits(const CoverageRow& row, const std::uint32_t* colors) const;
     int uniformComposition(std::int32_t opacity) const;
     Compositor compositorOf(CompositorSet set, bool overNothing) const;
     static const CompositorTable KernelTable::*tableOf(CompositorSet set, bool overNothing);
-    CompositeSpan compositeSpan() const;
+    CompositeSpan compositeSpan(int n, std::uint8_t* dst) const;
     CompositeSpan commonSpan() const;
     bool keepsNothing(bool overNothing) const;
 
@@ -111,13 +137,19 @@ private:
 
     bool hasStyle(std::uint32_t bits) const { return m_mixer.m_style & bits; }
     bool usesGauss(const KernelPlan& plan) const { return plan.gauss && hasStyle(XCFastPixelMixer::STYLE_GAUSS); }
+    bool usesMask(const KernelPlan& plan) const { return m_mixer.m_mask && plan.mask != MaskRule::None; }
+    /// With a texture the falloff is not limited to 1.0: the texture may bring it down first.
+    bool isWide(const KernelPlan& plan) const { return usesGauss(plan) && usesTexture(plan); }
     bool usesTexture(const KernelPlan& plan) const;
     bool texturesAfter() const { return hasStyle(XCFastPixelMixer::STYLE_TEXTURE_AFTER); }
     bool isBits() const { return m_depth < 8; }
     std::uint32_t paintColor() const;
     std::uint32_t bitValue(bool isMain) const;
     const std::uint8_t* ditherRow() const;
+    bool isPainted(const XCVOffscreen* image) const;
     void returnToBlock(const XCVOffscreen* moved) const;
+    BatchImages imagesOf(const KernelPlan& plan) const;
+    RowPixels rowPixels(const KernelPlan& plan) const;
     std::uint8_t* rowOf(const XCVOffscreen* image) const;
     static BlockPixels blockOf(const XCVOffscreen* image);
 
@@ -128,8 +160,10 @@ private:
     int m_x = 0;
     int m_y = 0;
     int m_n = 0;
-    // Of copies: the image, and where its samples begin.
+    RowPixels m_pixels{}; // that the kernel works on
+    // Of copies: the image, how spans look into it, and where the samples of the span begin.
     const XCSimpleImage* m_source = nullptr;
+    SourceView m_view;
     SampleLine m_line;
     SampleLine m_lineB;
 };

@@ -121,9 +121,9 @@ void visitCovered(CoverageRow& row) {
         row.live[i] = row.a[i] != 0 ? -1 : 0;
 }
 
-void visitBySource(CoverageRow& row, const std::int32_t* __restrict covered) {
+void visitBySource(CoverageRow& row, const std::int32_t* __restrict weights) {
     for (int i = 0, n = row.n; i < n; ++i)
-        row.live[i] = covered[i] != 0 ? row.live[i] : 0;
+        row.live[i] = weights[i] != 0 ? row.live[i] : 0;
 }
 
 void visitByMask(CoverageRow& row, const std::uint8_t* __restrict mask) {

@@ -8,6 +8,8 @@ namespace ovw::mixing {
 
 StampRows::StampRows(XCFastPixelMixer& mixer, const XCRect& reach)
     : m_mixer(mixer), m_painter(mixer), m_plan(m_painter.planOfCoverage()), m_road(chooseRoad()) {
+    if (m_road == Road::Batched)
+        m_batch.begin(m_painter, *m_plan, m_images);
     lookAhead(reach);
 }
 
@@ -16,7 +18,7 @@ StampRows::Road StampRows::chooseRoad() {
         return Road::Nowhere;
     if (m_painter.preparePlainRows(m_plain))
         return Road::Plain;
-    return m_painter.prepareBatch(m_rules, *m_plan) ? Road::Batched : Road::RowByRow;
+    return m_painter.prepareBatch(m_images, *m_plan) ? Road::Batched : Road::RowByRow;
 }
 
 void StampRows::lookAhead(const XCRect& reach) {
@@ -25,17 +27,14 @@ void StampRows::lookAhead(const XCRect& reach) {
                                    m_plain.rowPixels * int{sizeof(Pixel32)}, sizeof(Pixel32)};
         m_ahead.addImage(block, reach - tagPOINT{m_plain.left, m_plain.top});
     } else if (m_road == Road::Batched) {
-        for (const BlockPixels& image : {m_rules.dst, m_rules.cache, m_rules.ref}) {
-            if (image.bits)
-                m_ahead.addImage(image, reach - tagPOINT{m_rules.left, m_rules.top});
-        }
+        m_ahead.addImages(m_images, reach);
     }
     m_ahead.begin(reach.top, reach.bottom);
 }
 
 StampRows::~StampRows() {
     paintPixels();
-    m_batch.paint(m_rules);
+    m_batch.paint();
     if (m_last > 0.0f)
         m_mixer.ScaleAntiAlpha(m_last);
 }
@@ -78,7 +77,7 @@ void StampRows::paintInterior(int y, const RimmedSpan& span) {
 void StampRows::paintCircle(int y, const RimmedSpan& span, CircleRow circle) {
     m_ahead.advanceTo(y);
     const int n = span.end - span.start;
-    float* coverage = m_batch.coverageOf(m_rules, n);
+    float* coverage = coverageOf(n);
     circle.innerStart = span.innerStart - span.start;
     circle.innerEnd = span.innerEnd - span.start;
     const int whole = n <= 2 * RowBatch::cnPadding ? RowBatch::padded(n) : n;
@@ -88,8 +87,8 @@ void StampRows::paintCircle(int y, const RimmedSpan& span, CircleRow circle) {
 
 void StampRows::paintRow(int y, const RimmedSpan& span, const float* coverage) {
     const std::span<const float> row(coverage, static_cast<std::size_t>(span.end - span.start));
-    if (m_road == Road::Batched)
-        m_batch.add(m_rules, span.start, y, span.end - span.start);
+    if (m_road == Road::Batched && m_painter.place(span.start, span.end - 1, y))
+        m_batch.add(true);
     else if (m_road == Road::RowByRow)
         m_painter.paintCoverage(*m_plan, span.start, y, row);
     if (span.innerStart < span.innerEnd) {

@@ -21,8 +21,8 @@ struct RimmedSpan {
 
 /// Paints the rows of one stamp in the mixer's current block: what ScaleAntiAlpha and DoLineRow for each pixel of a rim
 /// and then for its interior do, and leave behind. What depends on settings alone is decided once, so the mixer must
-/// not change while this lives. Rows are short: but for masks, textures and the rarer kernels they are gathered into
-/// long spans, of plain paint their rims alone. No pixel may be painted twice.
+/// not change while this lives. Rows are short: they are gathered into long spans, of plain paint their rims
+/// alone. No pixel may be painted twice.
 class StampRows {
 public:
     /// reach: what the stamp may touch, in ascending rows inside the block.
@@ -43,7 +43,7 @@ public:
                 addPixel(x, y, coverageAt(x));
             return paintInterior(y, span);
         }
-        float* coverage = m_batch.coverageOf(m_rules, span.end - span.start);
+        float* coverage = coverageOf(span.end - span.start);
         for (int x = span.start; x < span.innerStart; x++)
             coverage[x - span.start] = coverageAt(x);
         for (int x = span.innerEnd; x < span.end; x++)
@@ -75,6 +75,10 @@ private:
         if (++m_count == cnRowPixels)
             paintPixels();
     }
+    float* coverageOf(int n) {
+        m_batch.reserve(n);
+        return m_batch.coverage();
+    }
     Road chooseRoad();
     void lookAhead(const XCRect& reach);
     void paintPixels();
@@ -85,7 +89,7 @@ private:
     SpanPainter m_painter;
     const KernelPlan* m_plan; ///< of rows that are not plain; null paints nothing
     PlainRows m_plain;
-    BatchRules m_rules;
+    BatchImages m_images;
     Road m_road;
     RowsAhead m_ahead;
     float m_last = 0.0f; ///< the coverage that the mixer is left with, 0 for none
