@@ -433,3 +433,29 @@ TEST(OffPixelMask, ComparesColoursOrAlphas) {
     for (const auto& c : cases)
         EXPECT_EQ(XCVOffPixelMask::IsMaskCompare(c.mode, c.a, c.b), c.expected) << "case " << &c - cases;
 }
+
+TEST(OffPixelMask, MasksOfAnotherResolutionAverageWhatTheyCover) {
+    xcCreateVirtualMemory(nullptr);
+    TestStore store;
+    TestImage selection(store, 8, 10, 9);
+    selection->SetResolution(90);
+    for (int y = 0; y < 9; ++y)
+        for (int x = 0; x < 10; ++x)
+            selection.setValue(x, y, std::uint32_t(10 * x + y));
+    {
+        const std::unique_ptr<XCVOffscreen> mask(XCVOffPixelMask::CreateMask(selection.get(), 60));
+        EXPECT_EQ(mask->GetRect(), XCRect(0, 0, 6, 6)); // 6.67 pixels wide
+        EXPECT_EQ(mask->GetDepth(), 8);
+        EXPECT_EQ(mask->GetResolution(), 60);
+        const struct {
+            int x, y, value;
+        } cases[] = {{0, 0, 0}, {1, 1, 16}, {2, 0, 35}, {3, 3, 54}, {5, 5, 92}}; // columns 0, 1-2, 3-4, 5, 8-9
+        XCVOffscreenAutoLock lock(mask.get(), 0, 0, 0);
+        for (const auto& c : cases) {
+            mask->MoveCursor(c.x, c.y);
+            EXPECT_EQ(mask->Get8BitColor(), c.value) << c.x << ", " << c.y;
+        }
+    }
+    xcDestroyVirtualMemory();
+    EXPECT_EQ(XCVOffPixelMask::CreateMask(nullptr, 60), nullptr);
+}

@@ -4,7 +4,7 @@
 #include "vimage/blockparts.h"
 #include "vimage/coveredspan.h"
 #include "vimage/pixelrows.h"
-#include "vimage/resamplekernels.h"
+#include "vimage/rowkernels.h"
 
 #include <array>
 #include <memory>
@@ -113,8 +113,7 @@ class BoxAverager {
 public:
     BoxAverager(XCVOffscreen& destination, const Map& columns, const Map& rows, XCVOffscreen& source, const Rule& rule)
         : m_destination(destination), m_source(source), m_columns(columns), m_rows(rows), m_rule(rule),
-          m_isDirect(source.GetDepth() == Rgba32::cnBits), m_kernels(resampleKernels()),
-          m_work(std::make_unique<Work>()) {}
+          m_isDirect(source.GetDepth() == Rgba32::cnBits), m_kernels(rowKernels()), m_work(std::make_unique<Work>()) {}
 
     void run() {
         const XCRect area(m_columns.begin(), m_rows.begin(), m_columns.end(), m_rows.end());
@@ -241,7 +240,7 @@ private:
     const Map& m_rows;
     const Rule& m_rule;
     bool m_isDirect;
-    const ResampleKernels& m_kernels;
+    const RowKernels& m_kernels;
     std::unique_ptr<Work> m_work;
 };
 

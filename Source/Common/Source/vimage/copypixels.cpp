@@ -2,11 +2,11 @@
 
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/blockparts.h"
+#include "vimage/largecopy.h"
 #include "vimage/pixelrows.h"
 #include "vimage/withformat.h"
 
 #include <array>
-#include <cstring>
 
 namespace ovw::vimage {
 
@@ -28,14 +28,13 @@ std::uint8_t* enterForCopy(const PlacedImage& to, const XCRect& part) {
 }
 
 template <class Format>
-void copyPart(std::uint8_t* to, const XCRect& part, const std::uint8_t* from, int fromX, int fromY) {
+void copyPart(std::uint8_t* to, const XCRect& part, const std::uint8_t* from, int fromX, int fromY,
+              const LargeCopy& copy) {
     const int x = part.left & cnBlockMask;
-    if (part.Width() == cnBlockSize) {
-        std::memcpy(to + (part.top & cnBlockMask) * cnRowBytes<Format>,
-                    from + (fromY & cnBlockMask) * cnRowBytes<Format>,
-                    static_cast<std::size_t>(part.Height()) * cnRowBytes<Format>); // rows lie without gaps
-        return;
-    }
+    if (part.Width() == cnBlockSize)
+        return copy.copy(to + (part.top & cnBlockMask) * cnRowBytes<Format>,
+                         from + (fromY & cnBlockMask) * cnRowBytes<Format>,
+                         static_cast<std::size_t>(part.Height()) * cnRowBytes<Format>); // rows lie without gaps
     const std::uint8_t* source = from + (fromY & cnBlockMask) * cnRowBytes<Format>;
     for (int y = part.top; y < part.bottom; ++y, source += cnRowBytes<Format>)
         Format::copyRow(rowOf<Format>(to, y), x, source, fromX & cnBlockMask, part.Width());
@@ -121,11 +120,12 @@ int copyPixels(XCVOffscreen& destination, const CopyPlan& plan, XCVOffscreen& so
     const PlacedImage to(destination);
     const PlacedImage from(source, plan.dx(), plan.dy());
     const bool byBlocks = ((plan.dx() | plan.dy()) & cnBlockMask) == 0;
+    const LargeCopy copy(destination, plan.width, plan.height);
     int changed = 0;
     withFormat(destination.GetDepth(), [&]<class Format>() {
         forEachSharedPart(plan.area(destination, source), {to, from}, [&](const XCRect& part) {
             if (const std::uint8_t* const pixels = from.enter(part)) {
-                copyPart<Format>(enterForCopy(to, part), part, pixels, from.ownX(part.left), from.ownY(part.top));
+                copyPart<Format>(enterForCopy(to, part), part, pixels, from.ownX(part.left), from.ownY(part.top), copy);
                 changed = 1;
             } else if (!to.hasBlock(part)) {
                 return;
@@ -143,6 +143,7 @@ int copyPixels(XCVOffscreen& destination, const CopyPlan& plan, XCVOffscreen& so
 BlockChanges copyBlocks(XCVOffscreen& destination, XCVOffscreen& source) {
     const int count = source.GetBlockCount(nullptr, nullptr);
     const std::size_t bytes = static_cast<std::size_t>(source.GetBlockRowBytes()) * cnBlockSize;
+    const LargeCopy copy(destination, source.GetWidth(), source.GetHeight());
     BlockChanges changes;
     for (int index = 0; index < count; ++index) {
         if (!source.GetBlockExist(index)) {
@@ -152,7 +153,7 @@ BlockChanges copyBlocks(XCVOffscreen& destination, XCVOffscreen& source) {
         const PlacedImage from(source), to(destination);
         const XCRect block = source.GetBlockRect(index);
         const std::uint8_t* const pixels = from.enter(block);
-        std::memcpy(to.enterToOverwrite(block), pixels, bytes);
+        copy.copy(to.enterToOverwrite(block), pixels, bytes);
         changes.copied = true;
     }
     return changes;
@@ -164,6 +165,7 @@ int convertPixels(XCVOffscreen& destination, const CopyPlan& plan, XCVOffscreen&
     const XCRect area = plan.area(destination, source);
     const bool isRaw =
         !behind && destination.GetDepth() == source.GetDepth() && isByteAligned(destination.GetDepth(), plan.dx());
+    const LargeCopy copy(destination, area.Width(), area.Height());
     RowConverter rows(destination, source, behind);
     withFormat(destination.GetDepth(), [&]<class Format>() {
         forEachSharedPart(area, {to, from}, [&](const XCRect& part) {
@@ -173,7 +175,7 @@ int convertPixels(XCVOffscreen& destination, const CopyPlan& plan, XCVOffscreen&
                 if (!behind && to.hasBlock(part))
                     erasePart<Format>(to, part);
             } else if (isRaw) {
-                copyPart<Format>(enterForCopy(to, part), part, pixels, fromX, fromY);
+                copyPart<Format>(enterForCopy(to, part), part, pixels, fromX, fromY, copy);
             } else {
                 const std::uint8_t* row = pixels + fromY * source.GetBlockRowBytes();
                 std::uint8_t* const base = to.enter(part);

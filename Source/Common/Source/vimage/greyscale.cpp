@@ -2,7 +2,7 @@
 
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/convertrows.h"
-#include "vimage/luminancerow.h"
+#include "vimage/rowkernels.h"
 #include "vimage/withformat.h"
 
 namespace ovw::vimage {
@@ -15,9 +15,11 @@ int ownGrey(GreyPixel v) { return v.grey; }
 /// The greys of count pixels from x of a row.
 template <class Format>
 void readGreys(const std::uint8_t* row, int x, int count, const PixelRules& rules, bool isDirect, std::uint8_t* greys) {
-    if constexpr (Format::cnBits >= Rgb24::cnBits)
-        if (isDirect || Format::cnBits == Rgb24::cnBits)
-            return luminanceRow<Format>(row + x * Format::cnBytes, count, greys);
+    if constexpr (Format::cnBits == Rgb24::cnBits)
+        return rowKernels().luminances24(row + x * Format::cnBytes, count, greys);
+    if constexpr (Format::cnBits == Rgba32::cnBits)
+        if (isDirect)
+            return rowKernels().luminances32(row + x * Format::cnBytes, count, greys);
     for (int i = 0; i < count; ++i) {
         const auto v = Format::pixelAt(row, x + i);
         int grey = luminance(Format::read24(v, rules));

@@ -1,7 +1,7 @@
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/convertrows.h"
 #include "vimage/greyscale.h"
-#include "vimage/luminancerow.h"
+#include "vimage/rowkernels.h"
 #include "vimage/withformat.h"
 
 #include <algorithm>
@@ -59,7 +59,7 @@ void readTones(const std::uint8_t* row, int x, int count, const PixelRules& rule
         std::uint8_t coverages[cnBlockSize];
         std::uint8_t darknesses[cnBlockSize];
         if constexpr (Format::cnBits == Rgba32::cnBits)
-            luminanceRow<Format>(row + x * Format::cnBytes, count, darknesses);
+            rowKernels().luminances32(row + x * Format::cnBytes, count, darknesses);
         for (int i = 0; i < count; ++i) {
             const auto v = Format::pixelAt(row, x + i);
             if constexpr (Format::cnBits == Rgba32::cnBits)
@@ -74,7 +74,7 @@ void readTones(const std::uint8_t* row, int x, int count, const PixelRules& rule
         static const DitherThresholds s_all(false);
         static const DitherThresholds s_shades(true);
         const std::uint8_t* const thresholds = (how.keepsSolid ? s_shades : s_all).row(how.y);
-        toneRow(coverages, darknesses, thresholds + x, count, how.keepsSolid, how.tones, tones);
+        rowKernels().tones(coverages, darknesses, thresholds + x, count, how.keepsSolid, how.tones, tones);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/blockparts.h"
+#include "vimage/largecopy.h"
 #include "vimage/turnrows.h"
 #include "vimage/withformat.h"
 
@@ -25,7 +26,7 @@ void turnPart(std::uint8_t* to, const XCRect& toPart, std::uint8_t* from, const 
     const PixelGrid target = gridOf<Format>(to, toPart, orientation.reversesY);
     if (orientation.isTransposed) {
         const PixelGrid source = gridOf<Format>(from, fromPart, orientation.reversesX);
-        return transposePixels<Format>(target, source, fromPart.Width(), fromPart.Height());
+        return transposePixels<Format>(target, source, fromPart.Width(), fromPart.Height(), false);
     }
     const PixelGrid source = gridOf<Format>(from, fromPart, false);
     for (int y = 0; y < fromPart.Height(); ++y)
@@ -33,6 +34,26 @@ void turnPart(std::uint8_t* to, const XCRect& toPart, std::uint8_t* from, const 
             reverseRow<Format>(target.row(y), target.x, source.row(y), source.x, fromPart.Width());
         else
             Format::copyRow(target.row(y), target.x, source.row(y), source.x, fromPart.Width());
+}
+
+/// The same for whole blocks, of which there are many.
+template <class Format>
+void turnBlock(std::uint8_t* to, std::uint8_t* from, const Orientation& orientation, const LargeCopy& copy) {
+    const XCRect whole(0, 0, cnBlockSize, cnBlockSize);
+    const PixelGrid target = gridOf<Format>(to, whole, orientation.reversesY);
+    if (orientation.isTransposed) {
+        const PixelGrid source = gridOf<Format>(from, whole, orientation.reversesX);
+        return transposePixels<Format>(target, source, cnBlockSize, cnBlockSize, copy.isStreamed());
+    }
+    std::uint8_t reversed[cnRowBytes<Format>];
+    for (int y = 0; y < cnBlockSize; ++y) {
+        const std::uint8_t* row = rowOf<Format>(from, y);
+        if (orientation.reversesX) {
+            reverseRow<Format>(reversed, 0, row, 0, cnBlockSize);
+            row = reversed;
+        }
+        copy.copy(target.row(y), row, cnRowBytes<Format>);
+    }
 }
 
 /// Where a rectangle of an image of width x height pixels goes.
@@ -56,9 +77,11 @@ Orientation inverseOf(const Orientation& orientation) {
 
 template <class Format>
 void turnBlockPart(const PlacedImage& to, const XCRect& toPart, std::uint8_t* from, const XCRect& fromPart,
-                   const Orientation& orientation) {
-    const bool isWhole = toPart.Width() == cnBlockSize && toPart.Height() == cnBlockSize;
-    turnPart<Format>(isWhole ? to.enterToOverwrite(toPart) : to.enter(toPart), toPart, from, fromPart, orientation);
+                   const Orientation& orientation, const LargeCopy& copy) {
+    if (toPart.Width() == cnBlockSize && toPart.Height() == cnBlockSize)
+        turnBlock<Format>(to.enterToOverwrite(toPart), from, orientation, copy);
+    else
+        turnPart<Format>(to.enter(toPart), toPart, from, fromPart, orientation);
 }
 
 } // namespace
@@ -74,11 +97,12 @@ Orientation Orientation::of(int angle, bool flipX, bool flipY) {
 void turnBlocks(XCVOffscreen& destination, XCVOffscreen& source, const Orientation& orientation) {
     const PlacedImage to(destination), from(source);
     const int width = source.GetHBlockCount() * cnBlockSize, height = source.GetVBlockCount() * cnBlockSize;
+    const LargeCopy copy(destination, width, height);
     withFormat(source.GetDepth(), [&]<class Format>() {
         for (int index = 0; index < source.GetBlockCount(nullptr, nullptr); ++index) {
             const XCRect block = source.GetBlockRect(index);
             if (std::uint8_t* const pixels = from.enter(block))
-                turnBlockPart<Format>(to, turned(block, width, height, orientation), pixels, block, orientation);
+                turnBlockPart<Format>(to, turned(block, width, height, orientation), pixels, block, orientation, copy);
         }
     });
 }
@@ -86,12 +110,13 @@ void turnBlocks(XCVOffscreen& destination, XCVOffscreen& source, const Orientati
 void turnPixels(XCVOffscreen& destination, XCVOffscreen& source, const Orientation& orientation) {
     const PlacedImage to(destination);
     const Orientation back = inverseOf(orientation);
+    const LargeCopy copy(destination, source.GetWidth(), source.GetHeight());
     withFormat(source.GetDepth(), [&]<class Format>() {
         forEachPart(source, source.GetRect(), [&](std::uint8_t* pixels, const XCRect& part) {
             to.forEachBlock(
                 turned(part, source.GetWidth(), source.GetHeight(), orientation), [&](const XCRect& toPart) {
                     const XCRect fromPart = turned(toPart, destination.GetWidth(), destination.GetHeight(), back);
-                    turnBlockPart<Format>(to, toPart, pixels, fromPart, orientation);
+                    turnBlockPart<Format>(to, toPart, pixels, fromPart, orientation, copy);
                 });
         });
     });

@@ -3,7 +3,7 @@
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/blockparts.h"
 #include "vimage/pixelrows.h"
-#include "vimage/resamplekernels.h"
+#include "vimage/rowkernels.h"
 #include "vimage/squarewalk.h"
 
 #include <array>
@@ -81,15 +81,15 @@ class ColourSquares {
 public:
     ColourSquares(const XCVOffscreen& destination, XCVOffscreen& source, int factor, Reduction reduction)
         : m_rows(source, reader(destination, source, reduction), factor), m_rules(destination.GetPixelRules()),
-          m_average(resampleKernels().averageColours[std::countr_zero(static_cast<unsigned>(factor)) - 1]) {
+          m_average(rowKernels().averageColours[std::countr_zero(static_cast<unsigned>(factor)) - 1]) {
         const PixelRows& to = pixelRows(destination.GetDepth());
         m_write = reduction == Reduction::Behind ? to.writeBehind : to.write32;
     }
 
     bool enter(const SquareRun& x, const SquareRun& y) { return m_rows.enter(x, y); }
     void makeRow(int j, std::uint8_t* to, int toX, int count) {
-        m_average(m_rows.row(j), m_rows.stride(), count, m_colours.data(), m_isVisible.data());
-        m_write(to, toX, count, m_rules, m_colours.data(), m_isVisible.data());
+        const bool isAll = m_average(m_rows.row(j), m_rows.stride(), count, m_colours.data(), m_isVisible.data());
+        m_write(to, toX, count, m_rules, m_colours.data(), isAll ? nullptr : m_isVisible.data());
     }
 
 private:
@@ -116,7 +116,7 @@ public:
           m_rows(source, m_isCount ? pixelRows(Bit1::cnBits).read1 : pixelRows(Density8::cnBits).read8, factor),
           m_rules(destination.GetPixelRules()) {
         const int power = std::countr_zero(static_cast<unsigned>(factor));
-        m_add = resampleKernels().addBytes[power - 1];
+        m_add = rowKernels().addBytes[power - 1];
         m_shift = 2 * power;
         m_threshold = m_rules.transparency >> (8 - m_shift);
         const PixelRows& to = pixelRows(destination.GetDepth());

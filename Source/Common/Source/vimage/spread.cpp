@@ -2,8 +2,9 @@
 
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/blockparts.h"
+#include "vimage/largecopy.h"
 #include "vimage/pixelrows.h"
-#include "vimage/resamplekernels.h"
+#include "vimage/rowkernels.h"
 #include "vimage/withformat.h"
 
 #include <array>
@@ -73,7 +74,7 @@ struct SpreadRow {
 template <>
 void SpreadRow<BgraPixel>::take(const BgraPixel* row, const RunPlaces& places, int count) {
     if (places.factor)
-        return resampleKernels().repeat[places.factor == 4](row, places.sourceCount, pixels.data());
+        return rowKernels().repeat[places.factor == 4](row, places.sourceCount, pixels.data());
     for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
         pixels[i] = row[places.from[i]];
 }
@@ -96,9 +97,10 @@ public:
         }
     }
     void readMissing(int count) { std::fill_n(m_row.pixels.data(), count, Format::cnMissingValue); }
-    void write(std::uint8_t* row, int x, int count) const {
+    void write(std::uint8_t* row, int x, int count, const LargeCopy& copy) const {
         if constexpr (Format::cnBits >= 8)
-            Format::copyRow(row, x, reinterpret_cast<const std::uint8_t*>(m_row.pixels.data()), 0, count);
+            copy.copy(row + x * Format::cnBytes, reinterpret_cast<const std::uint8_t*>(m_row.pixels.data()),
+                      static_cast<std::size_t>(count) * Format::cnBytes);
         else
             for (int i = 0; i < count; ++i) // a stored 1 of 2 bits becomes 0
                 Format::setPixel(
@@ -122,7 +124,9 @@ public:
         m_row.take(row + x, places, count);
     }
     void readMissing(int count) { std::fill_n(m_row.pixels.data(), count, std::uint8_t{0}); }
-    void write(std::uint8_t* row, int x, int count) const { m_write(row, x, count, cnNoRules, m_row.pixels.data()); }
+    void write(std::uint8_t* row, int x, int count, const LargeCopy&) const {
+        m_write(row, x, count, cnNoRules, m_row.pixels.data());
+    }
 
 private:
     static ByteWriter writerOf(Spreading spreading) {
@@ -155,7 +159,7 @@ public:
             m_isWanted[i] = !m_visibleOnly || m_row.pixels[i].alpha != 0;
     }
     void readMissing(int) {}
-    void write(std::uint8_t* row, int x, int count) const {
+    void write(std::uint8_t* row, int x, int count, const LargeCopy&) const {
         m_write(row, x, count, m_toRules, m_row.pixels.data(), m_isWanted.data());
     }
 
@@ -218,7 +222,7 @@ private:
                 m_row.read(from + (sourceY & cnBlockMask) * m_source.GetBlockRowBytes(), x.from & cnBlockMask, places,
                            x.count);
             before = sourceY;
-            m_row.write(row, x.to & cnBlockMask, x.count);
+            m_row.write(row, x.to & cnBlockMask, x.count, m_copy);
         }
     }
 
@@ -226,6 +230,7 @@ private:
     XCVOffscreen& m_source;
     const NearestMap& m_columns;
     const NearestMap& m_rows;
+    const LargeCopy m_copy{m_destination, m_columns.end() - m_columns.begin(), m_rows.end() - m_rows.begin()};
     Rows m_row;
 };
 

@@ -6,89 +6,45 @@
 /// negative.
 
 #include "vimage/pixelformats.h"
+#include "vimage/rowkernels.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <bit>
 #include <cstdint>
-#include <cstring>
 
 namespace ovw::vimage {
 
-/// A rectangle of pixels in memory whose rows may run upward.
-struct PixelGrid {
-    std::uint8_t* first; ///< byte of pixel (0, 0); rows of less than a byte begin in it at pixel x
-    std::ptrdiff_t rowStep;
-    int x = 0; ///< of the first pixel in its row, for pixels of less than a byte
-
-    std::uint8_t* row(int y) const { return first + y * rowStep; }
-};
+/// Where the row kernels have a format's pixel size.
+template <class Format>
+inline constexpr bool cnHasKernels = Format::cnBits >= 8 && std::has_single_bit(unsigned{Format::cnBits});
+template <class Format>
+inline constexpr int cnKernelOfSize = std::countr_zero(unsigned{Format::cnBits / 8});
 
 /// Pixels of a row in reverse order.
 template <class Format>
 void reverseRow(std::uint8_t* to, int toX, const std::uint8_t* from, int fromX, int count) {
+    if constexpr (cnHasKernels<Format>)
+        return rowKernels().reverse[cnKernelOfSize<Format>](to + toX * Format::cnBytes, from + fromX * Format::cnBytes,
+                                                            count);
     for (int i = 0; i < count; ++i)
         Format::setPixel(to, toX + i, Format::pixelAt(from, fromX + count - 1 - i));
 }
 
-/// to(x, y) = from(y, x) for a rectangle of width x height pixels of the source, in tiles that the nearest cache holds.
+/// to(x, y) = from(y, x) for a rectangle of width x height pixels of the source; streamed, past the caches, it is a
+/// whole block.
 template <class Format>
-void transposePixels(const PixelGrid& to, const PixelGrid& from, int width, int height) {
-    constexpr int cnTile = 16;
+void transposePixels(const PixelGrid& to, const PixelGrid& from, int width, int height, bool isStreamed) {
+    if constexpr (cnHasKernels<Format>) {
+        const RowKernels& kernels = rowKernels();
+        return (isStreamed ? kernels.transposeStreamed : kernels.transpose)[cnKernelOfSize<Format>](to, from, width,
+                                                                                                    height);
+    }
+    constexpr int cnTile = 16; // which the nearest cache holds
     for (int top = 0; top < height; top += cnTile)
         for (int left = 0; left < width; left += cnTile)
             for (int x = left; x < std::min(left + cnTile, width); ++x)
                 for (int y = top; y < std::min(top + cnTile, height); ++y)
                     Format::setPixel(to.row(x), to.x + y, Format::pixelAt(from.row(y), from.x + x));
-}
-
-using FourWords [[gnu::vector_size(16)]] = std::uint32_t;
-
-inline FourWords wordsAt(const std::uint8_t* address) {
-    FourWords words;
-    std::memcpy(&words, address, sizeof words);
-    return words;
-}
-
-/// Four pixels of four rows into four rows of four.
-inline void transposeFour(const PixelGrid& to, const PixelGrid& from, int x, int y) {
-    FourWords rows[4];
-    for (int i = 0; i < 4; ++i)
-        rows[i] = wordsAt(from.row(y + i) + x * 4);
-    const FourWords low01 = __builtin_shufflevector(rows[0], rows[1], 0, 4, 1, 5);
-    const FourWords high01 = __builtin_shufflevector(rows[0], rows[1], 2, 6, 3, 7);
-    const FourWords low23 = __builtin_shufflevector(rows[2], rows[3], 0, 4, 1, 5);
-    const FourWords high23 = __builtin_shufflevector(rows[2], rows[3], 2, 6, 3, 7);
-    const FourWords turned[4] = {
-        __builtin_shufflevector(low01, low23, 0, 1, 4, 5), __builtin_shufflevector(low01, low23, 2, 3, 6, 7),
-        __builtin_shufflevector(high01, high23, 0, 1, 4, 5), __builtin_shufflevector(high01, high23, 2, 3, 6, 7)};
-    for (int i = 0; i < 4; ++i)
-        std::memcpy(to.row(x + i) + y * 4, &turned[i], sizeof turned[i]);
-}
-
-/// Sixteen source rows at a time, so that every line of the destination's cache is written whole.
-template <>
-inline void transposePixels<Rgba32>(const PixelGrid& to, const PixelGrid& from, int width, int height) {
-    constexpr int cnTile = 16, cnSquare = 4;
-    const auto one = [&](int x, int y) { std::memcpy(to.row(x) + y * 4, from.row(y) + x * 4, 4); };
-    for (int top = 0; top < height; top += cnTile) {
-        const int bottom = std::min(top + cnTile, height);
-        int x = 0;
-        for (; x + cnSquare <= width; x += cnSquare) {
-            // Rows of the destination lie too far apart for the processor to foresee them.
-            if (x + cnTile + cnSquare <= width)
-                for (int i = 0; i < cnSquare; ++i)
-                    __builtin_prefetch(to.row(x + cnTile + i) + top * 4, 1);
-            int y = top;
-            for (; y + cnSquare <= bottom; y += cnSquare)
-                transposeFour(to, from, x, y);
-            for (; y < bottom; ++y)
-                for (int i = 0; i < cnSquare; ++i)
-                    one(x + i, y);
-        }
-        for (; x < width; ++x)
-            for (int y = top; y < bottom; ++y)
-                one(x, y);
-    }
 }
 
 } // namespace ovw::vimage

@@ -20,9 +20,9 @@ constexpr int cnErrorNoSwapFile = 0x200132C8;
 constexpr int cnErrorNoSwapName = 0x200132C9;
 constexpr int cnMaxRetries = 10;
 constexpr char cnSwapPrefix[] = "SWP";
-constexpr std::size_t cnMaxSpares = 64;
+constexpr std::size_t cnMaxSpares = 256;
 /// Bytes of spare memory that outlast an operation, and the part of the budget that they may take.
-constexpr std::int64_t cnMaxIdleBytes = 32 << 20;
+constexpr std::int64_t cnMaxIdleBytes = std::int64_t{cnMaxSpares} * XCVMHandlePool::cnPoolBytes;
 constexpr std::int64_t cnIdlePartOfBudget = 4;
 
 constexpr std::uint32_t cnPooledSizes[] = {8192, 16384, 65536, 131072, 262144};
@@ -294,11 +294,12 @@ void XCVirtualMemory::freePooled(const XCVMHandle& handle) {
 /// Memory of exactly that size, recycled if possible. Throws the code that the allocation reports.
 VXHANDLE XCVirtualMemory::takeMemory(std::uint32_t size, bool& isFresh) {
     const auto fits = [size](VXHANDLE memory) { return vxGetHandleSize(memory) == size; };
-    const auto spare = std::find_if(m_arrSpare.begin(), m_arrSpare.end(), fits);
-    isFresh = spare == m_arrSpare.end();
+    // The latest first: the processor's caches may still hold it.
+    const auto spare = std::find_if(m_arrSpare.rbegin(), m_arrSpare.rend(), fits);
+    isFresh = spare == m_arrSpare.rend();
     if (!isFresh) {
         const VXHANDLE memory = *spare;
-        m_arrSpare.erase(spare);
+        m_arrSpare.erase(std::next(spare).base());
         m_nSpareBytes -= size;
         return memory;
     }
@@ -314,7 +315,7 @@ VXHANDLE XCVirtualMemory::takeMemory(std::uint32_t size, bool& isFresh) {
 }
 
 /// Pools are kept after the operation too: an image that is emptied and painted on again, as a stroke's temporary one
-/// is, then finds its pages.
+/// is, or a layer's that is turned into a new one, then finds its pages.
 void XCVirtualMemory::giveMemory(VXHANDLE memory) noexcept {
     const std::uint32_t size = vxGetHandleSize(memory);
     const bool isWanted =

@@ -1,9 +1,8 @@
-// Loops over plain arrays, for the compiler to vectorise.
+// Luminances and tones: loops over plain arrays, for the compiler to vectorise.
 
-#include "vimage/luminancerow.h"
+#include "vimage/rowkernels.h"
 
 namespace ovw::vimage {
-
 namespace {
 
 constexpr int cnWeights = 7;
@@ -22,10 +21,8 @@ constexpr bool isSeventhExact() {
 }
 static_assert(isSeventhExact());
 
-} // namespace
-
 template <class Format>
-void luminanceRow(const std::uint8_t* pixels, int count, std::uint8_t* luminances) {
+void luminances(const std::uint8_t* pixels, int count, std::uint8_t* luminances) {
     std::uint16_t sums[cnBlockSize];
     for (int i = 0; i < count; ++i) {
         const std::uint8_t* const p = pixels + i * Format::cnBytes;
@@ -34,11 +31,9 @@ void luminanceRow(const std::uint8_t* pixels, int count, std::uint8_t* luminance
     for (int i = 0; i < count; ++i)
         luminances[i] = static_cast<std::uint8_t>(seventh(sums[i]));
 }
-template void luminanceRow<Rgb24>(const std::uint8_t*, int, std::uint8_t*);
-template void luminanceRow<Rgba32>(const std::uint8_t*, int, std::uint8_t*);
 
-void toneRow(const std::uint8_t* coverages, const std::uint8_t* darknesses, const std::uint8_t* thresholds, int count,
-             bool onlyOpaque, const FourTones& tones, std::uint8_t* result) {
+void tones(const std::uint8_t* coverages, const std::uint8_t* darknesses, const std::uint8_t* thresholds, int count,
+           bool onlyOpaque, const FourTones& tones, std::uint8_t* result) {
     // The tone as a polynomial of its two bits over exclusive or, without a branch or a table a pixel.
     const auto& of = tones.of;
     const std::uint8_t neither = of[0];
@@ -53,4 +48,5 @@ void toneRow(const std::uint8_t* coverages, const std::uint8_t* darknesses, cons
     }
 }
 
+} // namespace
 } // namespace ovw::vimage

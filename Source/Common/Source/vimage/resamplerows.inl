@@ -1,7 +1,7 @@
-// The resampling kernels as one instruction set compiles them. The file that includes this one defines
-// OVW_KERNEL_TABLE, the function that hands out the table, and is compiled with the flags of its instruction set.
+// Squares of pixels averaged, rows weighed and pixels repeated.
 
-#include "vimage/resamplekernels.h"
+#include "vimage/rowkernels.h"
+#include "vimage/vectors.inl"
 
 #include <cstring>
 
@@ -71,7 +71,7 @@ void meanOfVisible(const ColourColumns& columns, int count, std::uint32_t* words
 }
 
 template <int Factor>
-void averageColours(const BgraPixel* rows, std::ptrdiff_t stride, int count, BgraPixel* colours,
+bool averageSquares(const BgraPixel* rows, std::ptrdiff_t stride, int count, BgraPixel* colours,
                     std::uint8_t* isVisible) {
     constexpr std::uint32_t cnArea = Factor * Factor;
     ColourColumns columns;
@@ -79,16 +79,99 @@ void averageColours(const BgraPixel* rows, std::ptrdiff_t stride, int count, Bgr
     for (int width = Factor / 2; width > 0; width /= 2)
         columns.halve(count * width);
     std::uint32_t hidden = 0;
+    std::uint8_t isAnyEmpty = 0;
     for (int i = 0; i < count; ++i) {
         hidden |= cnArea - columns.visible[i];
         isVisible[i] = columns.visible[i] != 0;
+        isAnyEmpty |= isVisible[i] ^ 1;
     }
     std::uint32_t words[cnBlockSize];
     if (hidden)
         meanOfVisible<Factor>(columns, count, words);
     else
         meanOfAll<Factor>(columns, count, words);
-    std::memcpy(colours, words, static_cast<std::size_t>(count) * sizeof *words);
+    for (int i = 0; i < count; ++i)
+        std::memcpy(colours + i, words + i, sizeof *words);
+    return !isAnyEmpty;
+}
+
+/// The sums of one or two rows of neighbours, as ColourColumns has them, but with the transparent pixels counted. Each
+/// lane holds four pixels, the next lane those eight further on.
+struct LaneColumns {
+    Words blueRed{}, greenAlpha{}, hidden{};
+
+    void add(const Words& pixels) {
+        const auto isHidden = (pixels >> 24 == 0);
+        const Words mask = reinterpret_cast<const Words&>(isHidden);
+        blueRed += pixels & ~mask & cnEvenBytes;
+        greenAlpha += pixels >> 8 & ~mask & cnEvenBytes;
+        hidden -= mask;
+    }
+};
+
+/// The squares of two rows' columns and of those that lie between.
+struct LaneSquares {
+    Words blueRed, greenAlpha, hidden;
+
+    LaneSquares(const LaneColumns& columns, const LaneColumns& between)
+        : blueRed(pairs(columns.blueRed, between.blueRed)), greenAlpha(pairs(columns.greenAlpha, between.greenAlpha)),
+          hidden(pairs(columns.hidden, between.hidden)) {}
+    /// sum / visible of the channels but alpha, which is sum / 4, by factors that keep whole quotients whole.
+    Words mean() const {
+        constexpr std::uint32_t cnQuarter = 1 << 13, cnThird = (1 << 15) / 3 + 1;
+        const auto addWhere = [this](std::int32_t number, std::uint32_t value) {
+            const auto isMore = reinterpret_cast<const Vector<std::int32_t>&>(hidden) > number;
+            return reinterpret_cast<const Words&>(isMore) & value;
+        };
+        const Words share = cnQuarter + addWhere(0, cnThird - cnQuarter) + addWhere(1, 2 * cnQuarter - cnThird) +
+                            addWhere(2, 2 * cnQuarter);
+        return multiplyHigh(2 * blueRed, share | share << 16) | multiplyHigh(2 * greenAlpha, share | cnQuarter << 16)
+                                                                    << 8;
+    }
+
+private:
+    static Words pairs(const Words& values, const Words& between) {
+        return shuffleLanes<std::uint32_t>(values, between, [](std::size_t i) { return 2 * i; }) +
+               shuffleLanes<std::uint32_t>(values, between, [](std::size_t i) { return 2 * i + 1; });
+    }
+};
+
+Words pixelsInLanes(const BgraPixel* pixels) {
+    return gatherLanes<std::uint32_t>([=](int lane) { return pixels + 8 * lane; });
+}
+
+template <int Factor>
+bool averageColours(const BgraPixel* rows, std::ptrdiff_t stride, int count, BgraPixel* colours,
+                    std::uint8_t* isVisible) {
+    return averageSquares<Factor>(rows, stride, count, colours, isVisible);
+}
+
+/// The most frequent of the reductions, without a detour over memory.
+template <>
+bool averageColours<2>(const BgraPixel* rows, std::ptrdiff_t stride, int count, BgraPixel* colours,
+                       std::uint8_t* isVisible) {
+    constexpr std::uint32_t cnArea = 4;
+    std::uint32_t hidden[cnBlockSize];
+    Words empty{};
+    int i = 0;
+    for (; i + static_cast<int>(cnWords) <= count; i += cnWords) {
+        LaneColumns columns, between;
+        for (const BgraPixel* row : {rows + 2 * i, rows + 2 * i + stride}) {
+            columns.add(pixelsInLanes(row));
+            between.add(pixelsInLanes(row + 4));
+        }
+        const LaneSquares squares(columns, between);
+        storeVector(colours + i, squares.mean());
+        storeVector(hidden + i, squares.hidden);
+        empty |= squares.hidden & cnArea;
+    }
+    const bool isRestVisible =
+        i == count || averageSquares<2>(rows + 2 * i, stride, count - i, colours + i, isVisible + i);
+    if (isRestVisible && isZero(empty))
+        return true;
+    for (int j = 0; j < i; ++j)
+        isVisible[j] = hidden[j] != cnArea;
+    return false;
 }
 
 template <int Factor>
@@ -129,16 +212,5 @@ void repeat(const BgraPixel* row, int count, BgraPixel* repeated) {
             repeated[i * Factor + x] = row[i];
 }
 
-constexpr ResampleKernels cnKernels = {
-    {averageColours<2>, averageColours<4>, averageColours<8>},
-    {addBytes<2>, addBytes<4>, addBytes<8>},
-    addRow<true>,
-    addRow<false>,
-    {repeat<2>, repeat<4>},
-};
-
 } // namespace
-
-const ResampleKernels& OVW_KERNEL_TABLE() { return cnKernels; }
-
 } // namespace ovw::vimage

@@ -1,0 +1,191 @@
+#include "vimage/rowkernels.h"
+
+#include "mixing/instructionset.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <random>
+#include <vector>
+
+using namespace ovw::vimage;
+using ovw::mixing::InstructionSet;
+
+namespace {
+
+constexpr int cnSets = 3;
+constexpr int cnSide = cnBlockSize;
+using Bytes = std::vector<std::uint8_t>;
+
+/// Each test runs with the kernels of every instruction set that the machine has.
+class RowKernelsTest : public testing::TestWithParam<int> {
+protected:
+    void SetUp() override {
+        if (!ovw::mixing::forceInstructionSet(static_cast<InstructionSet>(GetParam())))
+            GTEST_SKIP() << "The machine lacks the instruction set.";
+    }
+    ~RowKernelsTest() override { ovw::mixing::forceInstructionSet(m_best); }
+
+    Bytes noise(std::size_t count) {
+        Bytes bytes(count);
+        for (std::uint8_t& byte : bytes)
+            byte = static_cast<std::uint8_t>(m_random());
+        return bytes;
+    }
+    /// A block of which some pixels, and some whole stretches, are transparent.
+    std::vector<BgraPixel> pixels(unsigned transparentOfEight) {
+        std::vector<BgraPixel> result(cnSide * cnSide);
+        const Bytes bytes = noise(result.size() * 4);
+        std::memcpy(result.data(), bytes.data(), bytes.size());
+        for (std::size_t i = 0; i < result.size(); ++i)
+            if (m_random() % 8 < transparentOfEight || (transparentOfEight && i % 200 < 20))
+                result[i].alpha = 0;
+            else
+                result[i].alpha |= 1;
+        return result;
+    }
+
+    std::mt19937 m_random{7};
+    const InstructionSet m_best = ovw::mixing::instructionSet();
+};
+INSTANTIATE_TEST_SUITE_P(InstructionSets, RowKernelsTest, testing::Range(0, cnSets));
+
+TEST_P(RowKernelsTest, AverageSquares) {
+    for (unsigned transparentOfEight : {0u, 1u, 6u})
+        for (int power = 1; power <= 3; ++power)
+            for (int count : {1, 3, 7, 8, 21, cnSide >> power}) {
+                const int side = 1 << power;
+                const std::vector<BgraPixel> block = pixels(transparentOfEight);
+                BgraPixel colours[cnSide];
+                std::uint8_t isVisible[cnSide];
+                const bool areAll =
+                    rowKernels().averageColours[power - 1](block.data(), cnSide, count, colours, isVisible);
+                int visibleSquares = 0;
+                for (int i = 0; i < count; ++i) {
+                    int n = 0, sums[4] = {};
+                    for (int j = 0; j < side * side; ++j) {
+                        const BgraPixel& p = block[static_cast<std::size_t>(j / side * cnSide + i * side + j % side)];
+                        if (p.alpha == 0)
+                            continue;
+                        ++n, sums[0] += p.blue, sums[1] += p.green, sums[2] += p.red, sums[3] += p.alpha;
+                    }
+                    visibleSquares += n > 0;
+                    ASSERT_TRUE(areAll || (isVisible[i] != 0) == (n > 0));
+                    if (n == 0)
+                        continue;
+                    ASSERT_TRUE(colours[i].blue == sums[0] / n && colours[i].green == sums[1] / n &&
+                                colours[i].red == sums[2] / n && colours[i].alpha == sums[3] / (side * side))
+                        << "square " << i << " of " << count << ", side " << side;
+                }
+                ASSERT_EQ(areAll, visibleSquares == count);
+            }
+}
+
+TEST_P(RowKernelsTest, AddUpRows) {
+    const std::vector<BgraPixel> block = pixels(2);
+    const Bytes bytes = noise(cnSide * 8);
+    for (int count : {1, 5, 16, 255}) {
+        ColumnSums sums;
+        rowKernels().setRow(block.data(), count, 0.3, sums);
+        rowKernels().addRow(block.data() + cnSide, count, 0.7, sums);
+        for (int i = 0; i < count; ++i) {
+            const BgraPixel &a = block[static_cast<std::size_t>(i)], &b = block[static_cast<std::size_t>(cnSide + i)];
+            const double wa = a.alpha ? 0.3 : 0.0, wb = b.alpha ? 0.7 : 0.0;
+            ASSERT_EQ(sums.weights[i], wa + wb);
+            ASSERT_EQ(sums.channels[4 * i], wa * a.blue + wb * b.blue);
+            ASSERT_EQ(sums.channels[4 * i + 3], wa * a.alpha + wb * b.alpha);
+        }
+    }
+    for (int power = 1; power <= 3; ++power) {
+        std::uint16_t sums[cnSide];
+        rowKernels().addBytes[power - 1](bytes.data(), cnSide, 31, sums);
+        for (int i = 0, side = 1 << power; i < 31; ++i) {
+            int sum = 0;
+            for (int j = 0; j < side * side; ++j)
+                sum += bytes[static_cast<std::size_t>(j / side * cnSide + i * side + j % side)];
+            ASSERT_EQ(sums[i], sum);
+        }
+    }
+}
+
+TEST_P(RowKernelsTest, TransposeAndReversePixelsOfEverySize) {
+    struct {
+        int width, height;
+        bool isStreamed;
+    } const cases[] = {{cnSide, cnSide, false}, {cnSide, cnSide, true}, {1, 1, false}, {37, 83, false}, {70, 9, false}};
+    alignas(64) static std::uint8_t s_to[cnSide * cnSide * 4];
+    for (int power = 0; power <= 2; ++power)
+        for (const auto& c : cases) {
+            const std::size_t size = std::size_t{1} << power, rowBytes = cnSide * size;
+            const Bytes block = noise(cnSide * rowBytes);
+            const auto pixel = [&](int x, int y) {
+                return block.data() + static_cast<std::size_t>(y) * rowBytes + static_cast<std::size_t>(x) * size;
+            };
+            std::memset(s_to, 0, sizeof s_to);
+            const auto step = static_cast<std::ptrdiff_t>(rowBytes);
+            const RowKernels& kernels = rowKernels();
+            (c.isStreamed ? kernels.transposeStreamed : kernels.transpose)[power](
+                {s_to, step}, {const_cast<std::uint8_t*>(pixel(0, c.height - 1)), -step}, c.width, c.height);
+            kernels.endStream();
+            Bytes row(rowBytes);
+            kernels.reverse[power](row.data(), pixel(0, 0), c.width);
+            for (int x = 0; x < c.width; ++x) {
+                for (int y = 0; y < c.height; ++y)
+                    ASSERT_EQ(
+                        std::memcmp(s_to + static_cast<std::size_t>(x) * rowBytes + static_cast<std::size_t>(y) * size,
+                                    pixel(x, c.height - 1 - y), size),
+                        0)
+                        << size << " bytes: " << x << ", " << y << " of " << c.width << " x " << c.height;
+                ASSERT_EQ(std::memcmp(&row[static_cast<std::size_t>(x) * size], pixel(c.width - 1 - x, 0), size), 0);
+            }
+            const auto used = static_cast<std::size_t>(c.height) * size;
+            ASSERT_TRUE(std::all_of(s_to + used, s_to + rowBytes, [](std::uint8_t byte) { return byte == 0; }));
+        }
+}
+
+TEST_P(RowKernelsTest, RepeatAndCopyWhatIsAsked) {
+    const std::vector<BgraPixel> row = pixels(0);
+    for (int count : {1, 13, 64}) {
+        BgraPixel repeated[cnSide];
+        for (int times : {2, 4}) {
+            rowKernels().repeat[times / 4](row.data(), count, repeated);
+            for (int i = 0; i < count * times; ++i)
+                ASSERT_EQ(std::memcmp(&repeated[i], &row[static_cast<std::size_t>(i / times)], 4), 0);
+        }
+    }
+    const Bytes from = noise(1000);
+    for (std::size_t first : {0u, 1u, 17u, 63u})
+        for (std::size_t count : {0u, 5u, 31u, 64u, 700u}) {
+            Bytes to(1000, 7), expected = to;
+            std::copy_n(from.begin() + 3, count, expected.begin() + static_cast<std::ptrdiff_t>(first));
+            rowKernels().stream(&to[first], &from[3], count);
+            rowKernels().endStream();
+            ASSERT_EQ(to, expected) << count << " bytes to " << first;
+        }
+}
+
+TEST_P(RowKernelsTest, FindLuminancesAndTones) {
+    for (int count : {1, 30, cnSide}) {
+        const Bytes pixels = noise(cnSide * 4), thresholds = noise(cnSide);
+        std::uint8_t luminances[2][cnSide], tones[cnSide];
+        rowKernels().luminances24(pixels.data(), count, luminances[0]);
+        rowKernels().luminances32(pixels.data(), count, luminances[1]);
+        const FourTones four{{0, 1, 2, 3}};
+        for (bool onlyOpaque : {false, true}) {
+            rowKernels().tones(pixels.data(), pixels.data() + cnSide, thresholds.data(), count, onlyOpaque, four,
+                               tones);
+            for (int i = 0; i < count; ++i) {
+                const auto at = static_cast<std::size_t>(i);
+                for (std::size_t bytes : {3u, 4u}) {
+                    const std::uint8_t* const p = &pixels[at * bytes];
+                    ASSERT_EQ(luminances[bytes - 3][i], (2 * p[0] + 4 * p[1] + p[2]) / 7);
+                }
+                const int opaque = pixels[at] >= thresholds[at], dark = pixels[cnSide + at] >= thresholds[at];
+                ASSERT_EQ(tones[i], onlyOpaque && !opaque ? 0 : 2 * opaque + dark);
+            }
+        }
+    }
+}
+
+} // namespace
