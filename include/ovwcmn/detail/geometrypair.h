@@ -15,23 +15,23 @@ namespace ovw::geometry {
 template <class Family, class Plain, class Self>
 class OVWCMN_MAY_ALIAS PairBase : public Plain {
 public:
-    using Coordinate = typename Family::Coordinate;
-    using PlainPoint = typename Family::PlainPoint;
-    using PlainSize = typename Family::PlainSize;
-    using PlainRect = typename Family::PlainRect;
-
+    using Coordinate = typename Family::Coordinate; ///< of one axis
+    using PlainPoint = typename Family::PlainPoint; ///< the family's structs
+    using PlainSize = typename Family::PlainSize;   ///< the family's structs
+    using PlainRect = typename Family::PlainRect;   ///< the family's structs
+    /// @{ From two coordinates or the plain struct.
     constexpr PairBase() : Plain{} {}
     constexpr PairBase(Coordinate horizontal, Coordinate vertical) : Plain{horizontal, vertical} {}
     constexpr PairBase(const Plain& plain) : Plain(plain) {}
-
-    constexpr operator Plain*() { return this; }
-    constexpr operator const Plain*() const { return this; }
-
+    /// @}
+    constexpr operator Plain*() { return this; }             ///< as the plain struct
+    constexpr operator const Plain*() const { return this; } ///< as the plain struct
+    /// @{ By both coordinates.
     constexpr Self& operator+=(const PlainPoint& other) { return assign(sum<Self>(other.x, other.y)); }
     constexpr Self& operator+=(const PlainSize& other) { return assign(sum<Self>(other.cx, other.cy)); }
     constexpr Self& operator-=(const PlainPoint& other) { return assign(difference<Self>(other.x, other.y)); }
     constexpr Self& operator-=(const PlainSize& other) { return assign(difference<Self>(other.cx, other.cy)); }
-    // Only size with size gives a size.
+    // Only size with size gives a size; the others give a point.
     constexpr auto operator+(const PlainPoint& other) const { return sum<typename Family::Point>(other.x, other.y); }
     constexpr auto operator+(const PlainSize& other) const { return sum<Self>(other.cx, other.cy); }
     constexpr auto operator-(const PlainPoint& other) const {
@@ -39,7 +39,7 @@ public:
     }
     constexpr auto operator-(const PlainSize& other) const { return difference<Self>(other.cx, other.cy); }
     constexpr Self operator-() const { return Self(Family::negate(first(*this)), Family::negate(second(*this))); }
-
+    /// @}
     /// The rectangle moved by this point or size.
     constexpr auto operator+(const PlainRect* rect) const { return typename Family::Rect(*rect) + plain(); }
     /// The rectangle moved by the opposite of this point or size.
@@ -47,7 +47,7 @@ public:
 
     friend constexpr bool operator==(const Plain& a, const Plain& b) {
         return Family::isEqual(first(a), first(b)) && Family::isEqual(second(a), second(b));
-    }
+    } ///< within the family's tolerance
 
 private:
     static constexpr bool cnIsPoint = std::is_same_v<Plain, PlainPoint>;
@@ -76,7 +76,7 @@ private:
         return Result(Family::subtract(first(*this), horizontal), Family::subtract(second(*this), vertical));
     }
 };
-
+/// What points have besides.
 template <class Family>
 class OVWCMN_MAY_ALIAS PointBase : public PairBase<Family, typename Family::PlainPoint, typename Family::Point> {
     using Base = PairBase<Family, typename Family::PlainPoint, typename Family::Point>;
@@ -86,16 +86,16 @@ public:
 
     constexpr void Offset(typename Family::Coordinate dx, typename Family::Coordinate dy) {
         *this += typename Family::PlainPoint{dx, dy};
-    }
-    constexpr void Offset(const typename Family::PlainPoint& distance) { *this += distance; }
-    constexpr void Offset(const typename Family::PlainSize& distance) { *this += distance; }
+    }                                                                                         ///< moves by a distance
+    constexpr void Offset(const typename Family::PlainPoint& distance) { *this += distance; } ///< moves by a distance
+    constexpr void Offset(const typename Family::PlainSize& distance) { *this += distance; }  ///< moves by a distance
     constexpr void SetPt(typename Family::Coordinate newX, typename Family::Coordinate newY) {
         this->x = newX;
         this->y = newY;
-    }
-    constexpr void SetPt(const typename Family::PlainPoint& point) { SetPt(point.x, point.y); }
+    }                                                                                           ///< goes to a place
+    constexpr void SetPt(const typename Family::PlainPoint& point) { SetPt(point.x, point.y); } ///< goes to a place
 };
-
+/// What sizes have besides.
 template <class Family>
 class SizeBase : public PairBase<Family, typename Family::PlainSize, typename Family::Size> {
     using Base = PairBase<Family, typename Family::PlainSize, typename Family::Size>;
@@ -103,7 +103,7 @@ class SizeBase : public PairBase<Family, typename Family::PlainSize, typename Fa
 public:
     using Base::Base;
 
-    constexpr explicit SizeBase(const typename Family::PlainPoint& point) : Base(point.x, point.y) {}
+    constexpr explicit SizeBase(const typename Family::PlainPoint& point) : Base(point.x, point.y) {} ///< as an extent
 };
 
 } // namespace ovw::geometry

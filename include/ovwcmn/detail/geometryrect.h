@@ -7,22 +7,22 @@
 #include "ovwcmn/detail/geometryfamily.h"
 
 namespace ovw::geometry {
-
+/// A rectangle; its right and bottom edges are outside. Nothing keeps it normalised.
 template <class Family>
 class RectBase : public Family::PlainRect {
 public:
-    using Coordinate = typename Family::Coordinate;
-    using PlainPoint = typename Family::PlainPoint;
-    using PlainSize = typename Family::PlainSize;
-    using PlainRect = typename Family::PlainRect;
-    using Point = typename Family::Point;
-    using Rect = typename Family::Rect;
+    using Coordinate = typename Family::Coordinate; ///< of one axis
+    using PlainPoint = typename Family::PlainPoint; ///< the family's structs
+    using PlainSize = typename Family::PlainSize;   ///< the family's structs
+    using PlainRect = typename Family::PlainRect;   ///< the family's structs
+    using Point = typename Family::Point;           ///< the family's classes
+    using Rect = typename Family::Rect;             ///< the family's classes
 
     using PlainRect::bottom;
     using PlainRect::left;
     using PlainRect::right;
     using PlainRect::top;
-
+    /// @{ From edges, corners, a corner and a size, or the plain struct.
     constexpr RectBase() : PlainRect{} {}
     constexpr RectBase(Coordinate l, Coordinate t, Coordinate r, Coordinate b) : PlainRect{l, t, r, b} {}
     constexpr RectBase(const PlainPoint& topLeft, const PlainPoint& bottomRight)
@@ -31,29 +31,29 @@ public:
         : PlainRect{topLeft.x, topLeft.y, Family::add(topLeft.x, size.cx), Family::add(topLeft.y, size.cy)} {}
     constexpr RectBase(const PlainRect& rect) : PlainRect(rect) {}
     constexpr explicit RectBase(const PlainRect* rect) : PlainRect(*rect) {}
-
-    constexpr operator PlainRect*() { return this; }
-    constexpr operator const PlainRect*() const { return this; }
-
+    /// @}
+    constexpr operator PlainRect*() { return this; }             ///< as the plain struct
+    constexpr operator const PlainRect*() const { return this; } ///< as the plain struct
+    /// @{ The extents, and the middle of each axis.
     constexpr Coordinate Width() const { return Family::subtract(right, left); }
     constexpr Coordinate Height() const { return Family::subtract(bottom, top); }
     constexpr auto Size() const { return typename Family::Size(Width(), Height()); }
     constexpr auto CenterPoint() const { return Point(Family::middle(left, right), Family::middle(top, bottom)); }
-
-    // The corners alias the fields: the point classes are declared to alias anything.
+    /// @}
+    /// @{ The corners alias the fields: the point classes are declared to alias anything.
     Point& TopLeft() { return reinterpret_cast<Point&>(left); }
     const Point& TopLeft() const { return reinterpret_cast<const Point&>(left); }
     Point& BottomRight() { return reinterpret_cast<Point&>(right); }
     const Point& BottomRight() const { return reinterpret_cast<const Point&>(right); }
     /// The corners clockwise on screen, from the top left one.
     constexpr void SetPoint(PlainPoint out[4]) const;
-
-    constexpr int IsRectEmpty() const { return isEmpty(*this); }
+    /// @}
+    constexpr int IsRectEmpty() const { return isEmpty(*this); } ///< without area, or not normalised
     /// 1 when all four fields are exactly 0.
     constexpr int IsRectNull() const { return left == 0 && top == 0 && right == 0 && bottom == 0; }
     constexpr int PtInRect(const PlainPoint& point) const {
         return left <= point.x && point.x < right && top <= point.y && point.y < bottom;
-    }
+    } ///< right and bottom are outside
     /// Within the family's tolerance, as == is.
     constexpr int EqualRect(const PlainRect& rect) const { return *this == rect; }
     /// Rectangles that only touch do not intersect.
@@ -63,8 +63,8 @@ public:
     friend constexpr bool operator==(const PlainRect& a, const PlainRect& b) {
         return Family::isEqual(a.left, b.left) && Family::isEqual(a.top, b.top) && Family::isEqual(a.right, b.right) &&
                Family::isEqual(a.bottom, b.bottom);
-    }
-
+    } ///< within the family's tolerance
+    /// @{ Sets the edges: as given, all 0, copied, left exchanged with right, or in order.
     constexpr void SetRect(Coordinate l, Coordinate t, Coordinate r, Coordinate b) { CopyRect({l, t, r, b}); }
     constexpr void SetRect(const PlainPoint& topLeft, const PlainPoint& bottomRight) {
         CopyRect(Rect(topLeft, bottomRight));
@@ -74,8 +74,8 @@ public:
     constexpr void CopyRect(const PlainRect* rect) { CopyRect(*rect); }
     constexpr void SwapLeftRight() { SetRect(right, top, left, bottom); }
     constexpr void NormalizeRect();
-
-    /// Moves each edge outward by its own distance; the other forms give one distance an axis, or a rectangle of four.
+    /// @}
+    /// @{ Moves edges: outward, inward (the exact inverse) or along; by one distance an edge or an axis.
     constexpr void InflateRect(Coordinate l, Coordinate t, Coordinate r, Coordinate b);
     constexpr void InflateRect(Coordinate dx, Coordinate dy) { InflateRect(dx, dy, dx, dy); }
     constexpr void InflateRect(const PlainSize& size) { InflateRect(size.cx, size.cy); }
@@ -88,16 +88,16 @@ public:
     constexpr void OffsetRect(Coordinate dx, Coordinate dy);
     constexpr void OffsetRect(const PlainPoint& distance) { OffsetRect(distance.x, distance.y); }
     constexpr void OffsetRect(const PlainSize& distance) { OffsetRect(distance.cx, distance.cy); }
-
+    /// @}
     /// Becomes the common part of a and b. Integer rectangles that only touch or miss each other give 0 and all zeros;
     /// floating ones keep an intersection without area, and leave the object alone (0) only when they miss.
     constexpr int IntersectRect(const PlainRect& a, const PlainRect& b);
-    constexpr int IntersectRect(const PlainRect& rect) { return IntersectRect(*this, rect); }
+    constexpr int IntersectRect(const PlainRect& rect) { return IntersectRect(*this, rect); } ///< with this one
     /// IntersectRect with b moved by (-dx, -dy).
     constexpr int IntersectWithOffset(const PlainRect& a, const PlainRect& b, Coordinate dx, Coordinate dy);
     /// Becomes the bounding rectangle of a and b; an empty one does not count, and two give 0 and no change.
     constexpr int UnionRect(const PlainRect& a, const PlainRect& b);
-    constexpr int UnionRect(const PlainRect& rect) { return UnionRect(*this, rect); }
+    constexpr int UnionRect(const PlainRect& rect) { return UnionRect(*this, rect); } ///< with this one
     /// Adds the one-unit rectangle at the point.
     constexpr int UnionRect(const PlainPoint* point) { return UnionRect(unitAt(*point)); }
     /// Grows to hold the one-unit cell at the point, even from an empty rectangle: a null one keeps its origin.
@@ -107,7 +107,7 @@ public:
     /// The smallest and largest coordinates, no unit added. The largest start from 0: a polygon that lies wholly at
     /// negative coordinates gets 0 there.
     constexpr void PolygonBox(const PlainPoint* points, int count);
-
+    /// @{ Moves by a distance, inflates (+) and deflates (-) by distances of edges, intersects and unites.
     constexpr Rect& operator+=(const PlainPoint& distance) { return OffsetRect(distance), self(); }
     constexpr Rect& operator+=(const PlainSize& distance) { return OffsetRect(distance), self(); }
     constexpr Rect& operator+=(const PlainRect* by) { return InflateRect(by), self(); }
@@ -129,7 +129,7 @@ public:
     constexpr Rect operator/(int divisor) const;
     constexpr Rect operator&(const PlainRect& rect) const;
     constexpr Rect operator|(const PlainRect& rect) const;
-
+    /// @}
     // The sum of two rectangles would mean an inflation through the conversion to a pointer: say it with a pointer.
     Rect& operator+=(const PlainRect&) = delete;
     Rect& operator-=(const PlainRect&) = delete;
