@@ -104,7 +104,7 @@ public:
     virtual int removeFolder(const std::string& path) = 0;
     /// Error 183 when the name exists, 3 when the parent does not.
     virtual int createFolder(const std::string& path) = 0;
-    /// Renames a file or folder, replacing an existing file in one step. Error 17 between volumes.
+    /// Renames a file or folder. Error 183 when the name exists, 17 between volumes.
     virtual int rename(const std::string& from, const std::string& to) = 0;
     /// Puts a finished file in the place of another, or of none, in one step: the name leads to the old contents or to
     /// the new ones, also after a crash, provided that `from` was flushed. The file takes over the permissions and

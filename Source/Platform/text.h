@@ -25,6 +25,8 @@ std::uint32_t codePage();
 /// takes the byte behind it whatever it is, but stands alone before the terminator. In UTF-8 a byte that begins no
 /// well-formed character stands alone. Never reads past the terminator.
 std::size_t characterBytes(const char* text);
+/// Whether no byte below 0x80 is part of a longer character: so it is in every code page but the double-byte ones.
+bool asciiStandsAlone();
 /// Whether the byte at `index` (at most the index of the terminator) is any byte of a character but its first.
 bool isTrailByte(const char* text, std::size_t index);
 /// The longest length of at most `limit` bytes at which `text` may be cut without cutting a character.

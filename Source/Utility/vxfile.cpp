@@ -105,7 +105,8 @@ platform::OpenRequest requestOf(std::uint32_t access, std::uint32_t share, std::
     request.shareRead = share & FILE_SHARE_READ;
     request.shareWrite = share & FILE_SHARE_WRITE;
     request.disposition = static_cast<platform::Disposition>(creation);
-    request.attributes = attributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE);
+    request.attributes =
+        attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE);
     request.deleteOnClose = attributes & FILE_FLAG_DELETE_ON_CLOSE;
     const bool creates = creation == CREATE_NEW || creation == CREATE_ALWAYS;
     request.isPrivate = creates && request.deleteOnClose && (attributes & FILE_ATTRIBUTE_TEMPORARY);

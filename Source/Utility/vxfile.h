@@ -60,7 +60,7 @@ std::size_t vxFindLastDelimiter(const std::string& path, std::size_t end = std::
 /// Whether the path is a root: "X:\", "\", "/", "\\server" or "\\server\share", the latter two also with a "\" behind.
 bool vxIsRootPath(const std::string& path);
 /// The path without its trailing run of "\".
-std::string vxWithoutBackDelimiter(const std::string& path);
+std::string vxWithoutBackDelimiter(std::string path);
 /// The text behind the last "\" or ":".
 std::string vxGetFileNamefromFullPath(const std::string& path);
 /// The path without its last component; a root keeps its "\" (C:\ is the folder of C:\a) and is its own folder; "" for

@@ -12,6 +12,10 @@ constexpr std::size_t cnNone = std::string::npos;
 /// Index of the last of two single-byte characters before `end`, stepping over whole characters.
 std::size_t findLast(const std::string& text, char first, char second, std::size_t end) {
     end = std::min(end, text.size());
+    if (platform::asciiStandsAlone()) {
+        const char wanted[] = {first, second};
+        return end == 0 ? cnNone : text.find_last_of(wanted, end - 1, sizeof wanted);
+    }
     std::size_t found = cnNone;
     for (std::size_t i = 0; i < end; i += std::max<std::size_t>(platform::characterBytes(text.c_str() + i), 1))
         if (text[i] == first || text[i] == second)
@@ -41,11 +45,10 @@ bool vxIsRootPath(const std::string& path) {
     return driveRoot || path == "\\" || path == "/" || isNetworkRoot(path);
 }
 
-std::string vxWithoutBackDelimiter(const std::string& path) {
-    std::string out = path;
-    while (!out.empty() && vxFindLastDelimiter(out) == out.size() - 1)
-        out.pop_back();
-    return out;
+std::string vxWithoutBackDelimiter(std::string path) {
+    while (!path.empty() && vxFindLastDelimiter(path) == path.size() - 1)
+        path.pop_back();
+    return path;
 }
 
 std::string vxGetFileNamefromFullPath(const std::string& path) {

@@ -8,6 +8,7 @@
 #include "ovwcmn/xcarchivefile.h"
 #include "ovwcmn/xcarray.h"
 #include "ovwcmn/xcfilepath.h"
+#include "ovwcmn/xczlib.h"
 
 #include <cstdint>
 #include <vector>
@@ -71,6 +72,7 @@ private:
     bool stepOrStop();
 
     std::uint64_t m_unpackLimit = 0;
+    XCZLib m_zlib; // keeps its working memory from file to file
     // Neither goes into itself.
     XCFilePath m_packedFile;
     XCFilePath m_growingFile;

@@ -123,6 +123,9 @@ TEST_F(XCFileTest, WithoutAFileOrTheAccessOperationsThrow) {
     EXPECT_EQ(errorOf([&] { reader.SetEOF(); }), 5);
     reader.Close();
     EXPECT_EQ(m_folder.read("a"), "12");
+    reader.Create(m_folder.path("r"), 0, 0, GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_READONLY);
+    reader.Write("1", 1);
+    EXPECT_EQ(open(reader, "r", GENERIC_WRITE, 0, OPEN_EXISTING), 5) << "read-only for all but its creator";
     m_folder.path("a").SetReadOnly(1);
     EXPECT_EQ(open(reader, "a", GENERIC_WRITE, 0, OPEN_EXISTING), 5);
     reader.Open(xcPathFromPosix("/dev/full"), GENERIC_WRITE, FILE_SHARE_WRITE, OPEN_EXISTING, 0);

@@ -101,16 +101,20 @@ TEST_F(XCFilePathDisk, DeleteTakesFilesAndWholeFolders) {
     m_folder.write("file", "");
     fs::create_directories(m_folder.posix("folder/deep"));
     m_folder.write("folder/deep/a", "");
-    m_folder.write("kept", "safe");
-    fs::create_symlink("../kept", m_folder.posix("folder/link"));
+    fs::create_directory(m_folder.posix("kept"));
+    m_folder.write("kept/file", "safe");
+    fs::create_symlink("../kept/file", m_folder.posix("folder/link"));
+    fs::create_directory_symlink("../kept", m_folder.posix("folder/deep/link"));
+    fs::create_directory_symlink("kept", m_folder.posix("link"));
     path("folder").FileDelete(0);
     EXPECT_TRUE(m_folder.has("folder"));
     path("file").FileDelete(0);
     path("folder").Delete(0);
+    path("link\\").Delete(0);
     path("missing").Delete(0);
     XCFilePath().Delete(0);
     EXPECT_EQ(m_folder.names(), std::vector<std::string>{"kept"});
-    EXPECT_EQ(m_folder.read("kept"), "safe");
+    EXPECT_EQ(m_folder.read("kept/file"), "safe");
 }
 
 // The freedesktop.org trash: the file, and beside it where it was and when it was deleted.

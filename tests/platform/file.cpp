@@ -76,30 +76,11 @@ TEST_F(PlatformFile, OnlyFilesThatNobodyHoldsAreRemoved) {
     EXPECT_NE(fileSystem().removeUnlessHeld(path("missing")), 0);
 }
 
-TEST_F(PlatformFile, FoldersGoWithoutTheTargetsOfTheirLinks) {
-    fs::create_directories(posix("folder/deep"));
-    fs::create_directory(posix("kept"));
-    write("kept/file", "precious");
-    fs::create_directory_symlink("../kept", posix("folder/link"));
-    EXPECT_EQ(fileSystem().removeFolder(path("folder")), 0);
-    EXPECT_FALSE(fs::exists(posix("folder")));
-    EXPECT_EQ(read("kept/file"), "precious");
-    EXPECT_EQ(fileSystem().removeFile(path("kept")), cnErrorAccessDenied);
-}
-
-TEST_F(PlatformFile, UniqueNamesStartWithThreeBytesOfThePrefix) {
-    std::string first, second;
-    const std::string folder = toLibraryPath(m_folder.string());
-    ASSERT_EQ(fileSystem().createUnique(folder, "abcdef", first), 0);
-    ASSERT_EQ(fileSystem().createUnique(folder, "abcdef", second), 0);
-    EXPECT_NE(first, second);
-    for (const std::string& made : {first, second}) {
-        const fs::path name = fs::path(toPosixPath(made)).filename();
-        EXPECT_EQ(name.string().substr(0, 3), "abc");
-        EXPECT_EQ(name.extension(), ".tmp");
-        EXPECT_EQ(fs::file_size(toPosixPath(made)), 0u);
-    }
-    EXPECT_NE(fileSystem().createUnique(folder + "\\missing", "abc", first), 0);
+TEST_F(PlatformFile, RenamingReplacesNothing) {
+    write("from", "1");
+    write("to", "2");
+    EXPECT_EQ(fileSystem().rename(path("from"), path("to")), cnErrorAlreadyExists);
+    EXPECT_EQ(read("from") + read("to"), "12");
 }
 
 TEST(PlatformError, CodesOfTheSystem) {

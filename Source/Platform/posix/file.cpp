@@ -17,6 +17,7 @@
 #include <filesystem>
 #include <limits>
 #include <system_error>
+#include <tuple>
 #include <utility>
 
 #include <dirent.h>
@@ -92,8 +93,6 @@ int pathError(const std::string& posix) {
     return code;
 }
 
-FileTime fileTime(const timespec& time) { return {time.tv_sec, static_cast<std::int32_t>(time.tv_nsec)}; }
-
 FileTime fileTime(const statx_timestamp& time) { return {time.tv_sec, static_cast<std::int32_t>(time.tv_nsec)}; }
 
 timespec systemTime(const FileTime& time) { return {static_cast<time_t>(time.seconds), time.nanoseconds}; }
@@ -102,19 +101,19 @@ std::uint32_t modeAttributes(mode_t mode) {
     return (S_ISDIR(mode) ? attributeFolder : 0u) | (mode & cnAnyWrite ? 0u : attributeReadOnly);
 }
 
-/// What statx tells; `descriptor` with an empty path, or AT_FDCWD with a path.
-int statxInformation(int descriptor, const char* posix, FileInformation& out) {
+/// What statx tells of a descriptor with an empty path, or of AT_FDCWD with a path. False with errno set on failure.
+bool look(int descriptor, const char* posix, int flags, FileInformation& out) {
     struct statx status;
-    const int flags = *posix ? 0 : AT_EMPTY_PATH;
     if (::statx(descriptor, posix, flags, STATX_BASIC_STATS | STATX_BTIME, &status) != 0)
-        return lastError();
+        return false;
+    out.isLink = S_ISLNK(status.stx_mode);
     out.attributes = modeAttributes(status.stx_mode);
     out.isSpecial = !S_ISREG(status.stx_mode) && !S_ISDIR(status.stx_mode);
     out.length = S_ISDIR(status.stx_mode) ? 0 : status.stx_size;
     out.times.creation = fileTime(status.stx_mask & STATX_BTIME ? status.stx_btime : status.stx_ctime);
     out.times.lastAccess = fileTime(status.stx_atime);
     out.times.lastWrite = fileTime(status.stx_mtime);
-    return 0;
+    return true;
 }
 
 void finishAttributes(std::uint32_t stored, FileInformation& out) {
@@ -156,8 +155,8 @@ public:
 
     int information(FileInformation& out) override {
         FileInformation found;
-        if (const int code = statxInformation(file(), "", found))
-            return code;
+        if (!look(file(), "", AT_EMPTY_PATH, found))
+            return lastError();
         finishAttributes(dosAttributes(file()), found);
         out = found;
         return 0;
@@ -278,6 +277,13 @@ int refuseOpened(const Descriptor& descriptor, const OpenRequest& request, bool 
     return denied ? cnErrorAccessDenied : 0;
 }
 
+/// To everyone who opens the file from now on.
+void forbidWriting(int descriptor) {
+    struct stat status;
+    if (::fstat(descriptor, &status) == 0)
+        std::ignore = ::fchmod(descriptor, status.st_mode & 07777 & ~cnAnyWrite);
+}
+
 class PosixFileSystem final : public FileSystem {
 public:
     int open(const std::string& path, const OpenRequest& request, std::unique_ptr<OpenFile>& out) override;
@@ -315,22 +321,23 @@ int PosixFileSystem::open(const std::string& path, const OpenRequest& request, s
         return lastError();
     if (created && request.attributes)
         setDosAttributes(descriptor.get(), request.attributes);
+    if (created && (request.attributes & attributeReadOnly))
+        forbidWriting(descriptor.get());
     out = std::make_unique<PosixFile>(std::move(descriptor), std::move(sharing), posix, request.deleteOnClose);
     return 0;
 }
 
 int PosixFileSystem::information(const std::string& path, FileInformation& out) {
     const std::string posix = toPosixPath(path);
-    FileInformation found;
-    struct stat status;
-    if (::lstat(posix.c_str(), &status) != 0)
+    FileInformation found, target;
+    if (!look(AT_FDCWD, posix.c_str(), AT_SYMLINK_NOFOLLOW, found))
         return pathError(posix);
-    found.isLink = S_ISLNK(status.st_mode);
-    if (const int code = statxInformation(AT_FDCWD, posix.c_str(), found)) {
-        if (!found.isLink)
-            return code;
-        found.isSpecial = true; // a link to nowhere is still an entry
-        found.times.lastWrite = fileTime(status.st_mtim);
+    if (found.isLink) {
+        const bool isEntry = look(AT_FDCWD, posix.c_str(), 0, target);
+        if (!isEntry) // a link to nowhere is still an entry
+            target = {0, 0, {{}, {}, found.times.lastWrite}, false, true};
+        found = target;
+        found.isLink = true;
     }
     finishAttributes(dosAttributes(posix), found);
     out = found;
@@ -384,10 +391,13 @@ int PosixFileSystem::createFolder(const std::string& path) {
 }
 
 int PosixFileSystem::rename(const std::string& from, const std::string& to) {
-    const std::string source = toPosixPath(from);
-    if (::rename(source.c_str(), toPosixPath(to).c_str()) == 0)
+    const std::string source = toPosixPath(from), target = toPosixPath(to);
+    if (::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0)
         return 0;
-    return pathError(source);
+    if (errno == EEXIST)
+        return cnErrorAlreadyExists;
+    const bool isUnknown = errno == EINVAL || errno == ENOSYS; // to the volume, or to the kernel
+    return isUnknown && ::rename(source.c_str(), target.c_str()) == 0 ? 0 : pathError(source);
 }
 
 /// The mode of a file made without any wish of its own. (The umask can be read only by setting it; the kernel tells it

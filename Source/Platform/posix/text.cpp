@@ -22,6 +22,8 @@ namespace {
 struct ByteRange {
     std::uint8_t first;
     std::uint8_t last;
+
+    bool operator==(const ByteRange&) const = default;
 };
 
 // What the system calls a code page, and the bytes that open its double-byte characters.
@@ -277,13 +279,15 @@ bool setCodePage(std::uint32_t page) {
 std::uint32_t codePage() { return s_current.load(std::memory_order_relaxed)->number; }
 
 std::size_t characterBytes(const char* text) {
-    if (!*text)
-        return 0;
+    if (static_cast<std::uint8_t>(*text) < 0x80)
+        return *text ? 1 : 0; // begins no longer character in any code page
     const CodePage& page = *s_current.load(std::memory_order_relaxed);
     if (page.number == cnCodePageUtf8)
         return std::max<std::size_t>(utf8Bytes(text, 4), 1);
     return opensDoubleByte(page, text[0]) && text[1] ? 2 : 1;
 }
+
+bool asciiStandsAlone() { return s_current.load(std::memory_order_relaxed)->leads == cnSingleByte; }
 
 bool isTrailByte(const char* text, std::size_t index) {
     const CodePage& page = *s_current.load(std::memory_order_relaxed);

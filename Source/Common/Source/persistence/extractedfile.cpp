@@ -1,5 +1,7 @@
 #include "persistence/extractedfile.h"
 
+#include "Platform/systemerror.h"
+#include "ovwcmn/xcexception.h"
 #include "persistence/filetime.h"
 
 namespace ovw::persistence {
@@ -11,12 +13,18 @@ constexpr char cnGrowingPrefix[] = "ovw";
 } // namespace
 
 ExtractedFile::ExtractedFile(const XCFilePath& target) : m_target(target) {
-    if (target.IsExistence())
+    try {
+        create(m_target, CREATE_NEW);
+    } catch (const XCException& error) {
+        if (error.GetErrorCode() != platform::cnErrorFileExists)
+            throw;
         m_replacing.emplace(target, cnGrowingPrefix);
-    // Where the name is free, only a file that is new by then is opened.
-    const std::uint32_t creation = isNew() ? CREATE_NEW : CREATE_ALWAYS;
-    m_file.Create(isNew() ? m_target : m_replacing->path(), 0, 0, GENERIC_WRITE, FILE_SHARE_WRITE, creation,
-                  FILE_ATTRIBUTE_NORMAL);
+        create(m_replacing->path(), CREATE_ALWAYS);
+    }
+}
+
+void ExtractedFile::create(const XCFilePath& path, std::uint32_t creation) {
+    m_file.Create(path, 0, 0, GENERIC_WRITE, FILE_SHARE_WRITE, creation, FILE_ATTRIBUTE_NORMAL);
 }
 
 ExtractedFile::~ExtractedFile() {

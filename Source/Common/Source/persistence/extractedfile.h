@@ -32,6 +32,8 @@ public:
     void finish(std::optional<std::int64_t> time = {});
 
 private:
+    void create(const XCFilePath& path, std::uint32_t creation);
+
     XCFilePath m_target;
     std::optional<ReplacingFile> m_replacing; // when the name is taken
     XCFile m_file;

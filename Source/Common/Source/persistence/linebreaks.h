@@ -4,6 +4,7 @@
 #include "Platform/text.h"
 
 #include <cstddef>
+#include <string_view>
 
 /// @file
 /// Line breaks of texts in archives: CR in the stream, CR LF in memory. Texts are char (the current code page) or
@@ -13,6 +14,12 @@ namespace ovw::persistence {
 
 inline std::size_t characterUnits(const char* text) { return platform::characterBytes(text); }
 inline std::size_t characterUnits(const char16_t* text) { return *text ? 1 : 0; }
+
+/// Whether the text may have another form in the stream: without a CR it has not, whatever the code page.
+template <class Unit>
+bool hasReturn(std::basic_string_view<Unit> text) {
+    return text.find(Unit('\r')) != text.npos;
+}
 
 /// Writes the form of the stream to `out` (null: counts only); the number of its units.
 template <class Unit>
@@ -28,6 +35,13 @@ std::size_t joinLineBreaks(const Unit* text, Unit* out) {
         text += units;
     }
     return count;
+}
+
+/// Units of the form of the stream.
+template <class Unit>
+std::size_t joinedLength(const Unit* text) {
+    const std::basic_string_view<Unit> whole(text);
+    return hasReturn(whole) ? joinLineBreaks<Unit>(text, nullptr) : whole.size();
 }
 
 /// Writes the form of memory to `out` (null: counts only); the number of its units.

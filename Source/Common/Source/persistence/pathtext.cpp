@@ -1,6 +1,8 @@
 #include "persistence/pathtext.h"
 
+#include "Platform/text.h"
 #include "Utility/vxfile.h"
+#include "foundation/charactercase.h"
 #include "ovwcmn/xcexception.h"
 
 #include <algorithm>
@@ -19,8 +21,21 @@ void copyToBuffer(char* out, const std::string& text) {
     std::memcpy(out, text.c_str(), text.size() + 1);
 }
 
+std::size_t commonLength(const std::string& a, const std::string& b, std::size_t start) {
+    std::size_t position = start;
+    while (position < a.size() && position < b.size()) {
+        const std::size_t bytes = platform::characterBytes(a.c_str() + position);
+        const bool isSame = bytes == 1 ? foundation::lowerAscii(a[position]) == foundation::lowerAscii(b[position])
+                                       : a.compare(position, bytes, b, position, bytes) == 0;
+        if (!isSame || platform::characterBytes(b.c_str() + position) != bytes)
+            break;
+        position += bytes;
+    }
+    return position;
+}
+
 bool equalNoCase(const std::string& a, const std::string& b) {
-    return XCString(a.c_str()).CompareNoCase(b.c_str()) == 0;
+    return a.size() == b.size() && commonLength(a, b, 0) == a.size();
 }
 
 std::vector<std::string> splitComponents(const std::string& path) {

@@ -15,6 +15,9 @@ void copyToBuffer(char* out, const std::string& text);
 /// The text; throws 0x20010008 when it does not fit a buffer of `bufferSize` bytes.
 const std::string& requireFits(const std::string& text, std::size_t bufferSize);
 
+/// Where two texts stop having the same characters from `start` on, without regard to the case of ASCII letters.
+std::size_t commonLength(const std::string& a, const std::string& b, std::size_t start);
+
 /// Without regard to the case of ASCII letters.
 bool equalNoCase(const std::string& a, const std::string& b);
 

@@ -27,7 +27,7 @@ std::uint32_t bigEndian16(std::string_view bytes, std::uint32_t position) {
 
 /// The text as an archive stores it.
 std::string storedForm(const char* text) {
-    std::string stored(joinLineBreaks<char>(text, nullptr), '\0');
+    std::string stored(joinedLength(text), '\0');
     joinLineBreaks(text, stored.data());
     return stored;
 }
@@ -85,9 +85,11 @@ SettingsIndex::SettingsIndex(std::string_view bytes, int smallest) {
             size + cnCountBytes + static_cast<std::uint64_t>(valueBytes) > total)
             break;
         position = size + cnCountBytes + static_cast<std::uint64_t>(valueBytes);
-        m_byLabel.emplace(label, m_records.size());
         m_records.push_back({label, begin, static_cast<std::uint32_t>(size), static_cast<std::uint32_t>(position)});
     }
+    m_byLabel.reserve(m_records.size());
+    for (std::size_t i = 0; i < m_records.size(); ++i)
+        m_byLabel.emplace(m_records[i].label, i);
 }
 
 const SettingsIndex::Record* SettingsIndex::findStored(std::string_view label) const {
@@ -106,23 +108,23 @@ void SettingsWriter::clear() {
     m_archive.Init(XCArchive::cnSaving | XCArchive::cnBigEndian, 0);
 }
 
-void SettingsWriter::requireLabel(const std::string& label) {
-    const std::size_t stored = joinLineBreaks<char>(label.c_str(), nullptr);
+void SettingsWriter::requireLabel(const char* label) {
+    const std::size_t stored = label ? joinedLength(label) : 0;
     if (stored == 0 || stored > cnMaxLabelBytes)
         xcThrowError(foundation::cnCodeParameter);
 }
 
 XCArchive& SettingsWriter::begin(const char* label, std::int64_t size) {
-    requireLabel(label ? label : "");
+    requireLabel(label);
     if (size < 0 || size > cnMaxValueBytes)
         xcThrowError(foundation::cnCodeParameter);
     return m_archive << label << static_cast<std::int16_t>(size);
 }
 
 void SettingsWriter::addText(const char* label, const char* text) {
-    requireLabel(label ? label : "");
+    requireLabel(label);
     const char* const stored = text && *text ? text : cnEmptyText;
-    if (joinLineBreaks<char>(stored, nullptr) > cnMaxValueBytes)
+    if (joinedLength(stored) > cnMaxValueBytes)
         xcThrowError(foundation::cnCodeParameter);
     m_archive << label << stored;
 }

@@ -64,8 +64,8 @@ public:
     std::string_view bytes();
     std::uint32_t size() const { return m_archive.GetLength(); }
 
-    /// Throws when a label cannot be stored.
-    static void requireLabel(const std::string& label);
+    /// Throws when a label cannot be stored; null is an empty one.
+    static void requireLabel(const char* label);
 
 private:
     XCArchiveMem m_archive{XCArchive::cnSaving | XCArchive::cnBigEndian, 0};

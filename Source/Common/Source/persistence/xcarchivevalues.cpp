@@ -11,9 +11,11 @@
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <string_view>
 
 using ovw::foundation::cnCodeFileFormat;
 using ovw::foundation::cnCodeParameter;
+using ovw::persistence::hasReturn;
 using ovw::persistence::joinLineBreaks;
 using ovw::persistence::splitLineBreaks;
 
@@ -43,22 +45,26 @@ Unit* allocateText(XCPointer& block, std::uint64_t units) {
     return static_cast<Unit*>(block.GetPointer());
 }
 
-/// Writes the number of bytes and leaves the text, as the stream holds it, in `block`. Its units.
+/// The text as the stream holds it: itself, or a copy in `block` when there are line breaks to join. Throws when its
+/// bytes cannot be counted.
 template <class Unit>
-std::size_t storedText(XCArchive& archive, const Unit* text, XCPointer& block) {
-    const std::size_t units = joinLineBreaks<Unit>(text, nullptr);
-    const std::size_t bytes = units * sizeof(Unit);
-    if (bytes > std::numeric_limits<std::uint16_t>::max())
+std::basic_string_view<Unit> storedText(const Unit* text, XCPointer& block) {
+    std::basic_string_view<Unit> stored(text);
+    if (hasReturn(stored)) {
+        Unit* const joined = allocateText<Unit>(block, stored.size());
+        stored = {joined, joinLineBreaks(text, joined)};
+    }
+    if (stored.size() * sizeof(Unit) > std::numeric_limits<std::uint16_t>::max())
         xcThrowError(cnCodeParameter);
-    joinLineBreaks(text, allocateText<Unit>(block, units));
-    archive << static_cast<std::uint16_t>(bytes);
-    return units;
+    return stored;
 }
 
 /// `block` holds a text of the stream; then the text in memory, to which it points.
 template <class Unit>
 const Unit* loadedText(XCPointer& block) {
     const auto* const stored = static_cast<const Unit*>(block.GetPointer());
+    if (!hasReturn(std::basic_string_view<Unit>(stored)))
+        return stored;
     XCPointer loaded;
     splitLineBreaks(stored, allocateText<Unit>(loaded, splitLineBreaks<Unit>(stored, nullptr)));
     block = std::move(loaded);
@@ -148,17 +154,25 @@ XCArchive& XCArchive::operator>>(XCWideString& text) {
 }
 
 void XCArchive::WriteString(const char* text) {
-    XCPointer stored;
-    const std::size_t bytes = storedText(*this, text, stored);
-    Write(stored, static_cast<std::uint32_t>(bytes));
+    XCPointer block;
+    const std::string_view stored = storedText(text, block);
+    *this << static_cast<std::uint16_t>(stored.size());
+    Write(stored.data(), static_cast<std::uint32_t>(stored.size()));
 }
 
 void XCArchive::WriteWideString(const XCWideString& text) {
-    XCPointer stored;
-    const std::size_t units = storedText(*this, text.GetStr(), stored);
-    if (m_mode & cnBigEndian)
-        swapUnits(static_cast<char16_t*>(stored.GetPointer()), units);
-    Write(stored, static_cast<std::uint32_t>(units * sizeof(char16_t)));
+    XCPointer block, swapped;
+    const std::u16string_view stored = storedText(text.GetStr(), block);
+    const auto bytes = static_cast<std::uint16_t>(stored.size() * sizeof(char16_t));
+    const void* units = stored.data();
+    if (m_mode & cnBigEndian) {
+        char16_t* const copy = allocateText<char16_t>(swapped, stored.size());
+        std::copy(stored.begin(), stored.end(), copy);
+        swapUnits(copy, stored.size());
+        units = copy;
+    }
+    *this << bytes;
+    Write(units, bytes);
 }
 
 void XCArchive::ReadString(XCString& text) {

@@ -7,7 +7,6 @@
 #include "ovwcmn/xcexception.h"
 #include "ovwcmn/xcfile.h"
 #include "ovwcmn/xcprogress.h"
-#include "ovwcmn/xczlib.h"
 #include "persistence/extractedfile.h"
 #include "persistence/folderentries.h"
 #include "persistence/packedformat.h"
@@ -174,7 +173,7 @@ int XCFileCompression::CompressFile(const XCFilePath& file) {
     const XCPointer contents = readFile(file, record);
     writeFileRecord(m_archive, record);
     if (record.size > 0)
-        XCZLib().Compress(m_archive, contents.GetPointer(), static_cast<std::uint32_t>(record.size));
+        m_zlib.Compress(m_archive, contents.GetPointer(), static_cast<std::uint32_t>(record.size));
     return 1;
 }
 
@@ -219,7 +218,7 @@ int XCFileCompression::DecompressFile(const XCFilePath& destFolder) {
     requireFrame(m_archive, size);
     XCPointer contents;
     contents.Alloc(size, 0);
-    XCZLib().DecompressWhole(m_archive, contents, size);
+    m_zlib.DecompressWhole(m_archive, contents, size);
     XCFilePath path(destFolder);
     path += record.name;
     ExtractedFile file(path);

@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <string>
+#include <utility>
 
 using ovw::persistence::copyToBuffer;
 using ovw::persistence::equalNoCase;
@@ -16,7 +17,9 @@ using ovw::persistence::text;
 namespace {
 
 /// The text without its trailing run of "\". A root keeps one: C: alone is another folder.
-std::string trimmed(const std::string& full) {
+std::string trimmed(std::string full) {
+    if (!full.ends_with('\\'))
+        return full;
     const std::string kept = vxWithoutBackDelimiter(full), withOne = kept + '\\';
     if (full.starts_with(withOne) && vxIsRootPath(withOne))
         return withOne;
@@ -138,11 +141,10 @@ XCFilePath& XCFilePath::operator+=(const char* subPath) {
     if (m_strPath.IsEmpty()) {
         m_strPath = sub.c_str();
     } else if (!sub.empty()) {
-        const std::string joined =
-            vxWithoutBackDelimiter(text(m_strPath)) + '\\' + sub.substr(frontDelimiters(sub.c_str()));
-        const std::string kept = vxWithoutBackDelimiter(joined);
-        const bool isDrive = kept.size() == 2 && vxIsRootPath(kept + '\\');
-        m_strPath = isDrive ? (kept + '\\').c_str() : kept.c_str();
+        std::string joined = vxWithoutBackDelimiter(text(m_strPath)) + '\\';
+        joined = vxWithoutBackDelimiter(std::move(joined.append(sub, frontDelimiters(sub.c_str()))));
+        const bool isDrive = joined.size() == 2 && vxIsRootPath(joined + '\\');
+        m_strPath = (isDrive ? joined + '\\' : joined).c_str();
     }
     return *this;
 }

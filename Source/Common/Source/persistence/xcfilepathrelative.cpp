@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+using ovw::persistence::commonLength;
 using ovw::persistence::equalNoCase;
 using ovw::persistence::requireFits;
 using ovw::persistence::splitComponents;
@@ -31,18 +32,6 @@ std::string characterAt(const std::string& path, std::size_t position) {
 
 bool isSeparator(const std::string& path, std::size_t position) {
     return path[position] == '\\' || (path[position] == '/' && path.starts_with('/'));
-}
-
-/// Where two paths stop being the same, single-byte characters compared without regard to case.
-std::size_t commonLength(const std::string& a, const std::string& b, std::size_t start) {
-    std::size_t position = start;
-    while (position < a.size() && position < b.size()) {
-        const std::string one = characterAt(a, position);
-        if (!equalNoCase(one, characterAt(b, position)))
-            break;
-        position += one.size();
-    }
-    return position;
 }
 
 /// Index of the first "\" from `start` on that is a separator, or npos.

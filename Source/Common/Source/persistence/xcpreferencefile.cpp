@@ -44,10 +44,16 @@ std::array<std::string, N> partLabels(const char* label, const std::array<const 
     return labels;
 }
 
+template <std::size_t N>
+void requireLabels(const std::array<std::string, N>& labels) {
+    for (const std::string& label : labels)
+        SettingsWriter::requireLabel(label.c_str());
+}
+
 /// Adds all records or, when a label is refused, none.
 template <class Value, std::size_t N>
 void addParts(SettingsWriter& records, const std::array<std::string, N>& labels, const std::array<Value, N>& parts) {
-    std::for_each(labels.begin(), labels.end(), SettingsWriter::requireLabel);
+    requireLabels(labels);
     for (std::size_t i = 0; i < N; ++i)
         addNumber(records, labels[i].c_str(), parts[i]);
 }
@@ -155,7 +161,7 @@ void XCPreferenceFile::SetPreferenceFile(const char* label, const tagVXRGBCOLOR1
 
 void XCPreferenceFile::SetPreferenceFile(const char* label, const XCLength& length) {
     const auto labels = partLabels(label, cnLengthParts);
-    std::for_each(labels.begin(), labels.end(), SettingsWriter::requireLabel);
+    requireLabels(labels);
     SetPreferenceFile(labels[0].c_str(), length.GetData(), cnLengthFormat);
     SetPreferenceFile(labels[1].c_str(), length.GetUnit());
     SetPreferenceFile(labels[2].c_str(), length.GetResolution(), cnLengthFormat);
