@@ -12,8 +12,6 @@ namespace ovwpaint::gallery {
 
 namespace {
 
-constexpr float cnPi = std::numbers::pi_v<float>;
-
 struct NamedBrush {
     const char* caption;
     Brush brush;
@@ -63,7 +61,7 @@ Brush turning(int control, float step) {
     Brush brush = plainBrush(26);
     brush.sizeRate.rateAtFull = 0.25f;
     brush.interval.intervalAtFull = 45;
-    brush.rotate.angleRange = cnPi;
+    brush.rotate.angleRange = std::numbers::pi_v<float>;
     brush.rotate.angleControl = control;
     brush.rotate.angleStep = step;
     return brush;
@@ -158,7 +156,7 @@ Sheet paintRotations(const PhotoMaker&) {
     addAll(sheet,
            {{"fixed", turning(0, 0.0f)},
             {"direction", turning(cnRotateDirection, 0.0f)},
-            {"direction in steps", turning(cnRotateDirection, cnPi / 4.0f)},
+            {"direction in steps", turning(cnRotateDirection, std::numbers::pi_v<float> / 4.0f)},
             {"pen azimuth", turning(cnRotateAngleA, 0.0f)},
             {"random", turning(cnRotateRandom, 0.0f)},
             {"radial, sprayed", radial}},

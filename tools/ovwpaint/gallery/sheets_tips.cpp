@@ -12,8 +12,6 @@ namespace ovwpaint::gallery {
 
 namespace {
 
-constexpr float cnPi = std::numbers::pi_v<float>;
-
 Brush polygonBrush(int size, int corners) {
     Brush brush = plainBrush(size);
     brush.pattern.patternKind = XCPattern::cnKindPolygon;
@@ -40,7 +38,7 @@ Cell tipCell(const Brush& brush) {
         x += size * 0.5 + 10.0;
     }
     Brush turned = ofSize(brush, 32);
-    turned.rotate.angle = cnPi / 6.0f;
+    turned.rotate.angle = std::numbers::pi_v<float> / 6.0f;
     cell.tap(turned, x + 16.0, cnHeight * 0.5);
     const Path wave = waveIn(180, cnHeight);
     return std::move(cell.stroke(ofSize(brush, 20), [=](double t) {
@@ -104,7 +102,7 @@ Sheet paintTipOrders(const PhotoMaker&) {
         Brush brush =
             imageBrush(30, {"builtin:leaf-green", "builtin:leaf-gold", "builtin:leaf-red", "builtin:star"}, 90);
         brush.pattern.patternOrder = order.value;
-        brush.rotate.angleRange = cnPi;
+        brush.rotate.angleRange = std::numbers::pi_v<float>;
         brush.rotate.angleControl = cnRotateDirection;
         sheet.add(std::move(Cell(cnWidth, cnHeight).stroke(brush, waveIn(cnWidth, cnHeight))), order.name);
     }
@@ -118,7 +116,8 @@ Sheet paintBends(const PhotoMaker&) {
     };
     Sheet sheet(4);
     for (int side = 0; side < 4; ++side) {
-        const Brush brush = bendingBrush("builtin:leaf-gold", 26, static_cast<float>(side) * cnPi / 2.0f);
+        const Brush brush =
+            bendingBrush("builtin:leaf-gold", 26, static_cast<float>(side) * std::numbers::pi_v<float> / 2.0f);
         sheet.add(cell(brush, waveIn(cnWidth, cnHeight), 24), "side " + std::to_string(side) + " ahead");
     }
     for (const char* tip : {"builtin:rope", "builtin:dry-strip"}) {
