@@ -179,6 +179,21 @@ TEST(VOffscreenEnlarge, RepeatsPixelsOfEveryDepthInEveryOther) {
                 }
 }
 
+TEST(VOffscreenEnlarge, AllIsTheWholeSource) {
+    for (const int to : cnDepths)
+        for (const int from : {8, 32}) {
+            Pair twice(to, from), expectedTwice(to, from), fourfold(to, from), expectedFourfold(to, from);
+            twice.to->ChangeResolutionDoubleAll(twice.from.get());
+            expectedTwice.to->ChangeResolutionDouble(0, 0, 2 * cnWidth, 2 * cnHeight, expectedTwice.from.get(), 0, 0,
+                                                     0);
+            EXPECT_EQ(Plane(expectedTwice.to).difference(twice.to), "") << from << " to " << to;
+            fourfold.to->ChangeResolutionFourfoldAll(fourfold.from.get());
+            expectedFourfold.to->ChangeResolutionFourfold(0, 0, 4 * cnWidth, 4 * cnHeight, expectedFourfold.from.get(),
+                                                          0, 0, 0);
+            EXPECT_EQ(Plane(expectedFourfold.to).difference(fourfold.to), "") << from << " to " << to;
+        }
+}
+
 TEST(VOffscreenEnlarge, StretchesStoredPixels) {
     for (int depth : cnDepths)
         for (int w : {77, 333}) {
