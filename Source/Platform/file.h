@@ -40,8 +40,11 @@ struct FileInformation {
     std::uint32_t attributes = 0;
     std::uint64_t length = 0; ///< bytes
     FileTimes times;
-    bool isLink = false;    ///< the name is a symbolic link; the rest tells of its target, if it has one
-    bool isSpecial = false; ///< neither file nor folder: a pipe, a device, a link to nowhere
+    bool isLink = false;                ///< the name is a symbolic link; the rest tells of its target, if it has one
+    bool isSpecial = false;             ///< neither file nor folder: a pipe, a device, a link to nowhere
+    std::uint64_t device = 0, node = 0; ///< together the file itself, by whatever path it is reached
+
+    bool isSameFile(const FileInformation& other) const { return device == other.device && node == other.node; }
 };
 
 struct VolumeInformation {

@@ -10,6 +10,7 @@
 #include "ovwcmn/xcfilepath.h"
 #include "ovwcmn/xczlib.h"
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -68,14 +69,13 @@ private:
     int decompressEntries(const XCFilePath& destFolder, std::uint32_t count);
     std::vector<ovw::persistence::FolderEntry> itemsOf(const XCTArray<XCFilePath*>& paths) const;
     std::vector<ovw::persistence::FolderEntry> entriesOf(const XCFilePath& folder) const;
-    bool isOwnFile(const XCFilePath& path) const { return path == m_packedFile || path == m_growingFile; }
+    bool isOwnFile(const ovw::persistence::FolderEntry& entry) const;
     bool stepOrStop();
 
     std::uint64_t m_unpackLimit = 0;
     XCZLib m_zlib; // keeps its working memory from file to file
-    // Neither goes into itself.
-    XCFilePath m_packedFile;
-    XCFilePath m_growingFile;
+    // By device and node: neither the file that is packed nor the one that grows goes into itself.
+    std::vector<std::array<std::uint64_t, 2>> m_ownFiles;
 };
 
 #endif // OVWCMN_XCFILECOMPRESSION_H

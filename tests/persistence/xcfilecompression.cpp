@@ -187,6 +187,8 @@ TEST_F(XCFileCompressionTest, ThePackedFileIsNotPacked) {
         EXPECT_EQ(packer.Compress(m_folder.path("f\\packed"), items), 1);
         EXPECT_EQ(namesIn("f"), (Names{"a", "packed"}));
     }
+    fs::create_directory_symlink("f", m_folder.posix("same"));
+    EXPECT_EQ(XCFileCompression().Compress(m_folder.path("same\\packed"), items), 1); // by another way
     fs::create_directory(m_folder.posix("out"));
     XCFileCompression().Decompress(m_folder.path("out"), m_folder.path("f\\packed"));
     EXPECT_EQ(namesIn("out"), (Names{"f", "f/a"}));

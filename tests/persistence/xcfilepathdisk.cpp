@@ -232,6 +232,10 @@ TEST_F(XCFilePathDisk, CopiesOfFoldersFollowNoLink) {
     XCFilePath::CopyFolder(path("dest"), path("src"), 1, 0);
     EXPECT_EQ(treeOf(m_folder, "dest/src"), treeOf(m_folder, "src"));
     EXPECT_EQ(treeOf(m_folder, "src").size(), 8u);
+    // Into itself by a way that its name does not tell.
+    fs::create_directory_symlink("src/in", m_folder.posix("inside"));
+    EXPECT_EQ(errorOf([&] { XCFilePath::CopyFolder(path("inside"), path("src"), 0, 1); }), 5);
+    EXPECT_LT(treeOf(m_folder, "src").size(), 20u);
 }
 
 /// Every place lies on a volume of its own.

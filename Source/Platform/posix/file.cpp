@@ -25,6 +25,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 namespace ovw::platform {
@@ -110,6 +111,8 @@ bool look(int descriptor, const char* posix, int flags, FileInformation& out) {
     out.attributes = modeAttributes(status.stx_mode);
     out.isSpecial = !S_ISREG(status.stx_mode) && !S_ISDIR(status.stx_mode);
     out.length = S_ISDIR(status.stx_mode) ? 0 : status.stx_size;
+    out.device = makedev(status.stx_dev_major, status.stx_dev_minor);
+    out.node = status.stx_ino;
     out.times.creation = fileTime(status.stx_mask & STATX_BTIME ? status.stx_btime : status.stx_ctime);
     out.times.lastAccess = fileTime(status.stx_atime);
     out.times.lastWrite = fileTime(status.stx_mtime);
@@ -333,9 +336,10 @@ int PosixFileSystem::information(const std::string& path, FileInformation& out) 
     if (!look(AT_FDCWD, posix.c_str(), AT_SYMLINK_NOFOLLOW, found))
         return pathError(posix);
     if (found.isLink) {
-        const bool isEntry = look(AT_FDCWD, posix.c_str(), 0, target);
-        if (!isEntry) // a link to nowhere is still an entry
-            target = {0, 0, {{}, {}, found.times.lastWrite}, false, true};
+        if (!look(AT_FDCWD, posix.c_str(), 0, target)) { // a link to nowhere is still an entry
+            target.isSpecial = true;
+            target.times.lastWrite = found.times.lastWrite;
+        }
         found = target;
         found.isLink = true;
     }

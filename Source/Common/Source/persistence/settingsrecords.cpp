@@ -9,6 +9,7 @@
 #include "persistence/replacingfile.h"
 
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace ovw::persistence {
@@ -150,12 +151,14 @@ bool SettingsReader::load() {
         return false;
     try {
         attachWholeFile(m_copy, m_file);
+        m_index = SettingsIndex(bytesOf(m_copy));
+    } catch (const std::bad_alloc&) {
+        return false;
     } catch (const XCException& error) {
         if (error.GetErrorCode() != foundation::cnCodeNoMemory)
             throw;
         return false; // a question that cannot be answered now
     }
-    m_index = SettingsIndex(bytesOf(m_copy));
     m_isLoaded = true;
     return true;
 }

@@ -13,6 +13,7 @@
 #include "persistence/progressscope.h"
 #include "persistence/replacingfile.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -105,8 +106,10 @@ bool XCFileCompression::stepOrStop() {
 
 int XCFileCompression::Compress(const XCFilePath& packedFile, const XCTArray<XCFilePath*>& items) {
     ReplacingFile growing(packedFile, "ovw");
-    m_packedFile = packedFile;
-    m_growingFile = growing.path();
+    m_ownFiles.clear();
+    for (const XCFilePath& path : {packedFile, growing.path()})
+        if (platform::FileInformation information; lookAt(path, information))
+            m_ownFiles.push_back({information.device, information.node});
     const std::vector<FolderEntry> entries = itemsOf(items);
     PackedHead head;
     head.items = static_cast<std::uint32_t>(entries.size());
@@ -124,12 +127,19 @@ int XCFileCompression::Compress(const XCFilePath& packedFile, const XCTArray<XCF
     return result;
 }
 
+bool XCFileCompression::isOwnFile(const FolderEntry& entry) const {
+    const std::array<std::uint64_t, 2> id = {entry.information.device, entry.information.node};
+    return std::ranges::find(m_ownFiles, id) != m_ownFiles.end();
+}
+
 std::vector<FolderEntry> XCFileCompression::itemsOf(const XCTArray<XCFilePath*>& paths) const {
     std::vector<FolderEntry> items;
     for (const XCFilePath* const path : paths) {
-        platform::FileInformation information;
-        if (path && !isOwnFile(*path) && lookAt(*path, information) && !information.isSpecial)
-            items.push_back({*path, information});
+        FolderEntry item;
+        if (!path || !lookAt(*path, item.information) || item.information.isSpecial || isOwnFile(item))
+            continue;
+        item.path = *path;
+        items.push_back(std::move(item));
     }
     return items;
 }
@@ -138,7 +148,7 @@ std::vector<FolderEntry> XCFileCompression::entriesOf(const XCFilePath& folder) 
     std::vector<FolderEntry> entries = folderEntries(folder);
     std::erase_if(entries, [this](const FolderEntry& entry) {
         const bool isLinkToFolder = entry.isLink() && entry.isFolder(); // it may lead in circles
-        return isLinkToFolder || entry.information.isSpecial || isOwnFile(entry.path);
+        return isLinkToFolder || entry.information.isSpecial || isOwnFile(entry);
     });
     return entries;
 }

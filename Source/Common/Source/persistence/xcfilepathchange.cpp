@@ -53,32 +53,46 @@ void refuseExisting(const XCFilePath& destFolder, const XCFilePath& src) {
         xcThrowError(ovw::foundation::cnCodeFileExists);
 }
 
-void copyEntries(const XCFilePath& target, const XCFilePath& src);
+/// A copy of a file, a folder with all that it holds, or a link, which is not followed.
+class TreeCopy {
+public:
+    void copy(const XCFilePath& target, const FolderEntry& src);
+    /// Creates the target as the source is, if need be, and copies all entries of the source into it.
+    void copyEntries(const XCFilePath& target, const XCFilePath& src);
 
-/// A file, a folder with all that it holds, or a link, which is not followed.
-void copyEntry(const XCFilePath& target, const FolderEntry& src) {
+private:
+    /// Whether it is the copy that is being made, which never ends inside its own source.
+    bool isOwn(const FolderEntry& entry) const { return m_isBegun && m_top.isSameFile(entry.information); }
+
+    platform::FileInformation m_top;
+    bool m_isBegun = false;
+};
+
+void TreeCopy::copy(const XCFilePath& target, const FolderEntry& src) {
     if (src.isLink()) {
         if (const int code = platform::fileSystem().copyLink(static_cast<const char*>(src.path), trimmed(target)))
             fail(code);
-    } else if (src.isFolder()) {
-        copyEntries(target, src.path);
-    } else {
+    } else if (!src.isFolder()) {
         copyOrThrow(src.path, target, 1);
+    } else if (isOwn(src)) {
+        fail(platform::cnErrorAccessDenied);
+    } else {
+        copyEntries(target, src.path);
     }
 }
 
-/// Creates the target as the source is, if need be, and copies all entries of the source into it.
-void copyEntries(const XCFilePath& target, const XCFilePath& src) {
+void TreeCopy::copyEntries(const XCFilePath& target, const XCFilePath& src) {
     platform::FileSystem& files = platform::fileSystem();
     const std::vector<FolderEntry> entries = folderEntries(src);
     const bool isNew = !target.IsExistence();
     if (isNew)
         if (const int code = files.createFolder(static_cast<const char*>(target)))
             fail(code);
+    m_isBegun = m_isBegun || lookAt(target, m_top);
     for (const FolderEntry& entry : entries) {
-        XCFilePath copy(target);
-        copy += entry.name.c_str();
-        copyEntry(copy, entry);
+        XCFilePath made(target);
+        made += entry.name.c_str();
+        copy(made, entry);
     }
     // Last: a folder that is read-only on this system takes no entries.
     platform::FileInformation information;
@@ -102,7 +116,7 @@ void moveAcross(const XCFilePath& target, const XCFilePath& src) {
     if (!lookAt(entry.path, entry.information))
         xcThrowError(vxGetLastError());
     try {
-        copyEntry(target, entry);
+        TreeCopy().copy(target, entry);
     } catch (const XCException&) {
         if (entry.isFolder() && !entry.isLink())
             removeWhole(target); // files take care of themselves
@@ -217,7 +231,7 @@ void XCFilePath::CopyFolder(const XCFilePath& destFolder, const XCFilePath& src,
     }
     if (src.IsChildFolder(target))
         fail(platform::cnErrorAccessDenied); // a folder copied into itself would never end
-    copyEntries(target, src);
+    TreeCopy().copyEntries(target, src);
 }
 
 void XCFilePath::MoveFolder(const XCFilePath& destFolder, const XCFilePath& src, int checkExisting) {
