@@ -165,6 +165,30 @@ TEST_P(RowKernelsTest, RepeatAndCopyWhatIsAsked) {
         }
 }
 
+TEST_P(RowKernelsTest, FillAndShiftLongRows) {
+    const Bytes from = noise(1000);
+    for (std::size_t first : {0u, 5u, 63u})
+        for (std::size_t count : {0u, 9u, 63u, 64u, 130u, 900u}) {
+            const auto check = [&](const auto& fill, const auto& byteAt) {
+                Bytes to(1000, 7), expected = to;
+                for (std::size_t i = 0; i < count; ++i)
+                    expected[first + i] = static_cast<std::uint8_t>(byteAt(i));
+                fill(&to[first]);
+                ASSERT_EQ(to, expected) << count << " bytes to " << first;
+            };
+            for (std::size_t period : {3u, 4u}) {
+                Bytes pattern(cnPatternBytes + cnCacheLine);
+                for (std::size_t i = 0; i < pattern.size(); ++i)
+                    pattern[i] = from[i % period];
+                check([&](std::uint8_t* to) { rowKernels().fillRepeated(to, count, pattern.data()); },
+                      [&](std::size_t i) { return from[i % period]; });
+            }
+            for (int shift = 1; shift < 8; ++shift)
+                check([&](std::uint8_t* to) { rowKernels().shiftBits(to, &from[1], count, shift); },
+                      [&](std::size_t i) { return from[i + 1] << shift | from[i + 2] >> (8 - shift); });
+        }
+}
+
 TEST_P(RowKernelsTest, FindLuminancesAndTones) {
     for (int count : {1, 30, cnSide}) {
         const Bytes pixels = noise(cnSide * 4), thresholds = noise(cnSide);

@@ -8,26 +8,36 @@
 #include <cstring>
 
 using namespace ovw::offscreen;
+using ovw::vimage::cnLongFill;
+using ovw::vimage::fillRepeated;
 
 namespace {
 
 constexpr int cnScampPixels1 = 32;
 constexpr int cnScampPixels8 = 4;
 
-/// Copies `bytes` bytes, at least one, of the row buffer to byte `first` of each row from top to bottom.
-void fillBytes(const PixelView& view, const std::uint8_t* source, std::size_t first, std::size_t bytes, int top,
-               int bottom) {
-    // A buffer that repeats one byte needs no reading.
-    const bool isUniform = std::memcmp(source, source + 1, bytes - 1) == 0;
-    if (isUniform && bytes == static_cast<std::size_t>(view.rowBytes)) {
+/// Whether the row buffer repeats one byte, of which nothing need be read: the first four tell.
+bool isUniform(const std::uint8_t* source) { return std::memcmp(source, source + 1, sizeof(ArgbPixel) - 1) == 0; }
+
+/// Copies bytes of the row buffer.
+void fillBytes(std::uint8_t* to, const std::uint8_t* source, std::size_t bytes) {
+    if (isUniform(source))
+        std::memset(to, *source, bytes);
+    else if (bytes < cnLongFill)
+        std::memcpy(to, source, bytes);
+    else
+        fillRepeated(to, bytes, source);
+}
+
+/// The same to byte `first` of each row from top to bottom.
+void fillRows(const PixelView& view, const std::uint8_t* source, std::size_t first, std::size_t bytes, int top,
+              int bottom) {
+    if (isUniform(source) && bytes == static_cast<std::size_t>(view.rowBytes)) {
         std::memset(view.row(top), *source, bytes * static_cast<std::size_t>(bottom - top));
         return;
     }
     for (int y = top; y < bottom; ++y)
-        if (isUniform)
-            std::memset(view.row(y) + first, *source, bytes);
-        else
-            std::memcpy(view.row(y) + first, source, bytes);
+        fillBytes(view.row(y) + first, source, bytes);
 }
 
 /// The pixels whose centre lies in the ellipse that fills a row of n x m pixels, at a row of twice the distance dy from
@@ -91,8 +101,8 @@ void XCOffscreen::RectFill(const tagRECT& rect) {
     const std::uint8_t* const source = foreRow();
     withFormat(view.depth, [&]<class Format>() {
         if constexpr (cnHasBytes<Format>)
-            fillBytes(view, source, static_cast<std::size_t>(area.left) * Format::cnBytes,
-                      static_cast<std::size_t>(area.Width()) * Format::cnBytes, area.top, area.bottom);
+            fillRows(view, source, static_cast<std::size_t>(area.left) * Format::cnBytes,
+                     static_cast<std::size_t>(area.Width()) * Format::cnBytes, area.top, area.bottom);
         else
             for (int y = area.top; y < area.bottom; ++y)
                 Format::fillPattern(view.row(y), area.left, area.Width(), *source);
@@ -112,8 +122,8 @@ void XCOffscreen::RectFillScamp(const tagRECT& rect) {
     // A whole row takes its padding along, so that whole images are one piece of memory.
     const bool isWhole = area.left == 0 && area.right == view.width;
     const std::int64_t bytes = isWhole ? view.rowBytes : (right - left) * view.depth / 8;
-    fillBytes(view, foreRow(), static_cast<std::size_t>(left * view.depth / 8), static_cast<std::size_t>(bytes),
-              area.top, area.bottom);
+    fillRows(view, foreRow(), static_cast<std::size_t>(left * view.depth / 8), static_cast<std::size_t>(bytes),
+             area.top, area.bottom);
 }
 
 void XCOffscreen::FillLineRow(int length, const XCOffscreenCursor& cursor) {
@@ -134,8 +144,8 @@ void XCOffscreen::FillLineRow(int x0, int x1, int y) {
     std::uint8_t* const row = PixelView(*this).row(y);
     withFormat(m_info.bitCount, [&]<class Format>() {
         if constexpr (cnHasBytes<Format>)
-            std::memcpy(row + static_cast<std::size_t>(first) * Format::cnBytes, source,
-                        static_cast<std::size_t>(last - first + 1) * Format::cnBytes);
+            fillBytes(row + static_cast<std::size_t>(first) * Format::cnBytes, source,
+                      static_cast<std::size_t>(last - first + 1) * Format::cnBytes);
         else
             Format::fillPattern(row, first, last - first + 1, *source);
     });

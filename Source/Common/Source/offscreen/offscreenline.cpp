@@ -17,11 +17,9 @@ struct Range {
 /// error term begins at 2 minor - major, and a term of 0 steps diagonally.
 class Walk {
 public:
-    Walk(std::int64_t major, std::int64_t minor) : m_major(major), m_minor(minor) {}
+    Walk(std::int64_t major, std::int64_t minor) : m_major(major), m_minor(minor), m_isShort(major < cnLongest64) {}
 
-    std::int64_t minorAt(std::int64_t k) const {
-        return m_major == 0 ? 0 : static_cast<std::int64_t>((Wide{2} * m_minor * k + m_major) / (Wide{2} * m_major));
-    }
+    std::int64_t minorAt(std::int64_t k) const { return m_major == 0 ? 0 : divided(m_minor, k, m_major, m_major); }
     /// The steps during which the other axis is within a range that lies in 0 to minor.
     Range stepsWithin(const Range& minors) const {
         if (m_minor == 0)
@@ -33,12 +31,20 @@ private:
     using Wide = __int128;
 
     std::int64_t firstStepAt(std::int64_t minor) const {
-        const Wide divisor = Wide{2} * m_minor;
-        return static_cast<std::int64_t>((Wide{2} * m_major * minor - m_major + divisor - 1) / divisor);
+        return divided(m_major, minor, 2 * m_minor - 1 - m_major, m_minor);
     }
+    /// (2ab + c) / 2d. Of all but the longest lines the product fits in 64 bits, which divide many times faster.
+    std::int64_t divided(std::int64_t a, std::int64_t b, std::int64_t c, std::int64_t d) const {
+        if (m_isShort)
+            return (2 * a * b + c) / (2 * d);
+        return static_cast<std::int64_t>((Wide{2} * a * b + c) / (Wide{2} * d));
+    }
+
+    static constexpr std::int64_t cnLongest64 = std::int64_t{1} << 29;
 
     std::int64_t m_major;
     std::int64_t m_minor;
+    bool m_isShort;
 };
 
 /// The steps from 0 to count at which a coordinate that goes from `start` by `direction` lies in low to high.

@@ -2,6 +2,7 @@
 #include "offscreen/pixelmean.h"
 #include "offscreen/pixelrows.h"
 #include "offscreen/sourceimage.h"
+#include "offscreen/squaremeans.h"
 #include "ovwcmn/xcoffscreen.h"
 
 #include <algorithm>
@@ -133,6 +134,8 @@ public:
         });
     }
     void averageWholePixels(bool keepAlpha) const {
+        if (const int factor = squareFactor())
+            return averageSquares(factor, keepAlpha);
         std::vector<WholeSpan> columns;
         for (std::int64_t i = m_x.begin(); i < m_x.end(); ++i)
             columns.push_back(WholeSpan::of(m_x, i));
@@ -156,6 +159,26 @@ public:
     }
 
 private:
+    /// The side of the squares that become pixels, where all of them are whole and lie in the source; else 0.
+    int squareFactor() const {
+        const std::int64_t factor = m_x.sourceLength / m_x.length;
+        const auto isWhole = [factor](const Axis& axis) {
+            return axis.sourceLength == axis.length * factor && axis.nearest(axis.begin()) >= 0 &&
+                   axis.nearest(axis.end()) <= axis.sourceSize;
+        };
+        return SquareMeans::isFactor(factor) && isWhole(m_x) && isWhole(m_y) ? static_cast<int>(factor) : 0;
+    }
+    void averageSquares(int factor, bool keepAlpha) const {
+        SquareMeans means(m_source, factor, keepAlpha);
+        for (std::int64_t j = m_y.begin(); j < m_y.end(); ++j)
+            for (std::int64_t i = m_x.begin(); i < m_x.end(); i += means.largestCount()) {
+                const auto count = static_cast<int>(std::min<std::int64_t>(means.largestCount(), m_x.end() - i));
+                const std::uint8_t* const line =
+                    means.row(static_cast<int>(m_x.nearest(i)), static_cast<int>(m_y.nearest(j)), count);
+                convertRow(m_view.depth, m_view.row(static_cast<int>(m_y.at + j)), static_cast<int>(m_x.at + i),
+                           means.depth(), line, 0, count);
+            }
+    }
     static std::vector<PartSpan> spans(const Axis& axis, double ratio) {
         std::vector<PartSpan> result;
         for (std::int64_t i = axis.begin(); i < axis.end(); ++i)

@@ -13,6 +13,18 @@
 
 namespace ovw::vimage {
 
+/// Bytes after which every pixel of 1 to 4 bytes begins anew, in whole lines of the cache.
+inline constexpr std::size_t cnPatternBytes = 192;
+inline constexpr std::size_t cnCacheLine = 64;
+/// Shorter runs than this are filled as fast in a simpler way.
+inline constexpr std::size_t cnLongFill = 4 * cnPatternBytes;
+
+/// Repeats the first cnPatternBytes of a pattern, which goes on for a cache line behind them.
+void fillRepeated(std::uint8_t* to, std::size_t bytes, const std::uint8_t* pattern);
+/// Moves bits to where they stand `shift` (1 to 7) places nearer to the start of their byte; reads a byte more than it
+/// writes. The rows do not overlap.
+void shiftBits(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes, int shift);
+
 /// The bytes that a run of sub-byte pixels covers, and the bits of its first and last byte.
 struct ByteRun {
     std::size_t first;
@@ -61,13 +73,9 @@ struct PackedLayout {
         fillPattern(row, x, count, static_cast<std::uint8_t>(value * cnUnit));
     }
     static void fillPattern(std::uint8_t* row, int x, int count, std::uint8_t pattern) {
-        if (count <= 0)
-            return;
-        const ByteRun run = ByteRun::ofPixels(Bits, x, count);
-        putBits(row[run.first], run.firstMask, pattern);
-        if (run.last > run.first + 1)
-            std::memset(row + run.first + 1, pattern, run.last - run.first - 1);
-        putBits(row[run.last], run.lastMask, pattern);
+        if (count > 0)
+            keepingEnds(row, ByteRun::ofPixels(Bits, x, count),
+                        [=](std::uint8_t* to, std::size_t bytes) { std::memset(to, pattern, bytes); });
     }
     static Value pixelAt(const std::uint8_t* row, int x) {
         return load(row + (x * Bits >> 3), static_cast<std::uint8_t>(cnFirstMask >> (x * Bits & 7)));
@@ -81,12 +89,9 @@ struct PackedLayout {
             return;
         if (((toX ^ fromX) * Bits & 7) != 0)
             return shiftRow(to, toX * Bits, from, fromX * Bits, count * Bits);
-        const ByteRun run = ByteRun::ofPixels(Bits, toX, count);
-        const std::uint8_t* const source = from + (fromX * Bits >> 3) - run.first;
-        putBits(to[run.first], run.firstMask, source[run.first]);
-        if (run.last > run.first + 1)
-            std::memcpy(to + run.first + 1, source + run.first + 1, run.last - run.first - 1);
-        putBits(to[run.last], run.lastMask, source[run.last]);
+        const std::uint8_t* const source = from + (fromX * Bits >> 3);
+        keepingEnds(to, ByteRun::ofPixels(Bits, toX, count),
+                    [source](std::uint8_t* first, std::size_t bytes) { std::memcpy(first, source, bytes); });
     }
     template <class Visit>
     static void visitRow(std::uint8_t* row, int x, int count, Visit visit) {
@@ -115,10 +120,25 @@ struct PackedLayout {
     }
 
 private:
+    /// Writes all bytes of a run by write(first, number), and puts back the bits of the outer ones that are not in it:
+    /// the bytes are one piece of memory, which mostly begins on a whole word.
+    template <class Write>
+    static void keepingEnds(std::uint8_t* row, const ByteRun& run, Write write) {
+        const std::uint8_t first = row[run.first], last = row[run.last];
+        write(row + run.first, run.last - run.first + 1);
+        putBits(row[run.first], static_cast<std::uint8_t>(~run.firstMask), first);
+        putBits(row[run.last], static_cast<std::uint8_t>(~run.lastMask), last);
+    }
     /// Bits to a place that differs within the byte, a byte of the destination at a time.
     static void shiftRow(std::uint8_t* to, int toBit, const std::uint8_t* from, int fromBit, int bits) {
         while (bits > 0) {
             const int place = toBit & 7;
+            if (place == 0 && bits >= 2 * 8) {
+                const int whole = bits & ~7;
+                shiftBits(to + (toBit >> 3), from + (fromBit >> 3), static_cast<std::size_t>(whole >> 3), fromBit & 7);
+                toBit += whole, fromBit += whole, bits -= whole;
+                continue;
+            }
             const int taken = std::min(8 - place, bits);
             const int start = fromBit & 7;
             const std::uint8_t* const source = from + (fromBit >> 3);
@@ -143,7 +163,6 @@ struct ByteLayout {
     static constexpr int cnBytes = sizeof(Pixel);
     static constexpr int cnBits = 8 * cnBytes;
     static constexpr std::uint8_t cnFirstMask = 0;
-    static constexpr std::size_t cnCopyPiece = 1024 * cnBytes;
 
     static Value load(const std::uint8_t* address, std::uint8_t = 0) {
         Value value;
@@ -163,13 +182,11 @@ struct ByteLayout {
             std::memset(begin, byte, bytes);
             return;
         }
-        store(begin, 0, value);
-        // What is filled is copied behind itself, in pieces that stay in the processor's nearest cache.
-        std::size_t done = cnBytes;
-        for (std::size_t piece = done; done < bytes; done += piece) {
-            piece = std::min({done, cnCopyPiece, bytes - done});
-            std::memcpy(begin + done, begin, piece);
-        }
+        if (bytes < cnLongFill)
+            return repeatFirst(begin, bytes, value);
+        std::uint8_t pattern[cnPatternBytes + cnCacheLine];
+        repeatFirst(pattern, sizeof pattern, value);
+        fillRepeated(begin, bytes, pattern);
     }
     static Value pixelAt(const std::uint8_t* row, int x) {
         return load(row + static_cast<std::ptrdiff_t>(x) * cnBytes);
@@ -209,6 +226,21 @@ struct ByteLayout {
     }
 
 private:
+    /// Stores a value some times, then copies what is filled behind itself; the last copy may be cut.
+    static void repeatFirst(std::uint8_t* begin, std::size_t bytes, const Value& value) {
+        constexpr std::size_t cnSingly = 16 * cnBytes;
+        std::size_t done = 0;
+        for (; done + cnBytes <= bytes && done < cnSingly; done += cnBytes)
+            store(begin + done, 0, value);
+        if (done < cnSingly) { // a part of a value is left, or nothing
+            std::memcpy(begin + done, &value, bytes - done);
+            return;
+        }
+        for (std::size_t piece; done < bytes; done += piece) {
+            piece = std::min(done, bytes - done);
+            std::memcpy(begin + done, begin, piece);
+        }
+    }
     /// The one byte that the value consists of, or -1.
     static int repeatedByte(const Value& value) {
         std::uint8_t bytes[cnBytes];

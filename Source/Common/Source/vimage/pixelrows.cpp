@@ -15,6 +15,22 @@ void readBytes(const std::uint8_t* row, int x, int count, const PixelRules& rule
         values[i] = Reading(Format::pixelAt(row, x + i), rules);
 }
 
+/// Eight bits at a time.
+template <>
+void readBytes<Bit1, Bit1::read1>(const std::uint8_t* row, int x, int count, const PixelRules&, std::uint8_t* values) {
+    constexpr std::uint64_t cnEachByte = 0x0101010101010101, cnEachBit = 0x0102040810204080;
+    int i = 0;
+    for (; i < count && (x + i) % 8 != 0; ++i)
+        values[i] = Bit1::pixelAt(row, x + i);
+    for (; i + 8 <= count; i += 8) {
+        const std::uint64_t bits = row[(x + i) >> 3] * cnEachByte & cnEachBit;
+        const std::uint64_t bytes = (bits + 0x7F * cnEachByte) >> 7 & cnEachByte;
+        std::memcpy(values + i, &bytes, sizeof bytes);
+    }
+    for (; i < count; ++i)
+        values[i] = Bit1::pixelAt(row, x + i);
+}
+
 template <class Format, auto Reading>
 void readColours(const std::uint8_t* row, int x, int count, const PixelRules& rules, BgraPixel* colours) {
     for (int i = 0; i < count; ++i)

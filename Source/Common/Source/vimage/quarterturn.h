@@ -1,6 +1,8 @@
 #ifndef OVW_VIMAGE_QUARTERTURN_H
 #define OVW_VIMAGE_QUARTERTURN_H
 
+#include "ovwcmn/xcgeometry.h"
+
 class XCVOffscreen;
 
 namespace ovw::vimage {
@@ -14,6 +16,10 @@ struct Orientation {
 
     /// Clockwise by 0, 90, 180 or 270 degrees, then mirrored on the axes of the result.
     static Orientation of(int angle, bool flipX, bool flipY);
+    /// Where a rectangle of an image of width x height pixels goes.
+    XCRect turned(const XCRect& rect, int width, int height) const;
+    /// The one that leads back.
+    Orientation inverse() const;
 };
 
 // The destination is locked for editing, the source for reading; both have one depth. Blocks that the source lacks are

@@ -16,31 +16,35 @@ std::uint32_t wordAt(const BgraPixel* pixels, std::ptrdiff_t i) {
     return word;
 }
 
+// The byte of a pixel that is its alpha.
+constexpr int cnAlphaFirst = 0;
+constexpr int cnAlphaLast = 3;
+
 /// The sum of a square's column: two channels a word, of pixels that are not transparent, and their number.
 struct ColourColumns {
-    std::uint32_t blueRed[cnBlockSize];
-    std::uint32_t greenAlpha[cnBlockSize];
+    std::uint32_t even[cnBlockSize]; // bytes 0 and 2 of the pixels
+    std::uint32_t odd[cnBlockSize];
     std::uint32_t visible[cnBlockSize];
 
-    template <int Factor>
+    template <int Factor, int AlphaByte>
     void add(const BgraPixel* rows, std::ptrdiff_t stride, int count) {
         for (int i = 0; i < count; ++i) {
-            std::uint32_t even = 0, odd = 0, number = 0;
+            std::uint32_t evenSum = 0, oddSum = 0, number = 0;
             for (int y = 0; y < Factor; ++y) {
                 const std::uint32_t word = wordAt(rows + y * stride, i);
-                const std::uint32_t mask = word >> 24 ? ~0u : 0u;
-                even += word & mask & cnEvenBytes;
-                odd += word >> 8 & mask & cnEvenBytes;
+                const std::uint32_t mask = word >> AlphaByte * 8 & 0xFF ? ~0u : 0u;
+                evenSum += word & mask & cnEvenBytes;
+                oddSum += word >> 8 & mask & cnEvenBytes;
                 number -= mask;
             }
-            blueRed[i] = even, greenAlpha[i] = odd, visible[i] = number;
+            even[i] = evenSum, odd[i] = oddSum, visible[i] = number;
         }
     }
     /// Neighbours in pairs, into half as many columns.
     void halve(int count) {
         for (int i = 0; i < count; ++i) {
-            blueRed[i] = blueRed[2 * i] + blueRed[2 * i + 1];
-            greenAlpha[i] = greenAlpha[2 * i] + greenAlpha[2 * i + 1];
+            even[i] = even[2 * i] + even[2 * i + 1];
+            odd[i] = odd[2 * i] + odd[2 * i + 1];
             visible[i] = visible[2 * i] + visible[2 * i + 1];
         }
     }
@@ -51,11 +55,10 @@ template <int Factor>
 void meanOfAll(const ColourColumns& columns, int count, std::uint32_t* words) {
     constexpr int cnShift = Factor == 2 ? 2 : Factor == 4 ? 4 : 6;
     for (int i = 0; i < count; ++i)
-        words[i] = (columns.blueRed[i] >> cnShift & cnEvenBytes) | (columns.greenAlpha[i] >> cnShift & cnEvenBytes)
-                                                                       << 8;
+        words[i] = (columns.even[i] >> cnShift & cnEvenBytes) | (columns.odd[i] >> cnShift & cnEvenBytes) << 8;
 }
 
-template <int Factor>
+template <int Factor, int AlphaByte>
 void meanOfVisible(const ColourColumns& columns, int count, std::uint32_t* words) {
     for (int i = 0; i < count; ++i) {
         // Half a unit of the sum keeps whole quotients whole; nothing else comes that close to the next number.
@@ -65,17 +68,22 @@ void meanOfVisible(const ColourColumns& columns, int count, std::uint32_t* words
             return static_cast<std::uint32_t>(
                 static_cast<std::int32_t>((static_cast<float>(static_cast<std::int32_t>(sum)) + 0.5f) * scale));
         };
-        words[i] = mean(columns.blueRed[i] & 0xFFFF) | mean(columns.greenAlpha[i] & 0xFFFF) << 8 |
-                   mean(columns.blueRed[i] >> 16) << 16 | (columns.greenAlpha[i] >> 16) / (Factor * Factor) << 24;
+        const auto meanAlpha = [](std::uint32_t sum) { return sum / (Factor * Factor); };
+        const std::uint32_t even = columns.even[i], odd = columns.odd[i];
+        const std::uint32_t between = mean(odd & 0xFFFF) << 8 | mean(even >> 16) << 16;
+        if constexpr (AlphaByte == cnAlphaFirst)
+            words[i] = meanAlpha(even & 0xFFFF) | between | mean(odd >> 16) << 24;
+        else
+            words[i] = mean(even & 0xFFFF) | between | meanAlpha(odd >> 16) << 24;
     }
 }
 
-template <int Factor>
+template <int Factor, int AlphaByte>
 bool averageSquares(const BgraPixel* rows, std::ptrdiff_t stride, int count, BgraPixel* colours,
                     std::uint8_t* isVisible) {
     constexpr std::uint32_t cnArea = Factor * Factor;
     ColourColumns columns;
-    columns.add<Factor>(rows, stride, count * Factor);
+    columns.add<Factor, AlphaByte>(rows, stride, count * Factor);
     for (int width = Factor / 2; width > 0; width /= 2)
         columns.halve(count * width);
     std::uint32_t hidden = 0;
@@ -87,7 +95,7 @@ bool averageSquares(const BgraPixel* rows, std::ptrdiff_t stride, int count, Bgr
     }
     std::uint32_t words[cnBlockSize];
     if (hidden)
-        meanOfVisible<Factor>(columns, count, words);
+        meanOfVisible<Factor, AlphaByte>(columns, count, words);
     else
         meanOfAll<Factor>(columns, count, words);
     for (int i = 0; i < count; ++i)
@@ -143,7 +151,7 @@ Words pixelsInLanes(const BgraPixel* pixels) {
 template <int Factor>
 bool averageColours(const BgraPixel* rows, std::ptrdiff_t stride, int count, BgraPixel* colours,
                     std::uint8_t* isVisible) {
-    return averageSquares<Factor>(rows, stride, count, colours, isVisible);
+    return averageSquares<Factor, cnAlphaLast>(rows, stride, count, colours, isVisible);
 }
 
 /// The most frequent of the reductions, without a detour over memory.
@@ -166,7 +174,7 @@ bool averageColours<2>(const BgraPixel* rows, std::ptrdiff_t stride, int count, 
         empty |= squares.hidden & cnArea;
     }
     const bool isRestVisible =
-        i == count || averageSquares<2>(rows + 2 * i, stride, count - i, colours + i, isVisible + i);
+        i == count || averageSquares<2, cnAlphaLast>(rows + 2 * i, stride, count - i, colours + i, isVisible + i);
     if (isRestVisible && isZero(empty))
         return true;
     for (int j = 0; j < i; ++j)
@@ -189,6 +197,29 @@ void addBytes(const std::uint8_t* rows, std::ptrdiff_t stride, int count, std::u
             sum += columns[i * Factor + x];
         sums[i] = static_cast<std::uint16_t>(sum);
     }
+}
+
+template <int Factor>
+void averageTriples(const std::uint8_t* rows, std::ptrdiff_t stride, int count, std::uint8_t* means) {
+    constexpr int cnTriple = 3;
+    std::uint16_t columns[cnBlockSize * cnTriple];
+    const int bytes = count * Factor * cnTriple;
+    for (int i = 0; i < bytes; ++i) {
+        int sum = 0;
+        for (int y = 0; y < Factor; ++y)
+            sum += rows[y * stride + i];
+        columns[i] = static_cast<std::uint16_t>(sum);
+    }
+    // The means of what begins at every byte: of these the first of each square are taken.
+    std::uint8_t all[cnBlockSize * cnTriple];
+    for (int i = 0; i < bytes - (Factor - 1) * cnTriple; ++i) {
+        int sum = 0;
+        for (int x = 0; x < Factor; ++x)
+            sum += columns[i + x * cnTriple];
+        all[i] = static_cast<std::uint8_t>(sum / (Factor * Factor));
+    }
+    for (int i = 0; i < count; ++i)
+        std::memcpy(means + i * cnTriple, all + i * Factor * cnTriple, cnTriple);
 }
 
 /// isFirst: the sums begin with this row.

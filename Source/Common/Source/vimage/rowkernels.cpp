@@ -13,4 +13,12 @@ const RowKernels& rowKernels() {
     }
 }
 
+void fillRepeated(std::uint8_t* to, std::size_t bytes, const std::uint8_t* pattern) {
+    rowKernels().fillRepeated(to, bytes, pattern);
+}
+
+void shiftBits(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes, int shift) {
+    rowKernels().shiftBits(to, from, bytes, shift);
+}
+
 } // namespace ovw::vimage

@@ -23,6 +23,8 @@ struct ColumnSums {
 /// which the colour means nothing. True when all are visible.
 using ColourAverager = bool (*)(const BgraPixel* rows, std::ptrdiff_t stride, int count, BgraPixel* colours,
                                 std::uint8_t* isVisible);
+/// Averages count squares of pixels of three bytes; rows lie stride bytes apart.
+using TripleAverager = void (*)(const std::uint8_t* rows, std::ptrdiff_t stride, int count, std::uint8_t* means);
 /// Adds up count squares of bytes.
 using ByteAdder = void (*)(const std::uint8_t* rows, std::ptrdiff_t stride, int count, std::uint16_t* sums);
 
@@ -33,6 +35,8 @@ struct PixelGrid {
     int x = 0; ///< of the first pixel in its row, for pixels of less than a byte
 
     std::uint8_t* row(int y) const { return first + y * rowStep; }
+    /// The same rows, `height` of them, in reverse order.
+    PixelGrid upward(int height) const { return {row(height - 1), -rowStep, x}; }
 };
 
 /// to(x, y) = from(y, x) for a rectangle of width x height pixels of the source.
@@ -48,6 +52,8 @@ struct FourTones {
 struct RowKernels {
     // Of squares with side 2, 4, 8.
     ColourAverager averageColours[3];
+    ColourAverager averageAlphaFirst[3]; ///< of pixels whose first byte is the alpha, in any order of the others
+    TripleAverager averageTriples[3];
     ByteAdder addBytes[3];
     // weight x a row of up to cnBlockSize pixels, to begin sums with and to add to them.
     void (*setRow)(const BgraPixel* row, int count, double weight, ColumnSums& sums);
@@ -67,6 +73,10 @@ struct RowKernels {
     /// is dark.
     void (*tones)(const std::uint8_t* coverages, const std::uint8_t* darknesses, const std::uint8_t* thresholds,
                   int count, bool onlyOpaque, const FourTones& tones, std::uint8_t* result);
+
+    // See pixellayout.h.
+    void (*fillRepeated)(std::uint8_t* to, std::size_t bytes, const std::uint8_t* pattern);
+    void (*shiftBits)(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes, int shift);
 
     /// memcpy past the caches. What was streamed is in order with other memory only after endStream.
     void (*stream)(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes);

@@ -2,6 +2,7 @@
 // function that hands out the table, and is compiled with the flags of its instruction set. Nothing of these texts may
 // reach other sources: the linker would pick one of several copies.
 
+#include "vimage/longrows.inl"
 #include "vimage/resamplerows.inl"
 #include "vimage/tonerows.inl"
 #include "vimage/turnrows.inl"
@@ -11,6 +12,8 @@ namespace {
 
 constexpr RowKernels cnKernels = {
     {averageColours<2>, averageColours<4>, averageColours<8>},
+    {averageSquares<2, cnAlphaFirst>, averageSquares<4, cnAlphaFirst>, averageSquares<8, cnAlphaFirst>},
+    {averageTriples<2>, averageTriples<4>, averageTriples<8>},
     {addBytes<2>, addBytes<4>, addBytes<8>},
     addRow<true>,
     addRow<false>,
@@ -21,6 +24,8 @@ constexpr RowKernels cnKernels = {
     luminances<Rgb24>,
     luminances<Rgba32>,
     tones,
+    fillRepeated,
+    shiftBits,
     stream,
     endStream,
 };

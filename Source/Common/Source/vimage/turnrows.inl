@@ -8,8 +8,6 @@
 namespace ovw::vimage {
 namespace {
 
-constexpr int cnCacheLine = 64;
-
 /// A lane's number of columns, of as many rows as a vector has elements, into rows. Each lane takes rows of its own, so
 /// that interleaving lanes as often as their elements double turns all of them.
 template <class T, bool isStreamed>
@@ -46,7 +44,7 @@ void transpose(const PixelGrid& to, const PixelGrid& from, int width, int height
     constexpr int cnBytes = static_cast<int>(sizeof(T));
     constexpr int cnColumns = static_cast<int>(VectorTypes<T>::cnInLane);
     constexpr int cnRows = static_cast<int>(VectorTypes<T>::cnCount);
-    constexpr int cnBand = cnCacheLine / cnBytes;
+    constexpr int cnBand = static_cast<int>(cnCacheLine) / cnBytes;
     const int evenWidth = width - width % cnColumns;
     for (int top = 0; top < height; top += cnBand) {
         const int bottom = std::min(top + cnBand, height);
