@@ -1,4 +1,5 @@
 #include "offscreen/classictest.h"
+#include "offscreen/smoothblends.h"
 #include "ovwcmn/xcoffscreen.h"
 #include "support/scopes.h"
 
@@ -171,6 +172,42 @@ TEST(Smoothing, UsesTheCallersImagesAndTables) {
     }
     EXPECT_EQ(image->GetLockCount(), 1);
     EXPECT_EQ(work1->GetLockCount(), 1);
+}
+
+TEST(Smoothing, HalfTransparentPicturesKeepTheirAlpha) {
+    ClassicImage image(40, 30, 32, 0x40FFFFFF);
+    image.draw({"", "########........", "........########", "", "####", "  ##", "   #"}, 0x80203040);
+    const auto before = image.pixels();
+    smooth(*image);
+    const auto after = image.pixels();
+    int changed = 0;
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        EXPECT_EQ(after[i] >> 24, before[i] >> 24) << i;
+        changed += after[i] != before[i];
+    }
+    EXPECT_GT(changed, 6);
+}
+
+TEST(Smoothing, MixesOfColourAndOfAlphaMeet) {
+    // A corner of two steps of 4, towards opaque black and towards nothing, in either order.
+    using ovw::offscreen::Blend, ovw::offscreen::PixelView, ovw::offscreen::SmoothBlends, ovw::offscreen::SmoothedPixel;
+    const ovw::offscreen::ArgbPixel own{255, 200, 100, 40}, black{255, 0, 0, 0}, nothing{0, 255, 255, 255};
+    const auto partsOf = [&](const auto& partner, bool isOpaque) {
+        return SmoothedPixel{SmoothedPixel::Kind::parts, Blend{7, 1, 32}(partner, own, isOpaque),
+                             Blend{5, 3, 32}(partner, own, isOpaque)};
+    };
+    const SmoothedPixel found[] = {partsOf(black, true), partsOf(nothing, false)};
+    for (const int first : {0, 1}) {
+        ClassicImage image(1, 1, 32), work1(1, 1, 32), work2(1, 1, 32);
+        image->Set32BitPixel(0xFF2864C8, 0, 0);
+        std::uint8_t mark = 0;
+        SmoothBlends blends(PixelView(*work1), PixelView(*work2), &mark, 1);
+        blends.add(0, 0, own, found[first]);
+        blends.add(0, 0, own, found[1 - first]);
+        blends.mergeInto(PixelView(*image), XCRect(0, 0, 1, 1));
+        // Opaque parts are quarters: (63 + 255 / 32) / 2 + 63 + 255 * 3 / 32 + 255 / 4.
+        EXPECT_EQ(image->Get32BitPixel(0, 0), 184u << 24 | 0x2864C8);
+    }
 }
 
 TEST(Smoothing, InkOnNothingFadesByAlpha) {

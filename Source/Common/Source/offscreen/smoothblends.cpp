@@ -16,16 +16,18 @@ ArgbPixel corner(const ArgbPixel& own, const ArgbPixel& new1, const ArgbPixel& n
     const auto sum = [](int n1, int n2, int o1, int o2, int pixel) {
         return limited((n1 + o1) / 2 + o2 + n2 + pixel / 4);
     };
-    if (new1.alpha || new2.alpha || old1.alpha || old2.alpha) {
+    if (new1.alpha) {
+        const ArgbPixel colour = averageOf(new1, old1);
         const std::uint8_t alpha = sum(new1.alpha, new2.alpha, old1.alpha, old2.alpha, own.alpha);
-        return {std::max<std::uint8_t>(alpha, 1), new1.red, new1.green, new1.blue};
+        return {std::max<std::uint8_t>(alpha, 1), colour.red, colour.green, colour.blue};
     }
     return {0, sum(new1.red, new2.red, old1.red, old2.red, own.red),
             sum(new1.green, new2.green, old1.green, old2.green, own.green),
             sum(new1.blue, new2.blue, old1.blue, old2.blue, own.blue)};
 }
 
-/// A pixel with its blends: part1 alone is a whole, or, with part2, a part.
+/// A pixel with its blends: part1 alone is a whole, or, with part2, a part. A mix of colours alone leaves the pixel its
+/// alpha.
 ArgbPixel merged(const ArgbPixel& own, const ArgbPixel& part1, const ArgbPixel* part2) {
     const int alpha2 = part2 ? part2->alpha : 0;
     if (alpha2)
@@ -33,8 +35,8 @@ ArgbPixel merged(const ArgbPixel& own, const ArgbPixel& part1, const ArgbPixel* 
     if (part1.alpha)
         return part1;
     if (!part2)
-        return {cnByteMax, part1.red, part1.green, part1.blue};
-    return {cnByteMax, limited(own.red / 2 + part2->red + part1.red),
+        return {own.alpha, part1.red, part1.green, part1.blue};
+    return {own.alpha, limited(own.red / 2 + part2->red + part1.red),
             limited(own.green / 2 + part2->green + part1.green), limited(own.blue / 2 + part2->blue + part1.blue)};
 }
 
@@ -43,9 +45,25 @@ int distance(const ArgbPixel& a, const ArgbPixel& b) {
            std::abs(a.blue - b.blue);
 }
 
+/// Whether colours are mixed, not alphas.
+bool isOpaque(const SmoothedPixel& v) { return v.part1.alpha == 0; }
+
+/// A mix of colours as one of alphas, which keeps the pixel's own colour.
+SmoothedPixel withAlpha(const ArgbPixel& own, const SmoothedPixel& v) {
+    if (!isOpaque(v))
+        return v;
+    if (v.kind != SmoothedPixel::Kind::parts)
+        return {v.kind, {own.alpha, v.part1.red, v.part1.green, v.part1.blue}, {}};
+    // Each part is a quarter of the pixel.
+    const ArgbPixel quarter{std::max<std::uint8_t>(own.alpha / 4, 1), own.red, own.green, own.blue};
+    return {v.kind, quarter, quarter};
+}
+
 /// What remains of two findings for one pixel; the order of the two does not matter.
 SmoothedPixel together(const ArgbPixel& own, const SmoothedPixel& a, const SmoothedPixel& b) {
     using Kind = SmoothedPixel::Kind;
+    if (isOpaque(a) != isOpaque(b))
+        return together(own, withAlpha(own, a), withAlpha(own, b));
     if (a.kind == Kind::diagonal && b.kind == Kind::diagonal)
         return {Kind::whole, averageOf(a.part1, b.part1), {}};
     if (a.kind == Kind::diagonal || b.kind == Kind::diagonal)

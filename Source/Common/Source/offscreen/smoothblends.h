@@ -7,9 +7,9 @@
 
 namespace ovw::offscreen {
 
-/// A mix of two pixels by whole weights out of a total, so that it is exact; channels are truncated. Opaque mixes are
-/// marked by alpha 0. Where transparency is at hand, only the alpha is mixed (at least 1), and the colour is that of
-/// the pixel itself, or of the partner where the pixel has none.
+/// A mix of two pixels by whole weights out of a total, so that it is exact; channels are truncated. Opaque mixes,
+/// which leave the pixel its alpha, are marked by alpha 0. Where transparency is at hand, only the alpha is mixed (at
+/// least 1), and the colour is that of the pixel itself, or of the partner where the pixel has none.
 struct Blend {
     std::int64_t partnerWeight, ownWeight, total;
 

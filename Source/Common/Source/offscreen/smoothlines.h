@@ -43,6 +43,7 @@ public:
 
 private:
     static constexpr int cnStripLines = 16; // columns that are read together: a cache line of a row
+    static constexpr int cnBandRows = 64;   // rows of them that are turned together
 
     int slot(int line) const { return (m_current + line + cnSlots) % cnSlots; }
     const ArgbPixel* readRow(int line, int slot);
@@ -58,6 +59,7 @@ private:
     int m_to;
     int m_current = 0;
     int m_counts[cnSlots] = {};
+    bool m_isOneRun[cnSlots] = {}; // all positions of the index name run 0
     const ArgbPixel* m_pixels[cnSlots] = {};
     std::vector<ArgbPixel> m_rows[cnSlots]; // converted rows
     std::vector<ArgbPixel> m_strips[2];     // columns of the current strip and the one before
