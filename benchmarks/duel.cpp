@@ -87,6 +87,7 @@ void run(benchmark::State& state, const Duel& duel) {
         state.counters[cnLimit] = duel.amount / medians.limit;
         state.counters[cnRatio] = medians.limit / medians.work;
         state.counters[cnAim] = duel.aim;
+        state.counters[cnAimedFigure] = duel.aimedFigure;
         state.counters[cnPixels] = duel.pixels / medians.work / 1e6;
         state.counters[cnAllocations] = medians.allocations / duel.items;
     }

@@ -22,6 +22,7 @@ struct Duel {
     std::function<void()> limit;
     std::function<void()> restore = {}; ///< untimed, before every call of `work`: paint must not pile up
     double aim = 0.0;                   ///< the share of the limit to reach; 0: none
+    double aimedFigure = 0.0;           ///< the figure to reach, where the limit says little; 0: none
     double pixels = 0.0;                ///< painted by one call of `work`, for a second figure; 0: none
     double items = 1.0;                 ///< in one call of `work`; allocations are counted by item
 };
@@ -37,6 +38,7 @@ inline constexpr const char* cnFigure = "figure";
 inline constexpr const char* cnLimit = "limit";
 inline constexpr const char* cnRatio = "ratio";
 inline constexpr const char* cnAim = "aim";
+inline constexpr const char* cnAimedFigure = "aimed figure";
 inline constexpr const char* cnPixels = "Mpixel/s";
 inline constexpr const char* cnAllocations = "allocations";
 inline constexpr char cnLabelSeparator = '|'; ///< between the figures' unit and the name of the limit

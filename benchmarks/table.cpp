@@ -66,19 +66,21 @@ void Table::printRow(const Run& run) {
     const std::size_t separator = run.report_label.find(cnLabelSeparator);
     const double ratio = counterOf(run, cnRatio);
     const double pixels = counterOf(run, cnPixels);
-    std::printf(cnRowFormat, name.c_str(), shortened(counterOf(run, cnFigure)).c_str(),
-                run.report_label.substr(0, separator).c_str(), shortened(counterOf(run, cnLimit)).c_str(),
-                run.report_label.substr(separator + 1).c_str(), ratioText(ratio).c_str(),
-                verdict(ratio, counterOf(run, cnAim)).c_str(), shortened(counterOf(run, cnAllocations)).c_str(),
+    const double figure = counterOf(run, cnFigure), aim = counterOf(run, cnAim), aimed = counterOf(run, cnAimedFigure);
+    const std::string reached =
+        aimed > 0.0 ? verdict(figure, aimed, shortened(aimed)) : verdict(ratio, aim, ratioText(aim));
+    std::printf(cnRowFormat, name.c_str(), shortened(figure).c_str(), run.report_label.substr(0, separator).c_str(),
+                shortened(counterOf(run, cnLimit)).c_str(), run.report_label.substr(separator + 1).c_str(),
+                ratioText(ratio).c_str(), reached.c_str(), shortened(counterOf(run, cnAllocations)).c_str(),
                 pixels > 0.0 ? shortened(pixels).c_str() : "");
 }
 
-std::string Table::verdict(double ratio, double aim) {
+std::string Table::verdict(double value, double aim, const std::string& aimText) {
     if (aim <= 0.0)
         return "";
     m_aims++;
-    m_reached += ratio >= aim;
-    return ">= " + ratioText(aim) + (ratio >= aim ? " yes" : " NO");
+    m_reached += value >= aim;
+    return ">= " + aimText + (value >= aim ? " yes" : " NO");
 }
 
 void Table::Finalize() {

@@ -16,7 +16,8 @@ public:
 
 private:
     void printRow(const Run& run);
-    std::string verdict(double ratio, double aim);
+    /// Whether a value reaches its aim, which `aimText` writes; "" without an aim.
+    std::string verdict(double value, double aim, const std::string& aimText);
 
     std::string m_family; ///< of the row before
     int m_aims = 0;
