@@ -24,6 +24,7 @@ constexpr std::array cnSheets = {
     SheetKind{"water", "colours that mix with what is there", paintWater},
     SheetKind{"blur", "softening a picture", paintBlurs},
     SheetKind{"clone", "painting with other pixels", paintClones},
+    SheetKind{"classic", "what classic images draw, before and after smoothing", paintClassics},
 };
 
 } // namespace

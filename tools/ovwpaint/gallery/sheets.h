@@ -39,6 +39,7 @@ Sheet paintSmudges(const PhotoMaker& photo);
 Sheet paintWater(const PhotoMaker&);
 Sheet paintBlurs(const PhotoMaker& photo);
 Sheet paintClones(const PhotoMaker& photo);
+Sheet paintClassics(const PhotoMaker&);
 
 } // namespace ovwpaint::gallery
 
