@@ -14,9 +14,10 @@ class XCTime;
 
 /// A full path in the library's form: `C:\a\b` or `\\server\share\a`, multibyte text in the current code page, at most
 /// 519 bytes (error 0x20010008) and 255 a component. The text is kept as given; whatever splits it ignores a trailing
-/// run of "\". Names are compared without regard to case. Operations throw XCException with the system's code; queries
-/// never throw and answer 0. Paths are independent values: one thread at a time each. To and from the paths of this
-/// system: xcPathFromPosix, xcPathToPosix.
+/// run of "\". Names are compared without regard to case, although files of this system differ by it: renaming to
+/// another case does nothing, and two names that differ by case are two files to the system and one to comparisons.
+/// Operations throw XCException with the system's code; queries never throw and answer 0. Paths are independent values:
+/// one thread at a time each. To and from the paths of this system: xcPathFromPosix, xcPathToPosix.
 class OVWCMN_API XCFilePath {
 public:
     XCFilePath() = default;
@@ -184,10 +185,13 @@ public:
     static void CopyFileA(const XCFilePath& dest, const XCFilePath& src, int failIfExists);
     /// Between volumes it copies and deletes.
     static void MoveFileA(const XCFilePath& dest, const XCFilePath& src, int failIfExists);
-    /// Copies `src` into `destFolder`, or onto it when it has the same name and alwaysAppendName is 0.
+    /// Copies `src` into `destFolder`, or onto it when it has the same name and alwaysAppendName is 0. Links in a
+    /// folder are copied as links, never followed. What cannot be copied throws and ends the copy where it is: 80 for a
+    /// file that exists, 123 for a name without a form in the code page, 25 for a pipe, 5 for a folder inside itself.
     static void CopyFolder(const XCFilePath& destFolder, const XCFilePath& src, int checkExisting,
                            int alwaysAppendName);
-    /// Moves `src` into `destFolder`.
+    /// Moves `src` into `destFolder`. Between volumes it copies: the source goes when all of it has arrived, and what
+    /// has arrived goes when something fails.
     static void MoveFolder(const XCFilePath& destFolder, const XCFilePath& src, int checkExisting);
     // Bytes; 0, with the code in vxGetLastError(), on failure.
     /// Bytes; 0, with the code in vxGetLastError(), on failure.

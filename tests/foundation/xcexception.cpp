@@ -84,31 +84,51 @@ std::string formatted(const std::string& text, int parameters, const char* p1 = 
     return messageOf(alert);
 }
 
-TEST(XCException, CodesHaveTheirMessages) {
+TEST(XCException, CodesHaveTheirMessagesInTwoLanguages) {
     const struct {
         std::uint32_t code;
-        const char* english;
+        const char *english, *japanese;
     } cases[] = {
-        {0x20010000, "Non-full color image cannot be opened!"},
-        {0x20010004, ""},
-        {0x20010008, "Incorrect parameter!"},
-        {0x2001000F, "Error occurred during vector data processing!\nThe vector data may be corrupted."},
-        {0x60011388, "Plugin not found!"},
-        {0x200132C8, ""},
-        {0x20010005, ""},
-        {0xFFFFFFFF, ""},
+        {0x20010000, "Non-full color image cannot be opened!", "フルカラー画像以外は開くことができません！"},
+        {0x20010001, "VEXA format tag does not exist!", "指定のタグが存在しません！"},
+        {0x20010002, "Wrong Color Chart version number; it cannot be used!",
+         "カラーチャートファイルのバージョン番号が異なるため利用できません！"},
+        {0x20010003, "This is not a Color Chart file!", "このファイルはカラーチャートファイルではありません！"},
+        {0x20010006, "No tag found in the management file!", "マネジメントファイルに指定のタグが存在しません！"},
+        {0x20010008, "Incorrect parameter!", "パラメータが不正です！"},
+        {0x20010009, "Failed to obtain time!", "時間の取得に失敗しました！"},
+        {0x2001000A, "That file already exists!", "このファイルは既に存在しています！"},
+        {0x2001000B, "Wrong file format!", "ファイルの形式が異なります！"},
+        {0x2001000C, "Wrong file version number; it cannot be used!",
+         "ファイルのバージョン番号が異なるため利用できません！"},
+        {0x2001000D, "Vectorization error occurred!", "ラスター・ベクター変換でエラーが発生しました！"},
+        {0x2001000E, "Too many colors; vectorization failed!",
+         "色数が多すぎるのでベクターデータに変換できませんでした！"},
+        {0x2001000F, "Error occurred during vector data processing!\nThe vector data may be corrupted.",
+         "ベクターデータの操作中にエラーが発生しました！\nベクターデータが壊れた可能性があります。"},
+        {0x60011388, "Plugin not found!", "プラグインが見つかりませんでした！"},
+        {0x60011389, "Layer not found!", "指定のレイヤーが見つかりませんでした！"},
+        {0x6001138A, "File format not supported!", "指定のファイル形式はサポートされていません"},
+        {0x6001138B, "This format does not support that size!",
+         "指定のサイズはこのフォーマットではサポートされていません！"},
+        {0x6001138C, "DDR not connected!", "DDRが接続されていません！"},
+        {0x20010004, "", ""},
+        {0x200132C8, "", ""},
+        {0x20010005, "", ""},
+        {0xFFFFFFFF, "", ""},
     };
-    const LanguageScope language(cnEnglish);
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
+        const LanguageScope english(cnEnglish);
         EXPECT_EQ(messageOfCode(int(c.code)), c.english) << std::hex << c.code;
+        const LanguageScope japanese(cnJapanese);
+        EXPECT_EQ(messageOfCode(int(c.code)), c.japanese) << std::hex << c.code;
+    }
     for (const int system : {2, 3, 5, 8, 32, 39, 112, 123, 183})
         EXPECT_NE(messageOfCode(system), "") << system;
 }
 
 TEST(XCException, SpeaksJapaneseWhereTheCodePageCan) {
     const LanguageScope language(cnJapanese);
-    EXPECT_EQ(messageOfCode(0x20010008), "パラメータが不正です！");
-    EXPECT_EQ(messageOfCode(0x60011388), "プラグインが見つかりませんでした！");
     {
         const CodePageScope page(932);
         EXPECT_EQ(messageOfCode(0x20010008), "\x83\x70\x83\x89\x83\x81\x81\x5B\x83\x5E\x82\xAA\x95\x73\x90\xB3\x82\xC5"

@@ -160,7 +160,6 @@ TEST(VxStringTable, HoldsTwoLanguages) {
          "%s は読み取り専用属性が指定されています！\nドキュメントを閉じてもよろしいですか？"},
         {102, "%s is read-only.", "%s は読み取り専用属性が指定されています！"},
         {200, "Don't show again", "再表示しない"},
-        {13, "File format not supported!", "指定のファイル形式はサポートされていません"},
         {0, "", ""},
         {19, "", ""},
         {65536 + 100, "", ""},
