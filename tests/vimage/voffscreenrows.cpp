@@ -88,8 +88,7 @@ std::optional<std::uint32_t> polygonPixel(int depth, std::uint32_t p, std::uint3
         if (mode == 2) {
             std::uint32_t rgb = 0;
             for (int shift : {0, 8, 16})
-                rgb |= std::uint32_t((int(p >> shift & 255) * (256 - a1) + int(replaced >> shift & 255) * a1) / 256)
-                       << shift;
+                rgb |= std::uint32_t((int(p >> shift & 255) * (256 - a1) + int(c >> shift & 255) * a1) / 256) << shift;
             return rgb;
         }
         return mode == 0 ? std::optional(replaced) : std::nullopt;

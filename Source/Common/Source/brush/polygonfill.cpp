@@ -1,8 +1,8 @@
 #include "brush/polygonfill.h"
 
-#include "brush/coveragerow.h"
 #include "brush/rowpainter.h"
 #include "ovwcmn/xcfastpixelmixer.h"
+#include "vimage/coveragerow.h"
 #include "vimage/polygonscan.h"
 
 #include <cmath>
@@ -11,19 +11,35 @@ namespace ovw::brush {
 
 namespace {
 
-constexpr double cnSubLineStep = 1.0 / CoverageRow::cnSubLines;
+using vimage::CoverageRow;
+using vimage::EdgeList;
+using vimage::RunBand;
+
+/// Adds a pixel row's sub-lines.
+/// @return false when a line has too many crossings
+bool addRow(EdgeList& edges, int y, vimage::RowCrossings& rowCrossings, CoverageRow& row) {
+    if (edges.crossingsOfRow(y, rowCrossings)) {
+        row.addLines(rowCrossings);
+        return true;
+    }
+    vimage::CrossingList crossings;
+    for (int line = 0; line < vimage::cnSubLines; line++) {
+        if (!edges.crossingsAt(y + vimage::cnRowSample + line * vimage::cnSubLineStep, crossings))
+            return false;
+        vimage::forEvenOddSpans(crossings, [&](double low, double high) { row.addSpan(line, low, high); });
+    }
+    return true;
+}
 
 /// @return false when a line has too many crossings
-bool fillTileAA(RowPainter& painter, vimage::EdgeList& edges, const XCRect& tile) {
-    vimage::CrossingList crossings;
-    CoverageRow row(tile.left, tile.right);
-    for (int y = tile.top; y < tile.bottom; y++) {
-        for (int subLine = 0; subLine < CoverageRow::cnSubLines; subLine++) {
-            if (!edges.crossingsAt(y + vimage::cnRowSample + subLine * cnSubLineStep, crossings))
-                return false;
-            vimage::forEvenOddSpans(crossings, [&row](double low, double high) { row.addSpan(low, high); });
-        }
-        painter.paintCoverage(row, y);
+bool scanRows(EdgeList& edges, const XCRect& part, RunBand& runs) {
+    CoverageRow row(part.left, part.right);
+    vimage::RowCrossings crossings;
+    for (int y = part.top; y < part.bottom; y++) {
+        if (!addRow(edges, y, crossings, row))
+            return false;
+        runs.beginRow();
+        row.take(runs);
     }
     return true;
 }
@@ -32,9 +48,8 @@ bool fillTileAA(RowPainter& painter, vimage::EdgeList& edges, const XCRect& tile
 
 int fillPolygonAA(tagRECT* changed, XCVOffscreen& image, const tagRECT* clip, RowPainter& painter,
                   std::span<const tagPOINTD> vertices) {
-    return vimage::scanPolygon(
-        changed, image, clip, painter, vertices,
-        [&](vimage::EdgeList& edges, const XCRect& tile) { return fillTileAA(painter, edges, tile); });
+    return vimage::scanPolygon(changed, image, clip, painter, vertices, scanRows,
+                               [&](const XCRect& tile, RunBand& runs) { painter.paintCoverage(tile, runs); });
 }
 
 int fillPolygon(tagRECT* changed, const PolygonTarget& target, std::span<const tagPOINTD> vertices, bool antialias) {

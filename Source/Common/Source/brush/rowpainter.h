@@ -10,18 +10,15 @@
 #include "ovwcmn/xcvoffpixelmixer.h"
 #include "vimage/polygonscan.h"
 
-#include <array>
 #include <cstdint>
 
 namespace ovw::brush {
 
-class CoverageRow;
-
 /// Takes the rows of one polygon, with hard or with soft edges. Everything pointed to outlives the polygon.
 class RowPainter : public vimage::SpanPainter {
 public:
-    /// A row of the tile by its coverage, which is taken out of `row`.
-    virtual void paintCoverage(CoverageRow& row, int y) = 0;
+    /// The runs in a tile by their coverage.
+    virtual void paintCoverage(const XCRect& tile, vimage::RunBand& runs) = 0;
 
 protected:
     ~RowPainter() = default;
@@ -32,9 +29,8 @@ class MixerRows final : public RowPainter {
 public:
     explicit MixerRows(XCFastPixelMixer& mixer) : m_mixer(mixer) {}
 
-    void enterTile(const XCRect& tile) override { m_mixer.MoveCursorToBlock(tile.left, tile.top); }
-    void paintSpan(int first, int last, int y) override { m_mixer.DoLineRow(first, last, y); }
-    void paintCoverage(CoverageRow& row, int y) override;
+    void paintSpans(const XCRect& tile, vimage::RunBand& runs) override;
+    void paintCoverage(const XCRect& tile, vimage::RunBand& runs) override;
 
 private:
     XCFastPixelMixer& m_mixer;
@@ -46,18 +42,13 @@ public:
     PixelMixerRows(XCVOffPixelMixer& mixer, XCVOffPixelMask* mask) : m_mixer(mixer), m_mask(mask) {}
 
     void beginFigure(const XCRect& bounds) override;
-    void enterTile(const XCRect& tile) override { m_tile = tile; }
-    void paintSpan(int first, int last, int y) override {
-        m_mixer.DoLineRow(first, last, y, m_mask, nullptr, m_origin);
-    }
-    void paintCoverage(CoverageRow& row, int y) override;
+    void paintSpans(const XCRect& tile, vimage::RunBand& runs) override;
+    void paintCoverage(const XCRect& tile, vimage::RunBand& runs) override;
 
 private:
     XCVOffPixelMixer& m_mixer;
     XCVOffPixelMask* m_mask;
-    XCRect m_tile;
     tagPOINT m_origin{0, 0};
-    std::array<std::uint8_t, XCVOffscreen::cnBlockSize> m_coverage;
 };
 
 /// With one colour: hard edges replace by the image's own row fill, coverage blends the colour over the pixels.
@@ -65,11 +56,12 @@ class ColourRows final : public RowPainter {
 public:
     ColourRows(XCVOffscreen& image, std::uint32_t colour, XCVOffPixelMask* mask);
 
-    void enterTile(const XCRect& tile) override { m_blended.enterTile(tile); }
-    void paintSpan(int first, int last, int y) override;
-    void paintCoverage(CoverageRow& row, int y) override { m_blended.paintCoverage(row, y); }
+    void paintSpans(const XCRect& tile, vimage::RunBand& runs) override;
+    void paintCoverage(const XCRect& tile, vimage::RunBand& runs) override { m_blended.paintCoverage(tile, runs); }
 
 private:
+    void paintSpan(int first, int last, int y);
+
     XCVOffscreen& m_image;
     std::uint32_t m_colour;
     XCVOffPixelMask* m_mask;

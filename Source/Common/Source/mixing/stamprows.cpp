@@ -34,6 +34,7 @@ void StampRows::lookAhead(const XCRect& reach) {
 
 StampRows::~StampRows() {
     paintPixels();
+    m_plainBatch.paint(m_plain);
     m_batch.paint();
     if (m_last > 0.0f)
         m_mixer.ScaleAntiAlpha(m_last);
@@ -68,10 +69,32 @@ void StampRows::paintInterior(int y, const RimmedSpan& span) {
     m_last = 1.0f;
     if (m_plain.span.opacity == 0)
         return;
-    CompositeSpan interior = m_plain.span;
-    interior.dst = reinterpret_cast<std::uint8_t*>(m_plain.pixelAt(span.innerStart, y));
-    interior.n = n;
-    kernels(n).fastest[m_plain.uniformComposition][Depth32](interior);
+    m_plain.span.dst = reinterpret_cast<std::uint8_t*>(m_plain.pixelAt(span.innerStart, y));
+    m_plain.span.n = n;
+    kernels(n).fastest[m_plain.uniformComposition][Depth32](m_plain.span);
+}
+
+void StampRows::paintCoverages(int x, int y, std::span<const std::uint8_t> coverages) {
+    const int n = static_cast<int>(coverages.size());
+    m_ahead.advanceTo(y);
+    if (m_road != Road::Plain) {
+        float* coverage = coverageOf(n);
+        std::transform(coverages.begin(), coverages.end(), coverage,
+                       [](std::uint8_t byte) { return cnCoverageOfBytes[byte]; });
+        return paintRow(y, {x, x + n, x + n, x + n}, coverage);
+    }
+    m_plainBatch.add(m_plain, m_plain.pixelAt(x, y), coverages.data(), n);
+    const auto last = std::find_if(coverages.rbegin(), coverages.rend(), [](std::uint8_t byte) { return byte != 0; });
+    m_last = last != coverages.rend() ? cnCoverageOfBytes[*last] : m_last;
+}
+
+void StampRows::paintFull(int from, int to, int y) {
+    m_ahead.advanceTo(y);
+    if (m_road == Road::Plain)
+        return paintInterior(y, {from, from, to, to});
+    float* coverage = coverageOf(to - from);
+    std::fill_n(coverage, to - from, 1.0f);
+    paintRow(y, {from, from, to, to}, coverage);
 }
 
 void StampRows::paintCircle(int y, const RimmedSpan& span, CircleRow circle) {

@@ -3,11 +3,14 @@
 
 #include "mixing/coveragerow.h"
 #include "mixing/pixel32.h"
+#include "mixing/plainbatch.h"
 #include "mixing/rowbatch.h"
 #include "mixing/rowsahead.h"
 #include "mixing/spanpainter.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <span>
 
 namespace ovw::mixing {
 
@@ -53,6 +56,11 @@ public:
         paintRow(y, span, coverage);
     }
 
+    /// Pixels x + i of row y inside the block, each with its coverage in 255ths. Those of 0 are skipped.
+    void paintCoverages(int x, int y, std::span<const std::uint8_t> coverages);
+    /// Pixels from <= x < to of row y inside the block, covered in full.
+    void paintFull(int from, int to, int y);
+
     /// Whether paintCircle is faster than paint.
     bool prefersCircles() const { return m_road == Road::Batched; }
     /// A row through a circle. Its first pixel is that of the span, its interior need not be told.
@@ -97,6 +105,7 @@ private:
     Pixel32* m_pixels[cnRowPixels];
     float m_coverage[cnRowPixels];
     RowBatch m_batch;
+    PlainBatch m_plainBatch;
 };
 
 } // namespace ovw::mixing

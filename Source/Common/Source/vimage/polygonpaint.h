@@ -76,8 +76,8 @@ struct PolygonPaint<Rgb24> {
     static constexpr Value paint(Value v, std::uint32_t c, int mode) {
         const int weight = weightOf(c);
         const auto overBlack = [weight](int channel) { return channel * weight / 256; };
-        const auto blend = [&](int old, int channel) {
-            return byteOf((old * (256 - weight) + overBlack(channel) * weight) / 256);
+        const auto blend = [weight](int old, int channel) {
+            return byteOf((old * (256 - weight) + channel * weight) / 256);
         };
         if (mode == PolygonBlend)
             return {blend(v.blue, blueOf(c)), blend(v.green, greenOf(c)), blend(v.red, redOf(c))};

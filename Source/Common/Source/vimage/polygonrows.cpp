@@ -10,7 +10,10 @@ class ColourSpans final : public SpanPainter {
 public:
     ColourSpans(XCVOffscreen& image, const PolygonColour& paint) : m_image(image), m_paint(paint) {}
 
-    void paintSpan(int first, int last, int y) override { fillPolygonRow(m_image, first, last, y, m_paint); }
+    void paintSpans(const XCRect& tile, RunBand& runs) override {
+        forTileSpans(tile, runs,
+                     [this](int first, int last, int y) { fillPolygonRow(m_image, first, last, y, m_paint); });
+    }
 
 private:
     XCVOffscreen& m_image;

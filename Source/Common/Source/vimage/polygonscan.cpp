@@ -19,24 +19,14 @@ bool isDrawable(std::span<const tagPOINTD> vertices) {
     });
 }
 
-/// Writes the spans of one line, cut to a tile.
-class SpanWriter {
-public:
-    SpanWriter(SpanPainter& painter, const XCRect& tile, int y) : m_painter(painter), m_tile(tile), m_y(y) {}
-
-    /// From the pixel of x0 to the pixel of x1, x0 < x1; an end just left of the image counts as its first column.
-    void write(double x0, double x1) const {
-        const int start = truncateWithin(x0, m_tile.left, m_tile.right);
-        const int end = truncateWithin(x1, m_tile.left - 1, m_tile.right - 1);
-        if (start <= end)
-            m_painter.paintSpan(start, end, m_y);
-    }
-
-private:
-    SpanPainter& m_painter;
-    const XCRect& m_tile;
-    int m_y;
-};
+/// What a band can take of an area from its pixel (left, top) on.
+XCRect partAt(const XCRect& area, int left, int top) {
+    constexpr int cnBlock = XCVOffscreen::cnBlockSize;
+    const XCRect most(left, top, endOf(left & -cnBlock, RunBand::cnMaxWidth), endOf(top & -cnBlock, cnBlock));
+    XCRect part;
+    part.IntersectRect(most, area);
+    return part;
+}
 
 template <class Span>
 void forNonZeroSpans(const CrossingList& crossings, Span span) {
@@ -58,13 +48,31 @@ void forTriangleSpan(const CrossingList& crossings, Span span) {
         span(crossings[0].x, crossings[crossings.size() - 1].x);
 }
 
-void writeSpans(const CrossingList& crossings, FillRule rule, const SpanWriter& writer) {
-    const auto write = [&writer](double x0, double x1) { writer.write(x0, x1); };
+template <class Span>
+void forSpans(const CrossingList& crossings, FillRule rule, Span span) {
     switch (rule) {
-    case FillRule::NonZero: return forNonZeroSpans(crossings, write);
-    case FillRule::Triangle: return forTriangleSpan(crossings, write);
-    default: return forEvenOddSpans(crossings, write);
+    case FillRule::NonZero: return forNonZeroSpans(crossings, span);
+    case FillRule::Triangle: return forTriangleSpan(crossings, span);
+    default: return forEvenOddSpans(crossings, span);
     }
+}
+
+/// @return false when a line has too many crossings
+bool scanRows(EdgeList& edges, const XCRect& part, FillRule rule, RunBand& runs) {
+    CrossingList crossings;
+    for (int y = part.top; y < part.bottom; y++) {
+        if (!edges.crossingsAt(y + cnRowSample, crossings))
+            return false;
+        runs.beginRow();
+        // From the pixel of x0 to the pixel of x1; an end just left of the image counts as its first column.
+        forSpans(crossings, rule, [&](double x0, double x1) {
+            const int first = truncateWithin(x0, part.left, part.right);
+            const int last = truncateWithin(x1, part.left - 1, part.right - 1);
+            if (first <= last)
+                runs.addFull(first, last + 1);
+        });
+    }
+    return true;
 }
 
 } // namespace
@@ -91,17 +99,18 @@ bool findPolygonArea(XCRect& area, tagRECT& bounds, std::span<const tagPOINTD> v
     return area.IntersectRect(bounds, image.GetRect()) && (!clip || area.IntersectRect(*clip));
 }
 
+XCRect firstPart(const XCRect& area) { return partAt(area, area.left, area.top); }
+
+XCRect nextPart(const XCRect& area, const XCRect& part) {
+    return part.bottom < area.bottom ? partAt(area, part.left, part.bottom) : partAt(area, part.right, area.top);
+}
+
 int fillPolygon(tagRECT* changed, XCVOffscreen& image, const tagRECT* clip, SpanPainter& painter,
                 std::span<const tagPOINTD> vertices, FillRule rule) {
-    return scanPolygon(changed, image, clip, painter, vertices, [&](EdgeList& edges, const XCRect& tile) {
-        CrossingList crossings;
-        for (int y = tile.top; y < tile.bottom; y++) {
-            if (!edges.crossingsAt(y + cnRowSample, crossings))
-                return false;
-            writeSpans(crossings, rule, SpanWriter(painter, tile, y));
-        }
-        return true;
-    });
+    return scanPolygon(
+        changed, image, clip, painter, vertices,
+        [&](EdgeList& edges, const XCRect& part, RunBand& runs) { return scanRows(edges, part, rule, runs); },
+        [&](const XCRect& tile, RunBand& runs) { painter.paintSpans(tile, runs); });
 }
 
 } // namespace ovw::vimage

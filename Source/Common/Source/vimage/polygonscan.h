@@ -3,20 +3,19 @@
 
 /// @file
 /// The scan conversion of polygons given in pixels. A figure goes tile by tile and row by row; what its spans become is
-/// a SpanPainter's affair.
+/// a SpanPainter's affair. A row of tiles is scanned as one.
 
 #include "ovwcmn/wintypes.h"
 #include "ovwcmn/xcblockgetter.h"
 #include "ovwcmn/xcgeometry.h"
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/edgelist.h"
+#include "vimage/runband.h"
 
+#include <cstdint>
 #include <span>
 
 namespace ovw::vimage {
-
-/// Where a pixel row is sampled.
-inline constexpr double cnRowSample = 0.125;
 
 /// How the crossings of a sample line become spans.
 enum class FillRule {
@@ -30,9 +29,8 @@ class SpanPainter {
 public:
     /// bounds: the whole polygon's, right and bottom exclusive.
     virtual void beginFigure(const XCRect& /*bounds*/) {}
-    virtual void enterTile(const XCRect& /*tile*/) {}
-    /// Pixels first to last, both included, of a row of the tile.
-    virtual void paintSpan(int first, int last, int y) = 0;
+    /// The runs in a tile as hard spans.
+    virtual void paintSpans(const XCRect& tile, RunBand& runs) = 0;
 
 protected:
     SpanPainter() = default;
@@ -49,6 +47,11 @@ tagRECT boundsOfVertices(std::span<const tagPOINTD> vertices);
 bool findPolygonArea(XCRect& area, tagRECT& bounds, std::span<const tagPOINTD> vertices, const XCVOffscreen& image,
                      const tagRECT* clip);
 
+/// The parts of an area that a band of runs takes: pieces of a row of tiles, first downward, then to the right. Empty
+/// behind the last.
+XCRect firstPart(const XCRect& area);
+XCRect nextPart(const XCRect& area, const XCRect& part);
+
 /// Calls span(x0, x1) for every pair of crossings with area between; an odd number has none.
 template <class Span>
 void forEvenOddSpans(const CrossingList& crossings, Span span) {
@@ -59,24 +62,37 @@ void forEvenOddSpans(const CrossingList& crossings, Span span) {
             span(crossings[i].x, crossings[i + 1].x);
 }
 
-/// Calls fillTile(edges, tile) for the tiles that a polygon meets, until one answers that a line has too many
-/// crossings.
+/// Calls span(first, last, y), both pixels included, for the runs in a tile.
+template <class Span>
+void forTileSpans(const XCRect& tile, RunBand& runs, Span span) {
+    for (int y = tile.top; y < tile.bottom; y++)
+        runs.visitRow(y, tile.left, tile.right, [&](int from, int to, const std::uint8_t*) { span(from, to - 1, y); });
+}
+
+/// Calls scan(edges, part, runs) for the parts of a polygon that lie in a row of tiles, and paint(tile, runs) for their
+/// tiles, until a scan answers that a line has too many crossings: of that part only the first tile is painted.
 /// @return 1, with the figure's bounds in `changed` (may be null), when all could be filled
-template <class FillTile>
+template <class Scan, class Paint>
 int scanPolygon(tagRECT* changed, XCVOffscreen& image, const tagRECT* clip, SpanPainter& painter,
-                std::span<const tagPOINTD> vertices, FillTile fillTile) {
+                std::span<const tagPOINTD> vertices, Scan scan, Paint paint) {
     XCRect area;
     tagRECT bounds;
     if (!findPolygonArea(area, bounds, vertices, image, clip))
         return 0;
     EdgeList edges(vertices);
-    XCBlockGetter tiles(&image, area, 1);
+    RunBand runs;
     painter.beginFigure(bounds);
-    for (XCRect tile; tiles.GetNextBlock(tile);) {
-        painter.enterTile(tile);
-        edges.rewind();
-        if (!fillTile(edges, tile))
-            return 0;
+    for (XCRect part = firstPart(area); !part.IsRectEmpty(); part = nextPart(area, part)) {
+        if (part.top == area.top)
+            edges.rewind();
+        runs.begin(part);
+        const bool isWhole = scan(edges, part, runs);
+        XCBlockGetter tiles(&image, part, 1);
+        for (XCRect tile; tiles.GetNextBlock(tile);) {
+            paint(tile, runs);
+            if (!isWhole)
+                return 0;
+        }
     }
     if (changed)
         *changed = bounds;
