@@ -214,6 +214,39 @@ TEST(XCPolygon, TooManyEdgesOnALineStopTheFill) {
     }
 }
 
+TEST(XCPolygon, RowsOfManyAndOfLongSpans) {
+    Random random(13);
+    Corners tangle;
+    for (int i = 0; i < 200; ++i)
+        tangle.push_back({random.real(240, 290), random.real(2, 50)});
+    Corners pickets = comb(120);
+    for (tagPOINTD& corner : pickets)
+        corner.x *= 9.3;
+    const struct {
+        ImageSize image;
+        Corners corners;
+    } cases[] = {
+        {{300, 60}, comb(254)},
+        {{300, 60}, tangle},
+        {{1400, 60}, pickets},
+        {{300, 60}, {{10.2, 2}, {10.6, 2.3}, {10.4, 55}, {80, 58.5}, {10.3, 57}}},         // inside one pixel for long
+        {{9000, 7}, {{3.3, 1.2}, {8990.7, 3.4}, {20.1, 5.9}, {8999.5, 4.1}, {4100, 0.3}}}, // thousands of pixels a row
+        {{9000, 7}, {{-500, -3}, {20000, 4}, {9500, 90}}},
+    };
+    for (const auto& c : cases) {
+        const XCPolyVertex polygon = listOf(c.corners);
+        const auto expectPaint = [&](Fill fill, const Shape& shape) {
+            Canvas actual(32, c.image.width, c.image.height), expected(32, c.image.width, c.image.height);
+            paint(expected, shape);
+            (XCPolygon(&actual.mixer).*fill)(nullptr, actual.image(), &polygon, nullptr);
+            EXPECT_TRUE(isSame(actual.pixels(), expected.pixels())) << c.corners.size() << " corners";
+        };
+        expectPaint(&XCPolygon::DrawPolygonAA, softPolygon(c.image, c.corners));
+        expectPaint(&XCPolygon::DrawPolygon, evenOddPolygon(c.image, c.corners));
+        expectPaint(&XCPolygon::DrawPolygonNonZero, nonZeroPolygon(c.image, c.corners));
+    }
+}
+
 TEST(XCPolygon, FewerThanThreeCornersHaveNoSoftFill) {
     Canvas canvas = newCanvas(8);
     for (const Corners& corners : {Corners{}, Corners{{5, 5}}, Corners{{5, 5}, {50, 60}}}) {
