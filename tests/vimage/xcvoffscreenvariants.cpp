@@ -348,6 +348,41 @@ TYPED_TEST(XCVOffscreenVariants, NewBlocksHoldTheClearColour) {
     }
 }
 
+TEST(XCVOffscreenVariants, AnImageWithoutADepthAnswersZeroAndDoesNothing) {
+    TestStore store;
+    XCVOffscreen image;
+    image.Create(store.get(), 10, 10, 72.0);
+    using Reader8 = std::uint8_t (XCVOffscreenInterface::*)() const;
+    using Reader32 = std::uint32_t (XCVOffscreenInterface::*)() const;
+    using I = XCVOffscreenInterface;
+    for (const Reader8 read :
+         {&I::Get1BitColor, &I::Get1BitColorFast, &I::Get2BitColor, &I::Get2BitColorFast, &I::Get8BitColor,
+          &I::Get8BitColorFast, &I::Get8BitImage, &I::Get8BitImageFast, &I::Get8BitMask, &I::Get8BitMaskFast})
+        EXPECT_EQ((image.*read)(), 0);
+    for (const Reader32 read :
+         {&I::GetColor, &I::Get16BitColor, &I::Get16BitColorFast, &I::Get24BitColor, &I::Get24BitColorFast,
+          &I::Get32BitColor, &I::Get32BitColorFast, &I::Get24BitImage, &I::Get24BitImageFast})
+        EXPECT_EQ((image.*read)(), 0u);
+    using Step = std::uint8_t* (XCVOffscreenInterface::*)();
+    for (const Step step : {&I::NextCursorX, &I::NextCursorXFastest, &I::PrevCursorX, &I::PrevCursorXFastest})
+        EXPECT_EQ((image.*step)(), nullptr);
+    int x1 = 0, x2 = 3;
+    EXPECT_EQ(image.CheckLinePixel(0, x1, x2), -1);
+    EXPECT_EQ(image.MakeNativeColor(0xFFFFFFFF) + image.Get24BitColorAddress(nullptr), 0u);
+    EXPECT_EQ(image.SearchLineRowForPolygon(0, 9), 0);
+    for (const auto write : {&I::Set1BitColor, &I::Set2BitColor, &I::Set8BitColor})
+        (image.*write)(255);
+    for (const auto write : {&I::SetColor, &I::Set16BitColor, &I::Set24BitColor, &I::Set32BitColor})
+        (image.*write)(0xFFFFFFFF);
+    image.RectFill(image.GetRect(), 0, 0xFFFFFFFF, 0);
+    image.FillBlock(1, 0xFFFFFFFF);
+    image.DrawSimpleLine(0, 0, 0xFFFFFFFF);
+    image.DrawSimpleSegment(1, 0, 0, 9, 0xFFFFFFFF);
+    image.FillLineRow(0, 9, 0, 0xFFFFFFFF, nullptr);
+    image.FillLineRowForPolygon(0, 9, 0xFFFFFFFF, 0, nullptr, 0, nullptr, 0);
+    EXPECT_FALSE(image.IsBlockExist());
+}
+
 TEST(XCVOffscreenVariants, TwoBitWritersKeepTheNeighboursInTheByte) {
     TestStore store;
     TestImage image(store, 2, 8, 1);
