@@ -61,9 +61,8 @@ std::string vxGetFolderfromFullPath(const std::string& path) {
         return path;
     const std::string trimmed = vxWithoutBackDelimiter(path);
     const std::size_t last = vxFindLastDelimiter(trimmed);
-    const bool isDrive = trimmed.size() == 2 && trimmed[1] == ':';
     if (last == cnNone)
-        return isDrive ? trimmed + "\\" : std::string();
+        return trimmed.size() == 2 && vxIsRootPath(trimmed + '\\') ? trimmed + '\\' : std::string();
     const std::string withDelimiter = trimmed.substr(0, last + 1);
     return vxIsRootPath(withDelimiter) && !isNetworkRoot(withDelimiter) ? withDelimiter
                                                                         : vxWithoutBackDelimiter(withDelimiter);

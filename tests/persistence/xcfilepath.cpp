@@ -68,10 +68,10 @@ TEST(XCFilePath, NameFolderAndRoot) {
     struct Case {
         const char *path, *name, *folder, *root;
     };
-    for (const Case& c :
-         {Case{"C:\\a\\b.txt", "b.txt", "C:\\a", "C:\\"}, Case{"C:\\a\\b\\\\", "b", "C:\\a", "C:\\"},
-          Case{"C:\\a", "a", "C:\\", "C:\\"},
-          Case{"\\\\server\\share\\a", "a", "\\\\server\\share", "\\\\server\\share"}, Case{"a", "a", "", ""}}) {
+    for (const Case& c : {Case{"C:\\a\\b.txt", "b.txt", "C:\\a", "C:\\"}, Case{"C:\\a\\b\\\\", "b", "C:\\a", "C:\\"},
+                          Case{"C:\\a", "a", "C:\\", "C:\\"},
+                          Case{"\\\\server\\share\\a", "a", "\\\\server\\share", "\\\\server\\share"},
+                          Case{"a", "a", "", ""}, Case{"+:\\a", "a", "+:", ""}}) { // no drive, and no endless way up
         EXPECT_EQ(nameOf(c.path), c.name) << c.path;
         std::string folder = folderOf(c.path);
         EXPECT_EQ(XCFilePath(folder.c_str()), XCFilePath(c.folder)) << c.path << ": " << folder;

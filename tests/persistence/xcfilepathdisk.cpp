@@ -65,6 +65,8 @@ TEST_F(XCFilePathDisk, QueriesAnswerAndNeverThrow) {
 }
 
 TEST_F(XCFilePathDisk, AttributesReadAndSet) {
+    fs::permissions(m_folder.posix(), fs::perms::all);
+    const OrdinaryUserScope user; // whose files they are from here on
     m_folder.write("file", "x");
     m_folder.write(".dot", "x");
     XCFilePath file = path("file");
@@ -79,8 +81,10 @@ TEST_F(XCFilePathDisk, AttributesReadAndSet) {
     if (error == 0) {
         EXPECT_EQ(file.IsHidden(), 1);
         EXPECT_EQ(file.GetReadOnly(), 0);
+        file.SetReadOnly(1);
         file.SetHidden(0);
         EXPECT_EQ(file.IsHidden(), 0);
+        EXPECT_EQ(file.GetReadOnly(), 1);
     } else {
         EXPECT_EQ(error, 50); // a volume without extended attributes
     }

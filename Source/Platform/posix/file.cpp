@@ -353,17 +353,16 @@ int PosixFileSystem::setAttributes(const std::string& path, std::uint32_t attrib
     struct stat status;
     if (::stat(posix.c_str(), &status) != 0)
         return pathError(posix);
-    const bool readOnly = attributes & attributeReadOnly;
+    const mode_t open = (status.st_mode | S_IWUSR) & 07777, closed = status.st_mode & 07777 & ~cnAnyWrite;
     const bool wasReadOnly = !(status.st_mode & cnAnyWrite);
-    const mode_t mode = readOnly ? status.st_mode & ~cnAnyWrite : status.st_mode | S_IWUSR;
-    // The extended attribute of a file that is to become read-only is written while it still can be.
-    if (wasReadOnly && !readOnly && ::chmod(posix.c_str(), mode & 07777) != 0)
+    // The extended attribute of a file that nobody may write can be written by nobody either.
+    if (wasReadOnly && ::chmod(posix.c_str(), open) != 0)
         return lastError();
-    if (const int code = setDosAttributes(posix, attributes))
-        return code;
-    if (!wasReadOnly && readOnly && ::chmod(posix.c_str(), mode & 07777) != 0)
+    const int code = setDosAttributes(posix, attributes);
+    const bool isReadOnly = code ? wasReadOnly : (attributes & attributeReadOnly) != 0;
+    if (isReadOnly && ::chmod(posix.c_str(), closed) != 0)
         return lastError();
-    return 0;
+    return code;
 }
 
 int PosixFileSystem::removeFile(const std::string& path) {
