@@ -286,7 +286,7 @@ TEST(MixerRoads, TheRowsOfAnImageStampEqualTheirSpans) {
             XCFastPixelMixer& fast = twins.fast.mixer();
             fast.MoveCursorToBlock(reach.left, reach.top);
             twins.plain.mixer().MoveCursorToBlock(reach.left, reach.top);
-            ovw::mixing::CopyRows rows(fast, twins.fast.source(), reach);
+            ovw::mixing::CopyRows rows(fast, twins.fast.source());
             for (int y = reach.top; y < reach.bottom; ++y) {
                 const int width = random.chance(2) ? 20 : 256;
                 const int start = random.number(reach.left, reach.right - 1);

@@ -64,12 +64,11 @@ bool MapOutline::stretch(double& left, double& right, double y) const {
     return true;
 }
 
-/// The places between two crossings, on a line dy below theirs: they change along each edge as the edge's own ends do,
-/// less what the crossing's move along the row brings.
-SourceLine MapOutline::lineBetween(const Crossing& left, const Crossing& right, double dy) {
-    const double width = right.x - left.x;
-    const double du = (right.u - left.u) / width;
-    const double dv = (right.v - left.v) / width;
+MapOutline::Course::Course(const Crossing& leftEnd, const Crossing& rightEnd)
+    : left(leftEnd), right(rightEnd), width(right.x - left.x), du((right.u - left.u) / width),
+      dv((right.v - left.v) / width) {}
+
+SourceLine MapOutline::Course::lineBelow(double dy) const {
     const double leftU = left.u + dy * (left.edge->du - du * left.edge->dx);
     const double leftV = left.v + dy * (left.edge->dv - dv * left.edge->dx);
     const double rightU = right.u + dy * (right.edge->du - du * right.edge->dx);
@@ -84,13 +83,12 @@ int MapOutline::spans(std::array<TextureSpan, 2>& out, std::int64_t y, double of
     const int count = findCrossings(found, sampleY, isConvex);
     int spanCount = 0;
     for (int i = 0; i + 1 < count; i += 2) {
-        const Crossing& left = found[i];
-        const Crossing& right = found[i + 1];
-        const std::int64_t start = pixelsBefore(left.x, offset);
-        const std::int64_t end = pixelsBefore(right.x, offset);
+        const std::int64_t start = pixelsBefore(found[i].x, offset);
+        const std::int64_t end = pixelsBefore(found[i + 1].x, offset);
         if (start >= end)
             continue;
-        const auto lineAt = [&](double place) { return lineBetween(left, right, place - offset); };
+        const Course course(found[i], found[i + 1]);
+        const auto lineAt = [&](double place) { return course.lineBelow(place - offset); };
         if (antialias)
             out[spanCount++] = {y, start, end, lineAt(TexturePainter::cnFirstQuarter),
                                 lineAt(TexturePainter::cnSecondQuarter)};

@@ -41,9 +41,22 @@ private:
         const Edge* edge;
     };
 
+    /// The places between two crossings.
+    struct Course {
+        Course(const Crossing& leftEnd, const Crossing& rightEnd);
+        /// On a line dy below the crossings': they change along each edge as the edge's own ends do, less what the
+        /// crossing's move along the row brings.
+        SourceLine lineBelow(double dy) const;
+
+        const Crossing& left;
+        const Crossing& right;
+        double width;
+        double du;
+        double dv;
+    };
+
     void addEdge(const TTexMapVertex& a, const TTexMapVertex& b);
     int findCrossings(std::array<Crossing, 4>& found, double y, bool isConvex) const;
-    static SourceLine lineBetween(const Crossing& left, const Crossing& right, double dy);
 
     std::array<Edge, 4> m_edges;
     int m_edgeCount = 0;

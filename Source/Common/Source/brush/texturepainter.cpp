@@ -13,7 +13,6 @@ constexpr int cnMinSoftDepth = 8;
 /// The mixer's steps are rounded: a line is aimed anew after this many pixels, counted from the span's start, so that
 /// it neither drifts nor depends on where block borders cut it.
 constexpr std::int64_t cnPiece = 256;
-constexpr double cnMaxPixel = 1e12;
 
 constexpr double cnFullStep = XCFastPixelMixer::cnFixFloatConstant;
 constexpr double cnHalfStep = cnFullStep / 2.0;
@@ -34,14 +33,6 @@ mixing::SampleLine sampleLine(const SourceLine& line, double x, double stepScale
 }
 
 } // namespace
-
-std::int64_t pixelsBefore(double value, double offset) {
-    const double place = value - offset;
-    if (!(place > -cnMaxPixel))
-        return static_cast<std::int64_t>(-cnMaxPixel);
-    const auto whole = static_cast<std::int64_t>(std::min(place, cnMaxPixel));
-    return static_cast<double>(whole) < place && place < cnMaxPixel ? whole + 1 : whole;
-}
 
 TexturePainter::TexturePainter(XCVOffscreen& target, XCFastPixelMixer& mixer, XCSimpleImage& source,
                                const tagPOINT& origin, double offset, bool antialias)

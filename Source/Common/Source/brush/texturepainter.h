@@ -7,6 +7,7 @@
 #include "ovwcmn/xcfastpixelmixer.h"
 #include "ovwcmn/xcgeometry.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 
@@ -16,7 +17,14 @@ class XCVOffscreen;
 namespace ovw::brush {
 
 /// Pixels before value, for a rule by which a pixel belongs to what its point at `offset` lies in.
-std::int64_t pixelsBefore(double value, double offset);
+inline std::int64_t pixelsBefore(double value, double offset) {
+    constexpr double cnMaxPixel = 1e12;
+    const double place = value - offset;
+    if (!(place > -cnMaxPixel))
+        return static_cast<std::int64_t>(-cnMaxPixel);
+    const auto whole = static_cast<std::int64_t>(std::min(place, cnMaxPixel));
+    return static_cast<double>(whole) < place && place < cnMaxPixel ? whole + 1 : whole;
+}
 
 /// A line through the source: the place (u, v) at x, and its change from pixel to pixel.
 struct SourceLine {
@@ -65,7 +73,7 @@ public:
         XCBlockGetter blocks(&m_target, area, 1);
         while (blocks.GetNextBlock(m_block)) {
             m_mixer.MoveCursorToBlock(m_block.left, m_block.top);
-            m_rows.emplace(m_mixer, m_source, m_block);
+            m_rows.emplace(m_mixer, m_source);
             for (int y = m_block.top; y < m_block.bottom; y++)
                 row(std::int64_t{y} - m_origin.y);
             m_rows.reset();

@@ -3,7 +3,6 @@
 
 #include "mixing/fetchsource.h"
 #include "mixing/rowbatch.h"
-#include "mixing/rowsahead.h"
 #include "mixing/spanpainter.h"
 
 namespace ovw::mixing {
@@ -13,8 +12,8 @@ namespace ovw::mixing {
 /// gathered into long spans, but for 1 and 2 bits and for masks that are painted on. No pixel may be painted twice.
 class CopyRows {
 public:
-    /// source: locked. reach: what the stamp may touch, in ascending rows inside the block.
-    CopyRows(XCFastPixelMixer& mixer, const XCSimpleImage& source, const XCRect& reach);
+    /// source: locked.
+    CopyRows(XCFastPixelMixer& mixer, const XCSimpleImage& source);
     CopyRows(const CopyRows&) = delete;
     CopyRows& operator=(const CopyRows&) = delete;
     ~CopyRows() { m_batch.paint(); }
@@ -27,7 +26,6 @@ private:
     SpanPainter m_painter;
     const XCSimpleImage& m_source;
     bool m_isGathered;
-    RowsAhead m_ahead;
     RowBatch m_batch;
 };
 

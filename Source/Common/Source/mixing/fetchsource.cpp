@@ -76,6 +76,7 @@ void completeForColors(SourceView& view, SourceRule rule, SourceTexel texel) {
 
 bool completeView(SourceView& view, SourceRule rule, bool isTwoColored) {
     view.pixels = pixelsOf(*view.image);
+    view.isSmall = std::int64_t{view.pixels.width} * view.pixels.height <= std::numeric_limits<std::int32_t>::max();
     switch (view.image->GetOrgBitCount()) {
     case 1:
     case 2: completeForBits(view, isTwoColored); return true;
@@ -99,37 +100,48 @@ std::uint32_t texelAt(const SourceView& view, std::int64_t u, std::int64_t v) {
     }
 }
 
-/// Whether n places of a coordinate stay in 32 bits.
-bool fits(std::int64_t start, std::int64_t step, int n) {
-    return saturated(start) == start && saturated(start + step * (n - 1)) == start + step * (n - 1);
+bool isInt(std::int64_t value) { return value == static_cast<std::int32_t>(value); }
+
+/// Whether a line of samples stays in 32 bits.
+bool fits(const SampleLine& line, int samples) {
+    return isInt(line.u) && isInt(line.v) && isInt(line.u + std::int64_t{line.du} * (samples - 1)) &&
+           isInt(line.v + std::int64_t{line.dv} * (samples - 1));
 }
 
-void sampleLine(std::uint32_t* texels, int n, const SourceView& view, std::int64_t u, std::int64_t v, std::int64_t du,
-                std::int64_t dv, const KernelTable& kernels) {
-    constexpr std::int64_t cnMostPixels = std::numeric_limits<std::int32_t>::max();
-    if (fits(u, du, n) && fits(v, dv, n) && std::int64_t{view.pixels.width} * view.pixels.height <= cnMostPixels) {
-        // The step to another place fits where there is one, and has no say where there is none.
-        const SampleColumn column{static_cast<std::int32_t>(u), static_cast<std::int32_t>(v),
-                                  static_cast<std::int32_t>(du), static_cast<std::int32_t>(dv)};
-        return kernels.sample[view.texel](texels, n, view.pixels, column);
+/// The columns of a line whose pixels take `every` samples each. A step too large for 32 bits leads to no second pixel.
+void addColumns(SampleColumn* columns, const SampleLine& line, int every) {
+    for (int i = 0; i < every; ++i)
+        columns[i] = {static_cast<std::int32_t>(line.u + std::int64_t{line.du} * i),
+                      static_cast<std::int32_t>(line.v + std::int64_t{line.dv} * i),
+                      static_cast<std::int32_t>(std::int64_t{line.du} * every),
+                      static_cast<std::int32_t>(std::int64_t{line.dv} * every)};
+}
+
+/// Sample by sample, for lines that leave 32 bits and images beyond.
+void sampleSlowly(SourceTexels& texels, int first, int n, const SourceView& view, const SampleLine* const* lines) {
+    const int every = view.twoByTwo ? 2 : 1;
+    for (int column = 0; column < every * every; ++column) {
+        const SampleLine& line = *lines[column / every];
+        for (int i = 0; i < n; ++i) {
+            const std::int64_t sample = std::int64_t{i} * every + column % every;
+            texels.column[column][first + i] = texelAt(view, line.u + line.du * sample, line.v + line.dv * sample);
+        }
     }
-    for (int i = 0; i < n; ++i)
-        texels[i] = texelAt(view, u + du * i, v + dv * i);
 }
 
 } // namespace
 
 void sampleSource(SourceTexels& texels, int first, int n, const SourceView& view, const SampleLine& line,
                   const SampleLine& lineB, const KernelTable& kernels) {
-    if (!view.twoByTwo)
-        return sampleLine(texels.column[0] + first, n, view, line.u, line.v, line.du, line.dv, kernels);
-    int i = 0;
-    for (const SampleLine* row : {&line, &lineB}) {
-        const std::int64_t du = row->du;
-        const std::int64_t dv = row->dv;
-        sampleLine(texels.column[i++] + first, n, view, row->u, row->v, 2 * du, 2 * dv, kernels);
-        sampleLine(texels.column[i++] + first, n, view, row->u + du, row->v + dv, 2 * du, 2 * dv, kernels);
-    }
+    const int every = view.twoByTwo ? 2 : 1;
+    const SampleLine* const lines[] = {&line, &lineB};
+    if (!view.isSmall || !fits(line, every * n) || (view.twoByTwo && !fits(lineB, every * n)))
+        return sampleSlowly(texels, first, n, view, lines);
+    SampleColumn columns[SourceTexels::cnColumns];
+    addColumns(columns, line, every);
+    if (view.twoByTwo)
+        addColumns(columns + every, lineB, every);
+    kernels.sample[view.texel](texels, first, n, view.pixels, columns, every * every);
 }
 
 std::int32_t darknessOf(const std::uint8_t* pixel) {

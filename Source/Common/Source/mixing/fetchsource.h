@@ -43,6 +43,7 @@ private:
 struct SourceView {
     const XCSimpleImage* image;
     SourcePixels pixels;
+    bool isSmall;  ///< Fewer pixels than 2^31.
     bool twoByTwo; ///< Four samples a pixel; the steps of their lines are then half steps.
     SourceTexel texel;
     SourceWeight weight;

@@ -46,7 +46,7 @@ constexpr Compositor none = nullptr;
 // clang-format off
 constexpr KernelTable cnKernels = {
     startRow, startCoverage, scaleStart, circleRow, skipFull,
-    {sampleColumn<ByteTexel>, sampleColumn<RgbTexel>, sampleColumn<RgbaTexel>},
+    {sampleColumns<ByteTexel>, sampleColumns<RgbTexel>, sampleColumns<RgbaTexel>},
     {{weighBits<1>, weighBits<4>},
      {weighDensities<1, false>, weighDensities<4, false>},
      {weighDensities<1, true>, weighDensities<4, true>},

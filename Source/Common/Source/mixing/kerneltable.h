@@ -97,9 +97,9 @@ struct KernelTable {
     void (*circleRow)(float* coverage, int n, const CircleRow& row);
     void (*skipFull)(CoverageRow& row, const std::uint16_t* cache, std::int32_t limit);
 
-    /// Reads n samples, at most cnRowPixels; writes up to SourceTexels::cnRoom texels more.
-    void (*sample[cnSourceTexels])(std::uint32_t* texels, int n, const SourcePixels& pixels,
-                                   const SampleColumn& column);
+    /// Reads n samples a column into the texels from first on; writes up to SourceTexels::cnRoom texels more.
+    void (*sample[cnSourceTexels])(SourceTexels& texels, int first, int n, const SourcePixels& pixels,
+                                   const SampleColumn* columns, int count);
     /// From one sample a pixel, or from four.
     void (*weigh[cnSourceWeights][2])(SourceRow& row, int n, const SourceTexels& texels, const SourceColors& colors);
     void (*scaleBySource[cnSourceScales])(CoverageRow& row, const std::int32_t* weights);

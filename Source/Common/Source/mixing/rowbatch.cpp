@@ -58,6 +58,17 @@ void RowBatch::addImage(const BlockPixels& image, std::uint8_t* pixels, bool isP
     m_paintedParts += isPainted ? 1 : 0;
 }
 
+void RowBatch::lookAhead() const {
+    constexpr std::ptrdiff_t cnLineBytes = 64; // of a cache line
+    for (const Part* part = m_part; part != m_part + m_parts; ++part) {
+        const std::uint8_t* row = part->image.at(m_painter->left() - m_left, m_painter->top() - m_top);
+        const std::ptrdiff_t last = std::ptrdiff_t{m_painter->count()} * part->image.pixelBytes - 1;
+        for (std::ptrdiff_t i = 0; i < last; i += cnLineBytes)
+            __builtin_prefetch(row + i);
+        __builtin_prefetch(row + last);
+    }
+}
+
 void RowBatch::add(bool hasCoverage) {
     // A span without a falloff does not show.
     if (!m_painter->fetchInputs(m_inputs, m_count, *m_plan))

@@ -43,6 +43,8 @@ public:
     float* coverage() { return m_coverage + m_count; }
     /// n or somewhat more: the room behind those coverages that may be written too, so that vectors stay whole.
     static constexpr int padded(int n) { return (n + cnPadding - 1) & -cnPadding; }
+    /// Has the pixels of the span fetched that the painter is placed on, for add() to find them.
+    void lookAhead() const;
     /// Takes the span in that the painter is placed on.
     void add(bool hasCoverage);
     /// Paints what was gathered.

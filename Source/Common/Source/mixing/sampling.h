@@ -36,33 +36,79 @@ struct RgbaTexel {
     }
 };
 
-/// Places first, pixels after: the places vectorise. Each is moved into the image, where it may be read from; the mask
-/// then clears what was read for places outside.
-template <class Texel>
-void sampleColumn(std::uint32_t* __restrict texels, int n, const SourcePixels& pixels, const SampleColumn& column) {
-    constexpr int cnLanes = SourceTexels::cnRoom;
+/// What a column reads: pixels inside the image, and which of them count.
+struct SamplePlaces {
     alignas(64) std::uint32_t index[cnRowPixels];
     alignas(64) std::uint32_t mask[cnRowPixels];
-    const SourcePixels p = pixels;
-    const SampleColumn c = column;
-    const int whole = (n + cnLanes - 1) & -cnLanes;
-    for (int i = 0; i < whole; ++i) {
-        // Unsigned: what lies behind the last pixel may pass the ends of 32 bits.
+};
+
+/// Calls place(i, x, y) for n places of a column. They are computed as unsigned numbers: what lies behind the last
+/// pixel may pass the ends of 32 bits.
+template <class Place>
+void visitPlaces(int n, const SampleColumn& column, Place place) {
+    const auto u = static_cast<std::uint32_t>(column.u), du = static_cast<std::uint32_t>(column.du);
+    const auto v = static_cast<std::uint32_t>(column.v), dv = static_cast<std::uint32_t>(column.dv);
+    for (int i = 0; i < n; ++i) {
         const auto step = static_cast<std::uint32_t>(i);
-        const auto u = static_cast<std::uint32_t>(c.u) + step * static_cast<std::uint32_t>(c.du);
-        const auto v = static_cast<std::uint32_t>(c.v) + step * static_cast<std::uint32_t>(c.dv);
-        const std::int32_t x = static_cast<std::int32_t>(u) >> Scale15::cnBits;
-        const std::int32_t y = static_cast<std::int32_t>(v) >> Scale15::cnBits;
+        place(i, static_cast<std::int32_t>(u + step * du) >> Scale15::cnBits,
+              static_cast<std::int32_t>(v + step * dv) >> Scale15::cnBits);
+    }
+}
+
+/// Of an image without protected borders: the first pixel stands in for places outside.
+void findPlaces(SamplePlaces& places, int n, const SourcePixels& pixels, const SampleColumn& column) {
+    const auto width = static_cast<std::uint32_t>(pixels.width);
+    const auto height = static_cast<std::uint32_t>(pixels.height);
+    visitPlaces(n, column, [&places, width, height](int i, std::int32_t x, std::int32_t y) {
+        const auto left = static_cast<std::uint32_t>(x);
+        const auto top = static_cast<std::uint32_t>(y);
+        const bool isInside = (left < width) & (top < height);
+        places.index[i] = isInside ? top * width + left : 0;
+        places.mask[i] = isInside ? ~0u : 0;
+    });
+}
+
+/// The nearest pixel stands in for places outside, and counts on a protected axis.
+void findNearestPlaces(SamplePlaces& places, int n, const SourcePixels& pixels, const SampleColumn& column) {
+    const SourcePixels p = pixels;
+    visitPlaces(n, column, [&places, p](int i, std::int32_t x, std::int32_t y) {
         const std::int32_t left = most(least(x, p.width - 1), 0);
         const std::int32_t top = most(least(y, p.height - 1), 0);
         const std::uint32_t holdsX = x == left ? ~0u : p.protectX;
         const std::uint32_t holdsY = y == top ? ~0u : p.protectY;
-        mask[i] = holdsX & holdsY;
-        index[i] =
+        places.index[i] =
             static_cast<std::uint32_t>(top) * static_cast<std::uint32_t>(p.width) + static_cast<std::uint32_t>(left);
+        places.mask[i] = holdsX & holdsY;
+    });
+}
+
+/// Reads an even number of texels, two at a time: so few instructions a texel have no need of vectors.
+template <class Texel>
+void loadTexels(std::uint32_t* __restrict texels, int n, const std::uint8_t* bits, const SamplePlaces& places) {
+    constexpr int cnHalf = 32;
+    for (int i = 0; i < n; i += 2) {
+        std::uint64_t index;
+        std::uint64_t mask;
+        std::memcpy(&index, places.index + i, sizeof index);
+        std::memcpy(&mask, places.mask + i, sizeof mask);
+        const std::uint64_t low = Texel::load(bits, static_cast<std::uint32_t>(index));
+        const std::uint64_t high = Texel::load(bits, static_cast<std::uint32_t>(index >> cnHalf));
+        const std::uint64_t both = (low | high << cnHalf) & mask;
+        std::memcpy(texels + i, &both, sizeof both);
     }
-    for (int i = 0; i < whole; ++i)
-        texels[i] = Texel::load(p.bits, index[i]) & mask[i];
+}
+
+/// Places first, pixels after: the places vectorise.
+template <class Texel>
+void sampleColumns(SourceTexels& texels, int first, int n, const SourcePixels& pixels, const SampleColumn* columns,
+                   int count) {
+    SamplePlaces places;
+    const int whole = (n + SourceTexels::cnRoom - 1) & -SourceTexels::cnRoom;
+    const auto find = (pixels.protectX | pixels.protectY) != 0 ? findNearestPlaces : findPlaces;
+    for (int i = 0; i < count; ++i) {
+        find(places, whole, pixels, columns[i]);
+        loadTexels<Texel>(texels.column[i] + first, whole, pixels.bits, places);
+    }
 }
 
 // ---- Weights
