@@ -2,6 +2,7 @@
 #include "Utility/vxfile.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace platform = ovw::platform;
 
@@ -46,8 +47,17 @@ bool vxIsRootPath(const std::string& path) {
 }
 
 std::string vxWithoutBackDelimiter(std::string path) {
-    while (!path.empty() && vxFindLastDelimiter(path) == path.size() - 1)
-        path.pop_back();
+    const std::string_view delimiters = path.starts_with('/') ? "\\/" : "\\";
+    std::size_t end = 0;
+    if (platform::asciiStandsAlone())
+        end = path.find_last_not_of(delimiters) + 1; // 0 for none
+    else
+        for (std::size_t i = 0, bytes; i < path.size(); i += bytes) {
+            bytes = std::max<std::size_t>(platform::characterBytes(path.c_str() + i), 1);
+            if (delimiters.find(path[i]) == std::string_view::npos)
+                end = i + bytes;
+        }
+    path.resize(end);
     return path;
 }
 
