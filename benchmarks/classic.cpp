@@ -8,6 +8,7 @@
 #include <benchmark/benchmark.h>
 #include <ovwcmn/xcgeometry.h>
 #include <ovwcmn/xcoffscreen.h>
+#include <ovwcmn/xcvoffscreen.h>
 
 #include <cmath>
 #include <cstring>
@@ -122,18 +123,39 @@ void lines(benchmark::State& state, int depth, int width) {
     ovwbench::run(state, duel);
 }
 
+/// shift: bits that come to stand elsewhere in their bytes are computed, and held against no aim.
 void copy(benchmark::State& state, int depth, bool isWhole, int shift) {
     Square from(cnSide, depth), to(cnSide, depth);
     from.paint();
     ovwbench::PlainMemory plain(from->GetBufferSize());
     const Inside inside = Inside::of(*from);
     const XCRect rect = isWhole ? XCRect(0, 0, cnSide, cnSide) : rectInside(cnSide);
-    ovwbench::Duel duel = duelOf(megapixels(rect.Width(), rect.Height()), 0.80);
+    const bool isComputed = depth < 8 && shift % 8 != 0;
+    ovwbench::Duel duel = duelOf(megapixels(rect.Width(), rect.Height()), isComputed ? 0.0 : 0.80);
     duel.work = [&] {
         to->Copy(rect.left - shift, rect.top, rect.Width(), rect.Height(), from.get(), rect.left, rect.top);
     };
     duel.limitName = isWhole ? "memcpy" : "memcpy by rows";
     duel.limit = [&] { isWhole ? plain.copy() : inside.copy(plain); };
+    ovwbench::run(state, duel);
+}
+
+/// There and back between a classic and a tiled image.
+void convert(benchmark::State& state, int depth) {
+    Square image(cnSide, depth);
+    image.paint();
+    XCOffscreen back;
+    ovwbench::PlainMemory plain(image->GetBufferSize());
+    ovwbench::Duel duel = duelOf(megapixels(cnSide, cnSide), 0.0);
+    duel.work = [&] {
+        const std::unique_ptr<XCVOffscreen> tiled(image->CopyToOffscreen());
+        back.CopyFromOffscreen(tiled.get());
+    };
+    duel.limitName = "2 memcpy";
+    duel.limit = [&] {
+        plain.copy();
+        plain.copy();
+    };
     ovwbench::run(state, duel);
 }
 
@@ -224,6 +246,7 @@ void addDepth(int depth) {
     addOne("copy" + bits + "whole", copy, depth, true, 0);
     addOne("copy" + bits + "inside", copy, depth, false, 0);
     addOne("copy" + bits + "moved by 2", copy, depth, false, 2);
+    addOne("convert" + bits + "to tiled and back", convert, depth);
     // Bits are too few bytes to be held against memory.
     const double aimed = depth == 1 ? 0.0 : 0.25;
     addOne("resize" + bits + "half", resample, depth, cnSide / 2, 2, aimed);

@@ -57,6 +57,16 @@ void fitTiled(Tiled& image, XCVOffscreen& source) {
     image->ChangeResolution(0, 0, W, H, &source, 0, 0, 2 * (cnWidth / 2), 2 * (cnHeight / 2), Mode, 0);
 }
 
+/// A part of the picture, in squares.
+template <int Factor>
+void reduceClassic(XCOffscreen& image, XCOffscreen& source) {
+    image.ChangeResolution(3, 1, 272 / Factor, 280 / Factor, &source, 8, 5, 272, 280, 1);
+}
+template <int Factor>
+void reduceTiled(Tiled& image, XCVOffscreen& source) {
+    image->ChangeResolution(3, 1, 272 / Factor, 280 / Factor, &source, 8, 5, 272, 280, CHANGE_RESOLUTION_LOW, 0);
+}
+
 /// What the picture's blobs leave open; each depth fills it with a colour that it keeps.
 void floodTiled(Tiled& image, XCVOffscreen& source) {
     XCRect changed;
@@ -100,9 +110,8 @@ const Operation cnOperations[] = {
      [](Tiled& i, XCVOffscreen& s) { i->StretchCopy(0, 0, 77, 290, &s, 0, 0, 300, 290); }},
     {"halves", Pictures::opaque, fitClassic<150, 145, 2>, fitTiled<150, 145, cnHigh>},
     {"halves of whole pixels", Pictures::blank, fitClassic<150, 145, 1>, fitTiled<150, 145, cnLow>},
-    {"quarters of whole pixels", Pictures::blank,
-     [](XCOffscreen& i, XCOffscreen& s) { i.ChangeResolution(3, 1, 70, 70, &s, 8, 5, 280, 280, 1); },
-     [](Tiled& i, XCVOffscreen& s) { i->ChangeResolution(3, 1, 70, 70, &s, 8, 5, 280, 280, cnLow, 0); }},
+    {"quarters of whole pixels", Pictures::blank, reduceClassic<4>, reduceTiled<4>},
+    {"eighths of whole pixels", Pictures::blank, reduceClassic<8>, reduceTiled<8>},
     {"whole pixels", Pictures::blank, fitClassic<111, 123, 1>, fitTiled<111, 123, cnLow>},
     {"areas", Pictures::opaque, fitClassic<111, 123, 2>, fitTiled<111, 123, cnHigh>},
     {"flood fill", Pictures::any, floodClassic, floodTiled},

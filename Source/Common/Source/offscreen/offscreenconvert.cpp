@@ -59,6 +59,30 @@ bool isRowBlank(const std::uint8_t* row, int x, int count) {
     return true;
 }
 
+/// Whether pixels lie in memory alike.
+template <class Format, class Tiled>
+inline constexpr bool cnIsAlike =
+    Format::cnBits == Tiled::cnBits&& std::is_same_v<typename Format::Value, typename Tiled::Value>;
+
+/// Pixels of a row of a tiled image's block to a row of a classic image.
+template <class Format, class Tiled>
+void takeRow(std::uint8_t* to, int x, const std::uint8_t* from, int fromX, int count) {
+    if constexpr (cnIsAlike<Format, Tiled>)
+        return Format::copyRow(to, x, from, fromX, count);
+    for (int i = 0; i < count; ++i)
+        storePixel<Format>(to, x + i, classicOf<Format, Tiled>(Tiled::pixelAt(from, fromX + i)));
+}
+
+/// The other way, for the depths that both have.
+template <class Format, class Tiled>
+void giveRow(std::uint8_t* to, int toX, const std::uint8_t* from, int x, int count) {
+    if constexpr (cnIsAlike<Format, Tiled>)
+        Format::copyRow(to, toX, from, x, count);
+    else if constexpr (Format::cnBits == Tiled::cnBits)
+        for (int i = 0; i < count; ++i)
+            Tiled::setPixel(to, toX + i, toTiled(loadPixel<Format>(from, x + i)));
+}
+
 /// Calls action with the formats of a tiled image and of the classic image that it becomes.
 template <class Action>
 void withFormats(int tiledDepth, Action action) {
@@ -92,13 +116,9 @@ void XCOffscreen::CopyFromOffscreen(XCVOffscreen* image) {
         for (int y = 0; y < view.height; ++y)
             Format::fillRow(view.row(y), 0, view.width, blankPixel<Format>());
         vimage::forEachPart(*image, image->GetRect(), [&view](std::uint8_t* base, const XCRect& part) {
-            for (int y = part.top; y < part.bottom; ++y) {
-                int x = part.left;
-                Tiled::visitRow(vimage::rowOf<Tiled>(base, y), part.left & vimage::cnBlockMask, part.Width(),
-                                [row = view.row(y), &x](typename Tiled::Value v) {
-                                    storePixel<Format>(row, x++, classicOf<Format, Tiled>(v));
-                                });
-            }
+            for (int y = part.top; y < part.bottom; ++y)
+                takeRow<Format, Tiled>(view.row(y), part.left, vimage::rowOf<Tiled>(base, y),
+                                       part.left & vimage::cnBlockMask, part.Width());
         });
     });
 }
@@ -121,18 +141,9 @@ XCVOffscreen* XCOffscreen::CopyToOffscreen() {
             if (isBlank)
                 continue;
             image->MoveCursor(part.left, part.top);
-            for (int y = part.top; y < part.bottom; ++y) {
-                int x = part.left;
-                Tiled::changeRow(vimage::rowOf<Tiled>(image->GetBaseAddress(), y), 0, part.Width(),
-                                 [row = view.row(y), &x](typename Tiled::Value) {
-                                     [[maybe_unused]] const int column = x++;
-                                     if constexpr (Tiled::cnBits == Format::cnBits)
-                                         return static_cast<typename Tiled::Value>(
-                                             toTiled(loadPixel<Format>(row, column)));
-                                     else
-                                         return typename Tiled::Value{}; // no tiled image of such a depth is made here
-                                 });
-            }
+            for (int y = part.top; y < part.bottom; ++y)
+                giveRow<Format, Tiled>(vimage::rowOf<Tiled>(image->GetBaseAddress(), y), 0, view.row(y), part.left,
+                                       part.Width());
         }
     });
     return image.release();
