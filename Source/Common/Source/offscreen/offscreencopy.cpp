@@ -3,6 +3,7 @@
 #include "offscreen/sourceimage.h"
 #include "ovwcmn/xcoffscreen.h"
 #include "ovwcmn/xcvoffscreensettings.h"
+#include "vimage/largecopy.h"
 
 #include <algorithm>
 #include <cstring>
@@ -16,17 +17,31 @@ constexpr int cnGroup1 = 32; // pixels that a fast copy moves together
 constexpr int cnGroup8 = 4;
 constexpr int cnByteGroup = 8;
 
+/// Copies all pixels of a rectangle between two images of one depth.
+template <class Format>
+void copyAlike(const PixelView& view, const PixelView& source, const CopyRect& rect) {
+    const auto x = static_cast<int>(rect.x), sx = static_cast<int>(rect.sx), count = static_cast<int>(rect.w);
+    const auto y = static_cast<int>(rect.y), sy = static_cast<int>(rect.sy), height = static_cast<int>(rect.h);
+    const ovw::vimage::LargeCopy copy(rect.w * rect.h * Format::cnBits / 8);
+    if (count == view.width && count == source.width)
+        return copy.copy(view.row(y), source.row(sy),
+                         static_cast<std::size_t>(height) * static_cast<std::size_t>(view.rowBytes));
+    for (int i = 0; i < height; ++i)
+        if constexpr (cnHasBytes<Format>)
+            copy.copy(view.row(y + i) + static_cast<std::ptrdiff_t>(x) * Format::cnBytes,
+                      source.row(sy + i) + static_cast<std::ptrdiff_t>(sx) * Format::cnBytes,
+                      static_cast<std::size_t>(count) * Format::cnBytes);
+        else
+            Format::copyRow(view.row(y + i), x, source.row(sy + i), sx, count);
+}
+
 /// Copies all pixels of a rectangle that is clipped. Rows are taken in an order that serves copies within an image.
 void copyAll(const PixelView& view, const PixelView& source, const CopyRect& rect) {
-    const auto count = static_cast<int>(rect.w);
-    const bool isWhole = view.depth == source.depth && count == view.width && count == source.width;
-    if (isWhole) {
-        std::memmove(view.row(static_cast<int>(rect.y)), source.row(static_cast<int>(rect.sy)),
-                     static_cast<std::size_t>(rect.h) * static_cast<std::size_t>(view.rowBytes));
-        return;
-    }
+    const bool isWithin = view.bits == source.bits;
+    if (view.depth == source.depth && !isWithin)
+        return withFormat(view.depth, [&]<class Format>() { copyAlike<Format>(view, source, rect); });
     std::vector<std::uint8_t> overlapping; // packed rows cannot be shifted in place
-    if (view.bits == source.bits && view.depth == Ink1::cnBits)
+    if (isWithin && view.depth == Ink1::cnBits)
         overlapping.resize(static_cast<std::size_t>(source.rowBytes));
     const bool upwards = rect.y > rect.sy;
     for (std::int64_t i = 0; i < rect.h; ++i) {
@@ -37,7 +52,7 @@ void copyAll(const PixelView& view, const PixelView& source, const CopyRect& rec
             from = overlapping.data();
         }
         convertRow(view.depth, view.row(static_cast<int>(rect.y + j)), static_cast<int>(rect.x), source.depth, from,
-                   static_cast<int>(rect.sx), count);
+                   static_cast<int>(rect.sx), static_cast<int>(rect.w));
     }
 }
 

@@ -16,7 +16,9 @@ class LargeCopy {
 public:
     /// Of an operation that writes about so many pixels of an image.
     LargeCopy(const XCVOffscreen& destination, std::int64_t width, std::int64_t height)
-        : m_isStreamed(width * height / 8 * destination.GetDepth() >= cnCachedBytes) {}
+        : LargeCopy(width * height / 8 * destination.GetDepth()) {}
+    /// Of one that writes about so many bytes.
+    explicit LargeCopy(std::int64_t bytes) : m_isStreamed(bytes >= cnCachedBytes) {}
     ~LargeCopy() {
         if (m_isStreamed)
             m_kernels.endStream();
