@@ -4,6 +4,8 @@
 #include "offscreen/sourceimage.h"
 #include "offscreen/squaremeans.h"
 #include "ovwcmn/xcoffscreen.h"
+#include "vimage/coveredspan.h"
+#include "vimage/numbers.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,90 +13,74 @@
 #include <vector>
 
 using namespace ovw::offscreen;
+using ovw::vimage::AreaSpans;
+using ovw::vimage::AxisPlan;
+using ovw::vimage::CoveredSpan;
+using ovw::vimage::endOf;
+using ovw::vimage::NearestMap;
+using ovw::vimage::WholeSpans;
 
 namespace {
 
 /// Fits one length into another.
 struct Axis {
-    std::int64_t at, length; // in the destination
-    std::int64_t source, sourceLength;
-    std::int64_t size, sourceSize; // of the images
+    AxisPlan plan;
+    int size, sourceSize; // of the images
 
-    // The destination's pixels, counted from `at`, that lie in its image.
-    std::int64_t begin() const { return std::clamp<std::int64_t>(-at, 0, length); }
-    std::int64_t end() const { return std::clamp<std::int64_t>(size - at, begin(), length); }
-    std::int64_t nearest(std::int64_t i) const { return source + i * sourceLength / length; }
+    // The destination's pixels that lie in its image.
+    int begin() const { return std::clamp(plan.to, 0, size); }
+    int end() const { return std::clamp(endOf(plan.to, plan.count), begin(), size); }
+    std::int64_t nearest(int i) const { return NearestMap::ofRatio(plan)(i); }
     bool isInSource(std::int64_t v) const { return v >= 0 && v < sourceSize; }
-};
-
-/// The whole source pixels of a destination pixel: one when enlarging.
-struct WholeSpan {
-    std::int64_t first, end;
-
-    static WholeSpan of(const Axis& axis, std::int64_t i) {
-        const std::int64_t first = axis.nearest(i);
-        const std::int64_t end = axis.sourceLength > axis.length ? axis.nearest(i + 1) : first + 1;
-        return {std::max<std::int64_t>(first, 0), std::min(end, axis.sourceSize)};
+    /// What each of the destination's pixels covers, by area or in whole pixels.
+    template <class Spans>
+    std::vector<CoveredSpan> spans() const {
+        std::vector<CoveredSpan> result;
+        for (int i = begin(); i < end(); ++i)
+            result.push_back(Spans(plan)(i));
+        return result;
     }
 };
 
-/// How a piece of a line covers pixels: those between the first and the last count whole.
-struct PartSpan {
-    std::int64_t first, last; // cut to the image; none when first > last
-    double firstWeight, lastWeight;
-    bool isWhole; // nothing was cut
+/// The part of a span that lies in an image of some size; empty when begin >= end.
+struct Inside {
+    int begin, end;
+    bool isWhole;
 
-    /// The pixels of an image of this size, moved by `offset`, between two positions.
-    static PartSpan of(double from, double to, std::int64_t offset, std::int64_t size) {
-        const auto start = static_cast<std::int64_t>(std::floor(from));
-        auto end = static_cast<std::int64_t>(std::floor(to));
-        PartSpan span{start, end, 1 - (from - static_cast<double>(start)), to - static_cast<double>(end), true};
-        if (start == end)
-            span.firstWeight = span.lastWeight = to - from;
-        else if (span.lastWeight == 0)
-            span.last = --end, span.lastWeight = end == start ? span.firstWeight : 1;
-        span.first += offset, span.last += offset;
-        span.cut(size);
-        return span;
-    }
-    double weightOf(std::int64_t v) const { return v == first ? firstWeight : v == last ? lastWeight : 1; }
-
-private:
-    void cut(std::int64_t size) {
-        isWhole = first >= 0 && last < size;
-        if (first < 0)
-            first = 0, firstWeight = last == 0 ? lastWeight : 1;
-        if (last >= size)
-            last = size - 1, lastWeight = first == last ? firstWeight : 1;
-    }
+    Inside(const CoveredSpan& span, int size)
+        : begin(static_cast<int>(std::clamp<std::int64_t>(span.first, 0, size))),
+          end(static_cast<int>(std::clamp<std::int64_t>(span.last + 1, 0, size))),
+          isWhole(span.first >= 0 && span.last < size) {}
 };
 
-/// The mean of the pixels that both spans cover; false when there is none.
+/// The mean of the pixels that both spans cover, by area; false when there is none.
 template <class Format>
-bool averageParts(const PixelView& view, const PartSpan& columns, const PartSpan& rows, double area,
+bool averageParts(const PixelView& view, const CoveredSpan& columns, const CoveredSpan& rows, double area,
                   std::uint32_t& colour) {
     PixelMean<Format, PixelParts> mean;
-    for (std::int64_t y = rows.first; y <= rows.last; ++y) {
-        const std::uint8_t* const row = view.row(static_cast<int>(y));
-        const double weight = rows.weightOf(y);
-        for (std::int64_t x = columns.first; x <= columns.last; ++x)
-            mean.add(loadPixel<Format>(row, static_cast<int>(x)), weight * columns.weightOf(x));
+    const Inside across(columns, view.width), down(rows, view.height);
+    for (int y = down.begin; y < down.end; ++y) {
+        const std::uint8_t* const row = view.row(y);
+        const double weight = rows.weight(y);
+        for (int x = across.begin; x < across.end; ++x)
+            mean.add(loadPixel<Format>(row, x), weight * columns.weight(x));
     }
     if (mean.isEmpty())
         return false;
-    if (columns.isWhole && rows.isWhole)
+    if (across.isWhole && down.isWhole)
         mean.setWeight(area);
     colour = mean.colour();
     return true;
 }
 
 template <class Format>
-bool averageWhole(const PixelView& view, const WholeSpan& columns, const WholeSpan& rows, std::uint32_t& colour) {
+bool averageWhole(const PixelView& view, const CoveredSpan& columns, const CoveredSpan& rows, std::uint32_t& colour) {
     PixelMean<Format, WholePixels> mean;
-    for (std::int64_t y = rows.first; y < rows.end; ++y) {
-        const std::uint8_t* const row = view.row(static_cast<int>(y));
-        for (std::int64_t x = columns.first; x < columns.end; ++x)
-            mean.add(loadPixel<Format>(row, static_cast<int>(x)), 1);
+    const Inside across(columns, view.width), down(rows, view.height);
+    for (int y = down.begin; y < down.end; ++y) {
+        const std::uint8_t* const row = view.row(y);
+        for (int x = across.begin; x < across.end; ++x)
+            mean.add(loadPixel<Format>(row, x), 1);
     }
     if (mean.isEmpty())
         return false;
@@ -108,96 +94,85 @@ public:
     Fitting(const PixelView& view, const PixelView& source, const Axis& x, const Axis& y)
         : m_view(view), m_source(source), m_x(x), m_y(y) {}
 
-    /// Stores, for every destination pixel in its image, the colour that meanOf(i, j, colour) finds for it.
-    template <class MeanOf>
-    void run(bool keepAlpha, MeanOf meanOf) const {
-        withFormat(m_view.depth, [&]<class Format>() {
-            for (std::int64_t j = m_y.begin(); j < m_y.end(); ++j) {
-                std::uint8_t* const row = m_view.row(static_cast<int>(m_y.at + j));
-                for (std::int64_t i = m_x.begin(); i < m_x.end(); ++i)
-                    if (std::uint32_t colour; meanOf(i, j, colour))
-                        storePixel<Format>(row, static_cast<int>(m_x.at + i),
-                                           keepAlpha ? Format::write32(colour) : Format::write24(colour));
+    /// Means of all that the destination's pixels cover: meanOf<Format>(view, columns, rows, colour).
+    template <class Spans, class MeanOf>
+    void average(bool keepAlpha, MeanOf meanOf) const {
+        const std::vector<CoveredSpan> columns = m_x.spans<Spans>(), rows = m_y.spans<Spans>();
+        withFormats([&]<class Format, class Source>() {
+            for (int y = m_y.begin(); y < m_y.end(); ++y) {
+                const CoveredSpan& down = rows[static_cast<std::size_t>(y - m_y.begin())];
+                std::uint8_t* const row = m_view.row(y);
+                int x = m_x.begin();
+                for (const CoveredSpan& across : columns) {
+                    if (std::uint32_t colour; meanOf.template operator()<Source>(m_source, across, down, colour))
+                        storePixel<Format>(row, x, keepAlpha ? Format::write32(colour) : Format::write24(colour));
+                    ++x;
+                }
             }
         });
     }
     void averageArea() const {
-        const double rx = static_cast<double>(m_x.sourceLength) / static_cast<double>(m_x.length);
-        const double ry = static_cast<double>(m_y.sourceLength) / static_cast<double>(m_y.length);
-        const std::vector<PartSpan> columns = spans(m_x, rx);
-        const std::vector<PartSpan> rows = spans(m_y, ry);
-        withFormat(m_source.depth, [&]<class Format>() {
-            run(false, [&](std::int64_t i, std::int64_t j, std::uint32_t& colour) {
-                return averageParts<Format>(m_source, columns[static_cast<std::size_t>(i - m_x.begin())],
-                                            rows[static_cast<std::size_t>(j - m_y.begin())], rx * ry, colour);
-            });
+        const double area = AreaSpans(m_x.plan).scale() * AreaSpans(m_y.plan).scale();
+        average<AreaSpans>(false, [area]<class Format>(const PixelView& view, const CoveredSpan& columns,
+                                                       const CoveredSpan& rows, std::uint32_t& colour) {
+            return averageParts<Format>(view, columns, rows, area, colour);
         });
     }
     void averageWholePixels(bool keepAlpha) const {
         if (const int factor = squareFactor())
             return averageSquares(factor, keepAlpha);
-        std::vector<WholeSpan> columns;
-        for (std::int64_t i = m_x.begin(); i < m_x.end(); ++i)
-            columns.push_back(WholeSpan::of(m_x, i));
-        withFormat(m_source.depth, [&]<class Format>() {
-            run(keepAlpha, [&](std::int64_t i, std::int64_t j, std::uint32_t& colour) {
-                return averageWhole<Format>(m_source, columns[static_cast<std::size_t>(i - m_x.begin())],
-                                            WholeSpan::of(m_y, j), colour);
-            });
+        average<WholeSpans>(keepAlpha, []<class Format>(const PixelView& view, const CoveredSpan& columns,
+                                                        const CoveredSpan& rows, std::uint32_t& colour) {
+            return averageWhole<Format>(view, columns, rows, colour);
         });
     }
     /// A row of the nearest pixels, in the source's depth, then converted.
     void takeNearest() const {
         std::vector<std::uint8_t> line(static_cast<std::size_t>(m_x.end() - m_x.begin()) * sizeof(ArgbPixel));
-        for (std::int64_t j = m_y.begin(); j < m_y.end(); ++j) {
-            if (!m_y.isInSource(m_y.nearest(j)))
+        for (int y = m_y.begin(); y < m_y.end(); ++y) {
+            if (!m_y.isInSource(m_y.nearest(y)))
                 continue;
-            const auto [first, end] = gather(line.data(), m_source.row(static_cast<int>(m_y.nearest(j))));
-            convertRow(m_view.depth, m_view.row(static_cast<int>(m_y.at + j)), static_cast<int>(m_x.at + first),
-                       m_source.depth, line.data(), 0, static_cast<int>(end - first));
+            const auto [first, end] = gather(line.data(), m_source.row(static_cast<int>(m_y.nearest(y))));
+            convertRow(m_view.depth, m_view.row(y), first, m_source.depth, line.data(), 0, end - first);
         }
     }
 
 private:
+    template <class Action>
+    void withFormats(Action action) const {
+        withFormat(m_view.depth, [&]<class Format>() {
+            withFormat(m_source.depth, [&]<class Source>() { action.template operator()<Format, Source>(); });
+        });
+    }
     /// The side of the squares that become pixels, where all of them are whole and lie in the source; else 0.
     int squareFactor() const {
-        const std::int64_t factor = m_x.sourceLength / m_x.length;
+        const int factor = m_x.plan.sourceCount / m_x.plan.count;
         const auto isWhole = [factor](const Axis& axis) {
-            return axis.sourceLength == axis.length * factor && axis.nearest(axis.begin()) >= 0 &&
+            return axis.plan.sourceCount == std::int64_t{axis.plan.count} * factor && axis.nearest(axis.begin()) >= 0 &&
                    axis.nearest(axis.end()) <= axis.sourceSize;
         };
-        return SquareMeans::isFactor(factor) && isWhole(m_x) && isWhole(m_y) ? static_cast<int>(factor) : 0;
+        return SquareMeans::isFactor(factor) && isWhole(m_x) && isWhole(m_y) ? factor : 0;
     }
     void averageSquares(int factor, bool keepAlpha) const {
         SquareMeans means(m_source, factor, keepAlpha);
-        for (std::int64_t j = m_y.begin(); j < m_y.end(); ++j)
-            for (std::int64_t i = m_x.begin(); i < m_x.end(); i += means.largestCount()) {
-                const auto count = static_cast<int>(std::min<std::int64_t>(means.largestCount(), m_x.end() - i));
+        for (int y = m_y.begin(); y < m_y.end(); ++y)
+            for (int x = m_x.begin(), count = 0; x < m_x.end(); x += count) {
+                count = std::min(means.largestCount(), m_x.end() - x);
                 const std::uint8_t* const line =
-                    means.row(static_cast<int>(m_x.nearest(i)), static_cast<int>(m_y.nearest(j)), count);
-                convertRow(m_view.depth, m_view.row(static_cast<int>(m_y.at + j)), static_cast<int>(m_x.at + i),
-                           means.depth(), line, 0, count);
+                    means.row(static_cast<int>(m_x.nearest(x)), static_cast<int>(m_y.nearest(y)), count);
+                convertRow(m_view.depth, m_view.row(y), x, means.depth(), line, 0, count);
             }
     }
-    static std::vector<PartSpan> spans(const Axis& axis, double ratio) {
-        std::vector<PartSpan> result;
-        for (std::int64_t i = axis.begin(); i < axis.end(); ++i)
-            result.push_back(PartSpan::of(static_cast<double>(i) * ratio, static_cast<double>(i + 1) * ratio,
-                                          axis.source, axis.sourceSize));
-        return result;
-    }
     /// The destination's columns that have a nearest pixel, and these pixels at the start of line.
-    std::pair<std::int64_t, std::int64_t> gather(std::uint8_t* line, const std::uint8_t* row) const {
-        std::int64_t first = m_x.begin();
-        std::int64_t end = m_x.end();
+    std::pair<int, int> gather(std::uint8_t* line, const std::uint8_t* row) const {
+        int first = m_x.begin(), end = m_x.end();
         while (first < end && !m_x.isInSource(m_x.nearest(first)))
             ++first;
         while (end > first && !m_x.isInSource(m_x.nearest(end - 1)))
             --end;
         withFormat(m_source.depth, [&]<class Format>() {
-            for (std::int64_t i = first; i < end; ++i)
-                storePixel<Format>(line, static_cast<int>(i - first),
-                                   loadPixel<Format>(row, static_cast<int>(m_x.nearest(i))));
+            for (int x = first; x < end; ++x)
+                storePixel<Format>(line, x - first, loadPixel<Format>(row, static_cast<int>(m_x.nearest(x))));
         });
         return {first, end};
     }
@@ -220,8 +195,8 @@ void XCOffscreen::fitInto(int dx, int dy, int dw, int dh, XCOffscreen* src, int 
         return;
     const PixelView view(*this);
     const PixelView& from = source.view();
-    fit(Fitting(view, from, Axis{dx, dw, sx, sw, view.width, from.width},
-                Axis{dy, dh, sy, sh, view.height, from.height}),
+    fit(Fitting(view, from, Axis{{dx, dw, sx, sw}, view.width, from.width},
+                Axis{{dy, dh, sy, sh}, view.height, from.height}),
         view.depth == Argb32::cnBits && from.depth == Argb32::cnBits);
 }
 
@@ -264,12 +239,15 @@ std::uint32_t XCOffscreen::CalcPixelValue(double x, double y, double w, double h
     const bool isFinite = std::abs(x) < cnFarthest && std::abs(y) < cnFarthest && w < cnFarthest && h < cnFarthest;
     if (!lock || !isFinite || !(w > 0) || !(h > 0))
         return cnWhite;
+    const auto spanOf = [](double v, double length) {
+        const double whole = std::floor(v);
+        return CoveredSpan::of(ovw::vimage::resolutionEntry(v - whole, v - whole + length),
+                               static_cast<std::int64_t>(whole));
+    };
     const PixelView view(*this);
     std::uint32_t colour = cnWhite;
-    withFormat(view.depth, [&]<class Format>() {
-        averageParts<Format>(view, PartSpan::of(x, x + w, 0, view.width), PartSpan::of(y, y + h, 0, view.height), w * h,
-                             colour);
-    });
+    withFormat(view.depth,
+               [&]<class Format>() { averageParts<Format>(view, spanOf(x, w), spanOf(y, h), w * h, colour); });
     return colour & cnRgbMask;
 }
 
@@ -278,12 +256,8 @@ std::uint32_t XCOffscreen::CalcPixValueHalf(int x, int y) {
     if (!lock)
         return cnWhite;
     const PixelView view(*this);
-    const auto spanOf = [](std::int64_t v, std::int64_t size) {
-        return WholeSpan{std::max<std::int64_t>(v, 0), std::min(v + 2, size)};
-    };
+    const auto pairAt = [](std::int64_t v) { return CoveredSpan{v, v + 1, 1, 1}; };
     std::uint32_t colour = cnWhite;
-    withFormat(view.depth, [&]<class Format>() {
-        averageWhole<Format>(view, spanOf(x, view.width), spanOf(y, view.height), colour);
-    });
+    withFormat(view.depth, [&]<class Format>() { averageWhole<Format>(view, pairAt(x), pairAt(y), colour); });
     return colour & cnRgbMask;
 }
