@@ -44,6 +44,7 @@ constexpr VXHOOKS cnDefaults{
     .folderPath = knownFolder,
     .threadBegin = doNothing,
     .threadEnd = doNothing,
+    .fillPolygon = [](XCGdi&, int, const tagPOINT*, int, std::uint32_t) { return 0; },
     .debugMessage = [](const char*) {},
 };
 
@@ -66,6 +67,7 @@ VXHOOKS completed(VXHOOKS hooks) {
     keepDefault(hooks.folderPath, cnDefaults.folderPath);
     keepDefault(hooks.threadBegin, cnDefaults.threadBegin);
     keepDefault(hooks.threadEnd, cnDefaults.threadEnd);
+    keepDefault(hooks.fillPolygon, cnDefaults.fillPolygon);
     keepDefault(hooks.debugMessage, cnDefaults.debugMessage);
     return hooks;
 }

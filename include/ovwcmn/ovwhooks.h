@@ -11,6 +11,8 @@
 
 #include <cstdint>
 
+class XCGdi; // the window system's drawing interface; the library only passes it on
+
 /// The application's procedures; a null member keeps the default. They are process-wide and set at start-up, before
 /// other threads use the library; they must not throw. Texts are in the current code page (vxGetCodePage).
 struct VXHOOKS {
@@ -38,6 +40,9 @@ struct VXHOOKS {
     void (*threadBegin)();
     void (*threadEnd)();
     /// @}
+    /// Fills a closed polygon of a tip's preview with a colour, 0xAABBGGRR; points and mode are what the tip's DrawGDI
+    /// was given, or made of it. 1 when something was drawn. Default: draws nothing and answers 0.
+    int (*fillPolygon)(XCGdi& gdi, int mode, const tagPOINT* points, int count, std::uint32_t color);
     /// Takes a message for whoever debugs the application; default nothing.
     void (*debugMessage)(const char* text);
 };

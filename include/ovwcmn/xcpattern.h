@@ -40,8 +40,15 @@ public:
     /// @return 1 when something was drawn, else 0; the base answers 1
     virtual int Draw(XCRect* changed, XCVOffscreen* image, XCFastPixelMixer* mixer, XCPointD position, float size,
                      float pressure, int antialias);
-    /// Draws a preview through the window system; the base has none and answers 0.
+    /// Draws a preview through the window system: the tip's outline around `position`, filled by the hook fillPolygon,
+    /// which `mode` is for. The base and image tips have none.
+    /// @return what the hook answers, 0 without preview
     virtual int DrawGDI(XCGdi& gdi, int mode, tagPOINT position, float size, std::uint32_t color);
+    /// @{ Fills a polygon of such a preview; fractions are rounded.
+    /// @return what the hook answers; 0 for less than three corners, without asking it
+    static int PolygonFill(XCGdi& gdi, int mode, const tagPOINT* points, int count, std::uint32_t color);
+    static int PolygonFill(XCGdi& gdi, int mode, const tagPOINTD* points, int count, std::uint32_t color);
+    /// @}
 
     /// @{ What `kind` can be.
     static constexpr int cnKindCircle = 0;
@@ -65,6 +72,7 @@ public:
     XCCirclePattern() : XCPattern(cnKindCircle) {}
     int Draw(XCRect* changed, XCVOffscreen* image, XCFastPixelMixer* mixer, XCPointD position, float size,
              float pressure, int antialias) override;
+    int DrawGDI(XCGdi& gdi, int mode, tagPOINT position, float size, std::uint32_t color) override;
 
 protected:
     /// @{ What `Draw` chooses from. `drawn` receives the bounds of the figure and stays as it was when nothing was
@@ -87,6 +95,7 @@ public:
     int IsTrueCircle() const override;
     int Draw(XCRect* changed, XCVOffscreen* image, XCFastPixelMixer* mixer, XCPointD position, float size,
              float pressure, int antialias) override;
+    int DrawGDI(XCGdi& gdi, int mode, tagPOINT position, float size, std::uint32_t color) override;
 };
 
 /// A polygon in tip units, one unit being half the stamp's size.
@@ -106,8 +115,12 @@ public:
     int PresetPolygon(int count, int left, int right, int top, int bottom);
     int Draw(XCRect* changed, XCVOffscreen* image, XCFastPixelMixer* mixer, XCPointD position, float size,
              float pressure, int antialias) override;
+    int DrawGDI(XCGdi& gdi, int mode, tagPOINT position, float size, std::uint32_t color) override;
 
     XCTArray<tagPOINTD> vertices; ///< the corners in order
+
+private:
+    void placeCorners(tagPOINTD* corners, XCPointD position, float size) const;
 };
 
 /// One end of a bended tip.

@@ -2,12 +2,23 @@
 
 #include "canvas.h"
 #include "mixing/randomcases.h"
+#include "ovwcmn/ovwhooks.h"
+#include "support/scopes.h"
 #include "tipreference.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <functional>
+#include <vector>
+
+/// The application's drawing interface: keeps the last polygon that it was asked for.
+class XCGdi {
+public:
+    int mode = 0;
+    std::vector<XCPoint> points;
+    std::uint32_t color = 0;
+};
 
 namespace {
 
@@ -226,6 +237,37 @@ TEST(XCPolygonPattern, WithoutAreaDrawsNothing) {
         tip.Draw(&changed, canvas.image(), &canvas.mixer, XCPointD(50, 50), 20, 1, antialias);
         EXPECT_TRUE(isSame(canvas.pixels(), newCanvas(32).pixels()));
     }
+}
+
+TEST(XCPattern, PreviewsAreOutlinesForTheApplication) {
+    VXHOOKS hooks{};
+    hooks.fillPolygon = [](XCGdi& gdi, int mode, const tagPOINT* points, int count, std::uint32_t color) {
+        gdi = {mode, {points, points + count}, color};
+        return 1;
+    };
+    XCGdi gdi;
+    XCRectPattern rect;
+    XCCirclePattern circle;
+    XCPolygonPattern triangle;
+    EXPECT_EQ(rect.DrawGDI(gdi, 3, {50, 60}, 20, 0xFF112233), 0); // nobody draws
+    const HooksScope scope(hooks);
+    EXPECT_EQ(rect.DrawGDI(gdi, 3, {50, 60}, 20, 0xFF112233), 1);
+    EXPECT_EQ(gdi.points, (std::vector<XCPoint>{{40, 50}, {60, 50}, {60, 70}, {40, 70}}));
+    EXPECT_EQ(gdi.mode, 3);
+    EXPECT_EQ(gdi.color, 0xFF112233u);
+    triangle.SetParameter(1.0f, 0.5f, float(M_PI / 2)); // turned, up points to the right
+    EXPECT_EQ(triangle.DrawGDI(gdi, 0, {50, 60}, 20, 0), 1);
+    EXPECT_EQ(gdi.points, (std::vector<XCPoint>{{55, 60}, {45, 70}, {45, 50}}));
+    circle.SetParameter(3.0f, 3.0f, 0.0f); // equal factors are a circle of the size
+    EXPECT_EQ(circle.DrawGDI(gdi, 0, {50, 60}, 20, 0), 1);
+    for (const XCPoint& point : gdi.points)
+        EXPECT_NEAR(std::hypot(point.x - 50, point.y - 60), 10, 0.8);
+    gdi.points.clear();
+    EXPECT_EQ(XCPattern().DrawGDI(gdi, 0, {50, 60}, 20, 0), 0);
+    EXPECT_EQ(XCImagePattern().DrawGDI(gdi, 0, {50, 60}, 20, 0), 0);
+    const tagPOINT line[] = {{1, 2}, {3, 4}};
+    EXPECT_EQ(XCPattern::PolygonFill(gdi, 0, line, 2, 0), 0);
+    EXPECT_TRUE(gdi.points.empty());
 }
 
 } // namespace

@@ -1,11 +1,14 @@
 #include "brush/polygonfill.h"
 
 #include "brush/rowpainter.h"
+#include "ovwcmn/detail/toint.h"
 #include "ovwcmn/xcfastpixelmixer.h"
 #include "vimage/coveragerow.h"
 #include "vimage/polygonscan.h"
 
+#include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace ovw::brush {
 
@@ -73,6 +76,21 @@ std::array<tagPOINTD, 4> rotatedRect(tagPOINTD center, double width, double heig
     const double y = height * 0.5;
     const auto corner = [&](double cx, double cy) { return turnedAndMoved(cx, cy, sine, cosine, center); };
     return {corner(-x, -y), corner(x, -y), corner(x, y), corner(-x, y)};
+}
+
+int ellipseCorners(EllipseCorners& corners, tagPOINTD center, double width, double height, double angle) {
+    constexpr int cnMinCorners = 32;
+    const double a = width * 0.5;
+    const double b = height * 0.5;
+    const double quarterCircumference = std::max(a, b) * 2.0 * std::numbers::pi * 0.25;
+    const int count = std::clamp(truncateToInt(quarterCircumference), cnMinCorners, cnMaxEllipseCorners);
+    const double sine = std::sin(angle);
+    const double cosine = std::cos(angle);
+    for (int i = 0; i < count; i++) {
+        const double theta = i * 2.0 * std::numbers::pi / count;
+        corners[i] = turnedAndMoved(a * std::cos(theta), b * std::sin(theta), sine, cosine, center);
+    }
+    return count;
 }
 
 } // namespace ovw::brush

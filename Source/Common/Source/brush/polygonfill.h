@@ -32,6 +32,12 @@ int fillRotatedRect(tagRECT* changed, const PolygonTarget& target, tagPOINTD cen
 /// The corners of that rectangle.
 std::array<tagPOINTD, 4> rotatedRect(tagPOINTD center, double width, double height, double angle);
 
+constexpr int cnMaxEllipseCorners = 512;
+using EllipseCorners = std::array<tagPOINTD, cnMaxEllipseCorners>;
+/// The corners of a polygon for an ellipse turned by `angle` radians about its centre.
+/// @return their number, 32 to 512 by the longer axis
+int ellipseCorners(EllipseCorners& corners, tagPOINTD center, double width, double height, double angle);
+
 /// (x, y) turned by an angle given by its sine and cosine, then moved.
 constexpr tagPOINTD turnedAndMoved(double x, double y, double sine, double cosine, const tagPOINTD& by) {
     return {x * cosine - y * sine + by.x, y * cosine + x * sine + by.y};

@@ -39,8 +39,6 @@ int XCPattern::IsTrueCircle() const { return 0; }
 
 int XCPattern::Draw(XCRect*, XCVOffscreen*, XCFastPixelMixer*, XCPointD, float, float, int) { return 1; }
 
-int XCPattern::DrawGDI(XCGdi&, int, tagPOINT, float, std::uint32_t) { return 0; }
-
 int XCCirclePattern::Draw(XCRect* changed, XCVOffscreen* image, XCFastPixelMixer* mixer, XCPointD position, float size,
                           float, int antialias) {
     const bool soft = isSoft(antialias, image);
@@ -127,15 +125,19 @@ int XCPolygonPattern::Draw(XCRect* changed, XCVOffscreen* image, XCFastPixelMixe
     if (count > cnUsualCorners)
         many.SetSize(count);
     tagPOINTD* const corners = count > cnUsualCorners ? many.GetData() : usual.data();
-    const double unit = size * 0.5;
-    const double sine = std::sin(static_cast<double>(rotation));
-    const double cosine = std::cos(static_cast<double>(rotation));
-    for (int i = 0; i < count; i++)
-        corners[i] = ovw::brush::turnedAndMoved(sizeRate * vertices[i].x * unit, unit * vertices[i].y * sizeRate2, sine,
-                                                cosine, position);
+    placeCorners(corners, position, size);
     const bool soft = isSoft(antialias, image);
     XCRect drawn;
     if (!soft || count >= 3)
         ovw::brush::fillPolygon(drawn, {image, mixer, nullptr}, {corners, static_cast<std::size_t>(count)}, soft);
     return reportStamp(changed, image, drawn);
+}
+
+void XCPolygonPattern::placeCorners(tagPOINTD* corners, XCPointD position, float size) const {
+    const double unit = size * 0.5;
+    const double sine = std::sin(static_cast<double>(rotation));
+    const double cosine = std::cos(static_cast<double>(rotation));
+    for (int i = 0; i < vertices.GetSize(); i++)
+        corners[i] = ovw::brush::turnedAndMoved(sizeRate * vertices[i].x * unit, unit * vertices[i].y * sizeRate2, sine,
+                                                cosine, position);
 }

@@ -2,15 +2,11 @@
 
 #include "brush/polygonfill.h"
 #include "brush/rowpainter.h"
-#include "ovwcmn/detail/toint.h"
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/polygonrows.h"
 #include "vimage/polygonscan.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
-#include <numbers>
 
 namespace {
 
@@ -18,8 +14,6 @@ using ovw::vimage::FillRule;
 
 constexpr int cnHard = 0;
 constexpr int cnSoft = 1;
-constexpr int cnMinEllipseCorners = 32;
-constexpr int cnMaxEllipseCorners = 512;
 
 std::span<const tagPOINTD> verticesOf(const XCPolyVertex* polygon) {
     return polygon ? polygon->Vertices() : std::span<const tagPOINTD>();
@@ -115,17 +109,8 @@ int XCPolygon::DrawRect(tagRECT* changed, XCVOffscreen* image, double cx, double
 
 int XCPolygon::DrawEllipse(tagRECT* changed, XCVOffscreen* image, double cx, double cy, double width, double height,
                            double angle, int antialias, const tagRECT* clip) {
-    const double a = width * 0.5;
-    const double b = height * 0.5;
-    const double quarterCircumference = std::max(a, b) * 2.0 * std::numbers::pi * 0.25;
-    const int count = std::clamp(ovw::truncateToInt(quarterCircumference), cnMinEllipseCorners, cnMaxEllipseCorners);
-    const double sine = std::sin(angle);
-    const double cosine = std::cos(angle);
-    std::array<tagPOINTD, cnMaxEllipseCorners> corners;
-    for (int i = 0; i < count; i++) {
-        const double theta = i * 2.0 * std::numbers::pi / count;
-        corners[i] = ovw::brush::turnedAndMoved(a * std::cos(theta), b * std::sin(theta), sine, cosine, {cx, cy});
-    }
+    ovw::brush::EllipseCorners corners;
+    const int count = ovw::brush::ellipseCorners(corners, {cx, cy}, width, height, angle);
     return fill(changed, image, clip, std::span(corners).first(count), FillRule::EvenOdd, antialias);
 }
 

@@ -84,8 +84,9 @@ void StampRows::paintCoverages(int x, int y, std::span<const std::uint8_t> cover
         return paintRow(y, {x, x + n, x + n, x + n}, coverage);
     }
     m_plainBatch.add(m_plain, m_plain.pixelAt(x, y), coverages.data(), n);
-    const auto last = std::find_if(coverages.rbegin(), coverages.rend(), [](std::uint8_t byte) { return byte != 0; });
-    m_last = last != coverages.rend() ? cnCoverageOfBytes[*last] : m_last;
+    while (!coverages.empty() && coverages.back() == 0)
+        coverages = coverages.first(coverages.size() - 1);
+    m_last = coverages.empty() ? m_last : cnCoverageOfBytes[coverages.back()];
 }
 
 void StampRows::paintFull(int from, int to, int y) {

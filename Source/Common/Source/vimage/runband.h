@@ -77,8 +77,8 @@ private:
     }
     std::uint16_t narrow(int x) const { return static_cast<std::uint16_t>(x - m_left); }
 
-    StackArray<Run, 256> m_runs;
-    StackArray<std::uint8_t, 1024> m_coverages;
+    StackArray<Run, 1024> m_runs; // the stamps of usual tips need no heap
+    StackArray<std::uint8_t, 8192> m_coverages;
     int m_rowCount = 0;
     int m_left = 0;
     int m_top = 0;
