@@ -50,8 +50,8 @@ private:
     bool m_hasOpacities = false;
     Row m_rows[cnMaxRows];
     CoverageRow m_opacities; ///< of each coverage
-    alignas(64) Pixel32 m_pixels[cnRowPixels + cnLanes];
-    alignas(64) std::int32_t m_opacity[cnRowPixels + cnLanes];
+    alignas(64) Pixel32 m_pixels[cnRowPixels];
+    std::uint8_t m_coverages[cnRowPixels];
 };
 
 } // namespace ovw::mixing
