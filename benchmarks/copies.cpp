@@ -53,7 +53,6 @@ void addChange(const std::string& name, int toSide, CHANGE_RESOLUTION_MODE mode,
 void turn(benchmark::State& state, int angle, int flipX, int flipY, double aim) {
     ovwbench::Canvas canvas(cnSide);
     ovwbench::PlainMemory plain(static_cast<std::size_t>(cnSide) * cnSide * 4);
-    xcCreateVirtualMemory(nullptr);
     ovwbench::Duel duel;
     duel.unit = "Mpixel";
     duel.amount = canvas.megapixels();
@@ -65,7 +64,6 @@ void turn(benchmark::State& state, int angle, int flipX, int flipY, double aim) 
     duel.limit = [&] { plain.copy(); };
     duel.aim = aim;
     ovwbench::run(state, duel);
-    xcDestroyVirtualMemory();
 }
 
 void addTurn(const std::string& name, int angle, int flipX, int flipY, double aim) {

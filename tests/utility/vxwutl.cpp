@@ -23,8 +23,9 @@ using ovw::test::LanguageScope;
 
 constexpr std::uint32_t cnEnglish = 1033;
 constexpr std::uint32_t cnJapanese = 1041;
-// The last ones are blocks of whole pages, which grow where they are or move without a copy.
-constexpr std::uint32_t cnSizes[] = {0, 1, 63, 64, 65, 4096, 100000, 0x120003, 0x280000};
+// The last ones are blocks of whole pages, which grow where they are or move without a copy; 0x100000 is a piece of an
+// area of pages, the largest have large pages.
+constexpr std::uint32_t cnSizes[] = {0, 1, 63, 64, 65, 4096, 100000, 0x100000, 0x120003, 0x280000, 0x400001, 0x700000};
 
 bool isZero(const void* block, std::uint32_t from, std::uint32_t to) {
     const auto* const bytes = static_cast<const unsigned char*>(block);
@@ -35,6 +36,7 @@ bool isZero(const void* block, std::uint32_t from, std::uint32_t to) {
 }
 
 TEST(VxMemory, BlocksAreAlignedAndZeroWhereverTheyGrow) {
+    VXHANDLE const neighbour = vxAlloc(0x100000, 0, nullptr); // keeps an area, whose pieces are used again and again
     for (const std::uint32_t from : cnSizes) {
         for (const std::uint32_t to : cnSizes) {
             int status = 0;
@@ -54,10 +56,12 @@ TEST(VxMemory, BlocksAreAlignedAndZeroWhereverTheyGrow) {
             vxFree(handle);
         }
     }
+    vxFree(neighbour);
 }
 
 TEST(VxMemory, BytesThatWereCutOffComeBackAsZeros) {
-    const std::pair<std::uint32_t, std::uint32_t> cases[] = {{1000, 10}, {0x280000, 0x120003}, {0x280000, 0x27FFFF}};
+    const std::pair<std::uint32_t, std::uint32_t> cases[] = {
+        {1000, 10}, {0x280000, 0x120003}, {0x280000, 0x27FFFF}, {0x500000, 0x400100}, {0x280000, 0x100000}};
     for (const auto& [size, least] : cases) {
         void* block = vxAllocPtr(size, 0, nullptr);
         std::memset(block, 0xFF, size);

@@ -109,6 +109,36 @@ TEST_P(RowKernelsTest, AddUpRows) {
     }
 }
 
+TEST_P(RowKernelsTest, WeighRunsOfColumns) {
+    ColumnSums columns;
+    rowKernels().setRow(pixels(3).data(), cnSide, 0.4, columns);
+    const ColumnRun runs[] = {{0, 1, 0.25, 9}, {1, 3, 0.5, 0.125}, {7, 12, 1, 0.3}, {20, 20, 1, 1}, {252, 256, 0.1, 1}};
+    constexpr int cnRuns = 5;
+    PixelSums sums[cnRuns];
+    sums[0] = {800, 50.5, 3, 1020, 1.5}; // sums grow from what is there
+    std::vector<double> expected;
+    for (int i = 0; i < cnRuns; ++i) {
+        double at[5] = {sums[i].blue, sums[i].green, sums[i].red, sums[i].alpha, sums[i].weight};
+        for (int x = runs[i].begin; x < runs[i].end; ++x) {
+            const double share = x == runs[i].begin     ? runs[i].firstWeight
+                                 : x == runs[i].end - 1 ? runs[i].lastWeight
+                                                        : 1.0;
+            for (int k = 0; k < 4; ++k)
+                at[k] += share * columns.channels[4 * x + k];
+            at[4] += share * columns.weights[x];
+        }
+        expected.insert(expected.end(), at, at + 5);
+    }
+    rowKernels().addRuns(columns, runs, cnRuns, sums);
+    EXPECT_EQ(std::memcmp(sums, expected.data(), sizeof sums), 0);
+
+    const PixelSums weighed[] = {{5, 2.5, 3, 8, 2}, {}, {510, 255.5, 0.4, 1000, 1}};
+    BgraPixel colours[3];
+    rowKernels().weighedColours(weighed, 3, 0.3125, colours);
+    const BgraPixel wanted[] = {{3, 1, 2, 3}, {255, 255, 255, 0}, {255, 255, 0, 255}}; // 2.5 and 8 x 0.3125 = 2.5 go up
+    EXPECT_EQ(std::memcmp(colours, wanted, sizeof colours), 0);
+}
+
 TEST_P(RowKernelsTest, TransposeAndReversePixelsOfEverySize) {
     struct {
         int width, height;
@@ -205,7 +235,7 @@ TEST_P(RowKernelsTest, FindLuminancesAndTones) {
                     const std::uint8_t* const p = &pixels[at * bytes];
                     ASSERT_EQ(luminances[bytes - 3][i], (2 * p[0] + 4 * p[1] + p[2]) / 7);
                 }
-                const int opaque = pixels[at] >= thresholds[at], dark = pixels[cnSide + at] >= thresholds[at];
+                const int opaque = pixels[at] >= thresholds[at], dark = 255 - pixels[cnSide + at] >= thresholds[at];
                 ASSERT_EQ(tones[i], onlyOpaque && !opaque ? 0 : 2 * opaque + dark);
             }
         }

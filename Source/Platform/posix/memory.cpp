@@ -1,4 +1,5 @@
 #include "Platform/memory.h"
+#include "Platform/posix/pageareas.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -27,6 +28,24 @@ constexpr bool cnUsePages = true;
 
 std::size_t wholePages(std::size_t bytes) { return (bytes + pageSize() - 1) & ~(pageSize() - 1); }
 
+/// The pages of a page block. Large ones take whole large pages, so that a block which grows finds its next pages
+/// ready.
+std::size_t mappedBytes(std::size_t bytes) {
+    return bytes >= 2 * cnLargePage ? (bytes + cnLargePage - 1) & ~(cnLargePage - 1) : wholePages(bytes);
+}
+
+/// Blocks of this size are many, and come from areas.
+bool isAreaPiece(std::size_t bytes) { return isPageBlock(bytes) && wholePages(bytes) == PageAreas::pieceBytes(); }
+
+void* mapPages(std::size_t bytes) {
+    void* const memory = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+        return nullptr;
+    if (bytes >= 2 * cnLargePage)
+        adviseLargePages(memory, bytes);
+    return memory;
+}
+
 std::uint64_t physicalPages(int name) {
     const long pages = ::sysconf(name);
     return pages > 0 ? static_cast<std::uint64_t>(pages) * pageSize() : 0;
@@ -48,23 +67,38 @@ bool isPageBlock(std::size_t bytes) { return cnUsePages && bytes >= cnPageBlockB
 void* allocateMemory(std::size_t bytes) {
     if (!isPageBlock(bytes))
         return std::calloc(bytes, 1);
-    void* const memory = ::mmap(nullptr, wholePages(bytes), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    return memory == MAP_FAILED ? nullptr : memory;
+    void* const piece = isAreaPiece(bytes) ? PageAreas::instance().take() : nullptr;
+    return piece ? piece : mapPages(mappedBytes(bytes));
 }
 
 void freeMemory(void* memory, std::size_t bytes) {
     if (!isPageBlock(bytes))
         std::free(memory);
-    else if (memory)
-        ::munmap(memory, wholePages(bytes));
+    else if (memory && !(isAreaPiece(bytes) && PageAreas::instance().give(memory)))
+        ::munmap(memory, mappedBytes(bytes));
 }
 
 void* resizePageBlock(void* memory, std::size_t oldBytes, std::size_t newBytes) {
+    const std::size_t oldMapped = mappedBytes(oldBytes), newMapped = mappedBytes(newBytes);
+    if (isAreaPiece(oldBytes) || isAreaPiece(newBytes)) {
+        void* const moved = allocateMemory(newBytes);
+        if (moved) {
+            std::memcpy(moved, memory, std::min(oldBytes, newBytes));
+            freeMemory(memory, oldBytes);
+        }
+        return moved;
+    }
     // The pages that are added come zeroed; the rest of a page that is kept must be cleared by hand.
     if (newBytes < oldBytes)
-        std::memset(static_cast<char*>(memory) + newBytes, 0, std::min(oldBytes, wholePages(newBytes)) - newBytes);
-    void* const moved = ::mremap(memory, wholePages(oldBytes), wholePages(newBytes), MREMAP_MAYMOVE);
-    return moved == MAP_FAILED ? nullptr : moved;
+        std::memset(static_cast<char*>(memory) + newBytes, 0, std::min(oldBytes, newMapped) - newBytes);
+    if (oldMapped == newMapped)
+        return memory;
+    void* const moved = ::mremap(memory, oldMapped, newMapped, MREMAP_MAYMOVE);
+    if (moved == MAP_FAILED)
+        return nullptr;
+    if (newBytes >= 2 * cnLargePage)
+        adviseLargePages(moved, newMapped);
+    return moved;
 }
 
 void prefaultMemory([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t bytes) {

@@ -46,8 +46,13 @@ public:
     ColourReader reader() const { return m_read; }
     bool writesMissing() const { return true; }
     bool countsMissing() const { return m_depth == Rgb24::cnBits; }
-    BgraPixel pixelOf(const PixelSums& sums, double) const {
-        return Rgba32::ofColour(weighedValue(m_depth, sums, m_scale));
+    /// covered(i): how many source pixels lie under pixel i.
+    template <class Covered>
+    void makeColours(const PixelSums* sums, int count, const Covered&, BgraPixel* colours) const {
+        if (m_depth == CoverageGrey16::cnBits || m_depth == Rgba32::cnBits)
+            return rowKernels().weighedColours(sums, count, m_scale, colours);
+        for (int i = 0; i < count; ++i)
+            colours[i] = Rgba32::ofColour(weighedValue(m_depth, sums[i], m_scale));
     }
     void write(std::uint8_t* row, int x, int count, const StoredRow& stored) const {
         if (m_writeBytes)
@@ -82,11 +87,10 @@ public:
     ColourReader reader() const { return m_read; }
     bool writesMissing() const { return m_writeBytes != nullptr; }
     bool countsMissing() const { return false; }
-    BgraPixel pixelOf(const PixelSums& sums, double covered) const {
-        if (sums.weight <= 0)
-            return {};
-        const auto mean = [&](double sum) { return byteOf(static_cast<int>(sum / sums.weight)); };
-        return {mean(sums.blue), mean(sums.green), mean(sums.red), byteOf(static_cast<int>(sums.alpha / covered))};
+    template <class Covered>
+    void makeColours(const PixelSums* sums, int count, const Covered& covered, BgraPixel* colours) const {
+        for (int i = 0; i < count; ++i)
+            colours[i] = pixelOf(sums[i], covered(i));
     }
     void write(std::uint8_t* row, int x, int count, const StoredRow& stored) const {
         if (m_writeBytes)
@@ -96,6 +100,13 @@ public:
     }
 
 private:
+    static BgraPixel pixelOf(const PixelSums& sums, double covered) {
+        if (sums.weight <= 0)
+            return {};
+        const auto mean = [&](double sum) { return byteOf(static_cast<int>(sum / sums.weight)); };
+        return {mean(sums.blue), mean(sums.green), mean(sums.red), byteOf(static_cast<int>(sums.alpha / covered))};
+    }
+
     const PixelRules& m_rules;
     ColourReader m_read;
     ByteWriter m_writeBytes = nullptr;
@@ -125,6 +136,7 @@ private:
         ColumnSums columns;
         std::array<BgraPixel, cnBlockSize> row;
         std::array<CoveredSpan, cnBlockSize> spans; ///< of the part's columns
+        std::array<ColumnRun, cnBlockSize> runs;
         std::array<std::array<PixelSums, cnBlockSize>, cnBandRows> sums;
         StoredRow stored;
     };
@@ -165,9 +177,12 @@ private:
             const SourceColumns columns{begin, std::min((begin | cnBlockMask) + 1, all.end)};
             while (spanAt(firstColumn).last < columns.begin)
                 ++firstColumn;
+            const int runs = collectRuns(columns, firstColumn, part.Width());
             for (int y = top; y < bottom; ++y)
                 if (addColumns(columns, m_rows(y)))
-                    addToRow(columns, firstColumn, part.Width(), m_work->sums[static_cast<std::size_t>(y - top)]);
+                    m_kernels.addRuns(
+                        m_work->columns, m_work->runs.data(), runs,
+                        &m_work->sums[static_cast<std::size_t>(y - top)][static_cast<std::size_t>(firstColumn)]);
             begin = columns.end;
         }
         for (int y = top; y < bottom; ++y)
@@ -203,35 +218,30 @@ private:
         return m_work->row.data();
     }
 
-    void addToRow(const SourceColumns& columns, int firstColumn, int width,
-                  std::array<PixelSums, cnBlockSize>& row) const {
+    /// What the part's columns from the first on cover of some columns of the source; their number.
+    int collectRuns(const SourceColumns& columns, int firstColumn, int width) {
+        int count = 0;
         for (int i = firstColumn; i < width && spanAt(i).first < columns.end; ++i) {
             const CoveredSpan& span = spanAt(i);
-            const int begin = static_cast<int>(std::max<std::int64_t>(span.first, columns.begin));
-            const int end = static_cast<int>(std::min<std::int64_t>(span.last + 1, columns.end));
-            PixelSums sums = row[static_cast<std::size_t>(i)];
-            for (int x = begin; x < end; ++x) {
-                const double weight = span.weight(x);
-                const double* const channels = m_work->columns.channels + 4 * (x - columns.begin);
-                sums.blue += weight * channels[0];
-                sums.green += weight * channels[1];
-                sums.red += weight * channels[2];
-                sums.alpha += weight * channels[3];
-                sums.weight += weight * m_work->columns.weights[x - columns.begin];
-            }
-            row[static_cast<std::size_t>(i)] = sums;
+            const std::int64_t begin = std::max<std::int64_t>(span.first, columns.begin);
+            const std::int64_t end = std::min<std::int64_t>(span.last + 1, columns.end);
+            m_work->runs[static_cast<std::size_t>(count++)] = {static_cast<int>(begin - columns.begin),
+                                                               static_cast<int>(end - columns.begin),
+                                                               span.weight(begin), span.weight(end - 1)};
         }
+        return count;
     }
 
     void storeRow(const XCRect& part, int y, const std::array<PixelSums, cnBlockSize>& row) {
         const double height = static_cast<double>(m_rows(y).pixels());
-        for (int i = 0; i < part.Width(); ++i) {
-            const auto at = static_cast<std::size_t>(i);
-            m_work->stored.colours[at] = m_rule.pixelOf(row[at], height * static_cast<double>(spanAt(i).pixels()));
-            m_work->stored.values[at] = m_work->stored.colours[at].alpha;
-        }
+        StoredRow& stored = m_work->stored;
+        m_rule.makeColours(
+            row.data(), part.Width(), [&](int i) { return height * static_cast<double>(spanAt(i).pixels()); },
+            stored.colours.data());
+        for (std::size_t i = 0; i < static_cast<std::size_t>(part.Width()); ++i)
+            stored.values[i] = stored.colours[i].alpha;
         m_rule.write(m_destination.GetBaseAddress() + (y & cnBlockMask) * m_destination.GetBlockRowBytes(),
-                     part.left & cnBlockMask, part.Width(), m_work->stored);
+                     part.left & cnBlockMask, part.Width(), stored);
     }
 
     XCVOffscreen& m_destination;

@@ -6,11 +6,7 @@
 
 namespace ovw::vimage {
 
-/// What the covered pixels of one destination pixel add up to, by weight; transparent pixels add nothing.
-struct PixelSums {
-    double blue = 0, green = 0, red = 0, alpha = 0;
-    double weight = 0;
-};
+struct PixelSums;
 
 /// The pixels from start on that the coordinates from to to cover; to is not below from.
 _XCRESOLUTIONTABLE resolutionEntry(double from, double to);

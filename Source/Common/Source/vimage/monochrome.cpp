@@ -57,35 +57,22 @@ void readTones(const std::uint8_t* row, int x, int count, const PixelRules& rule
             tones[i] = how.tones.of[Format::read2(Format::pixelAt(row, x + i), rules)];
     else {
         std::uint8_t coverages[cnBlockSize];
-        std::uint8_t darknesses[cnBlockSize];
-        if constexpr (Format::cnBits == Rgba32::cnBits)
-            rowKernels().luminances32(row + x * Format::cnBytes, count, darknesses);
-        for (int i = 0; i < count; ++i) {
-            const auto v = Format::pixelAt(row, x + i);
-            if constexpr (Format::cnBits == Rgba32::cnBits)
-                coverages[i] = v.alpha;
-            else {
-                const std::uint32_t colour = Format::read16(v, rules);
+        std::uint8_t luminances[cnBlockSize];
+        if constexpr (Format::cnBits == Rgba32::cnBits) {
+            rowKernels().luminances32(row + x * Format::cnBytes, count, luminances);
+            rowKernels().alphas32(row + x * Format::cnBytes, count, coverages);
+        } else {
+            for (int i = 0; i < count; ++i) {
+                const std::uint32_t colour = Format::read16(Format::pixelAt(row, x + i), rules);
                 coverages[i] = byteOf(alphaOf(colour));
-                darknesses[i] = byteOf(redOf(colour));
+                luminances[i] = byteOf(redOf(colour));
             }
-            darknesses[i] ^= cnByteMax; // 255 - grey
         }
         static const DitherThresholds s_all(false);
         static const DitherThresholds s_shades(true);
         const std::uint8_t* const thresholds = (how.keepsSolid ? s_shades : s_all).row(how.y);
-        rowKernels().tones(coverages, darknesses, thresholds + x, count, how.keepsSolid, how.tones, tones);
+        rowKernels().tones(coverages, luminances, thresholds + x, count, how.keepsSolid, how.tones, tones);
     }
-}
-
-/// Eight pixels of a byte each, ink where the tone is white or black, in one byte of bits.
-std::uint8_t packInk(const std::uint8_t* tones) {
-    constexpr std::uint64_t cnHighBits = 0x0202020202020202; // of a tone
-    constexpr std::uint64_t cnGather = 0x8040201008040201;   // pixel i to bit 7 - i of the highest byte
-    std::uint64_t pixels = 0;
-    for (int i = 0; i < 8; ++i)
-        pixels |= std::uint64_t{tones[i]} << 8 * i;
-    return static_cast<std::uint8_t>(((pixels & cnHighBits) >> 1) * cnGather >> 56);
 }
 
 template <class Format>
@@ -94,8 +81,10 @@ void writeTones(std::uint8_t* row, int x, int count, const PixelRules& rules, co
     if constexpr (Format::cnBits == Bit1::cnBits) {
         for (; i < count && ((x + i) & 7) != 0; ++i)
             Format::setPixel(row, x + i, Format::write2(tones[i], rules));
-        for (; count - i >= 8; i += 8)
-            row[(x + i) / 8] = packInk(tones + i);
+        if (const int bytes = (count - i) / 8; bytes > 0) {
+            rowKernels().packInk(tones + i, bytes, row + (x + i) / 8);
+            i += 8 * bytes;
+        }
     }
     for (; i < count; ++i)
         Format::setPixel(row, x + i, Format::write2(tones[i], rules));

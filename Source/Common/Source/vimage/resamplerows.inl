@@ -226,19 +226,82 @@ void averageTriples(const std::uint8_t* rows, std::ptrdiff_t stride, int count, 
 template <bool isFirst>
 void addRow(const BgraPixel* row, int count, double weight, ColumnSums& sums) {
     const auto add = [](double& sum, double value) { sum = isFirst ? value : sum + value; };
+    std::uint32_t visible[cnBlockSize];
     for (int i = 0; i < count; ++i) {
-        const double visible = row[i].alpha ? weight : 0.0;
-        add(sums.channels[4 * i], visible * row[i].blue);
-        add(sums.channels[4 * i + 1], visible * row[i].green);
-        add(sums.channels[4 * i + 2], visible * row[i].red);
-        add(sums.channels[4 * i + 3], visible * row[i].alpha);
-        add(sums.weights[i], visible);
+        const std::uint32_t word = wordAt(row, i);
+        visible[i] = word >> 24 ? word : 0;
+        add(sums.weights[i], word >> 24 ? weight : 0.0);
     }
+    std::uint8_t bytes[cnBlockSize * 4];
+    std::memcpy(bytes, visible, 4 * static_cast<std::size_t>(count));
+    for (int i = 0; i < 4 * count; ++i)
+        add(sums.channels[i], weight * bytes[i]);
+}
+
+// In and out of memory by hand: without AVX, functions do not return these in one register.
+typedef double FourDoubles __attribute__((vector_size(32)));
+typedef std::int32_t FourInts __attribute__((vector_size(16)));
+
+void addRuns(const ColumnSums& columns, const ColumnRun* runs, int count, PixelSums* sums) {
+    for (int i = 0; i < count; ++i) {
+        FourDoubles channels;
+        std::memcpy(&channels, &sums[i].blue, sizeof channels);
+        double weight = sums[i].weight;
+        const auto add = [&](int x, double share) {
+            FourDoubles column;
+            std::memcpy(&column, columns.channels + 4 * x, sizeof column);
+            channels += share * column;
+            weight += share * columns.weights[x];
+        };
+        const ColumnRun& run = runs[i];
+        if (run.begin >= run.end)
+            continue;
+        add(run.begin, run.firstWeight);
+        for (int x = run.begin + 1; x < run.end - 1; ++x)
+            add(x, 1.0);
+        if (run.begin < run.end - 1)
+            add(run.end - 1, run.lastWeight);
+        std::memcpy(&sums[i].blue, &channels, sizeof channels);
+        sums[i].weight = weight;
+    }
+}
+
+void weighedColours(const PixelSums* sums, int count, double scale, BgraPixel* colours) {
+    const FourDoubles most = {256, 256, 256, 256};
+    for (int i = 0; i < count; ++i) {
+        const double weight = sums[i].weight;
+        if (weight <= 0) {
+            colours[i] = {255, 255, 255, 0};
+            continue;
+        }
+        FourDoubles means;
+        std::memcpy(&means, &sums[i].blue, sizeof means);
+        means /= FourDoubles{weight, weight, weight, 1};
+        means[3] = sums[i].alpha * scale;
+        means = means < most ? means : most;
+        const FourInts whole = __builtin_convertvector(means, FourInts);
+        const auto isHalf = means - __builtin_convertvector(whole, FourDoubles) >= 0.5;
+        const FourInts rounded = whole - __builtin_convertvector(isHalf, FourInts);
+        const FourInts bytes = rounded < cnByteMax ? rounded : FourInts{} + cnByteMax;
+        colours[i] = {byteOf(bytes[0]), byteOf(bytes[1]), byteOf(bytes[2]), byteOf(bytes[3])};
+    }
+}
+
+template <int Factor, int Part, std::size_t... I>
+Words repeatedPart(const Words& pixels, std::index_sequence<I...>) {
+    return __builtin_shufflevector(pixels, pixels, static_cast<int>((Part * sizeof...(I) + I) / Factor)...);
+}
+template <int Factor, std::size_t... Parts>
+void storeRepeated(const Words& pixels, BgraPixel* to, std::index_sequence<Parts...>) {
+    (storeVector(to + Parts * cnWords, repeatedPart<Factor, Parts>(pixels, std::make_index_sequence<cnWords>())), ...);
 }
 
 template <int Factor>
 void repeat(const BgraPixel* row, int count, BgraPixel* repeated) {
-    for (int i = 0; i < count; ++i)
+    int i = 0;
+    for (; i + static_cast<int>(cnWords) <= count; i += cnWords)
+        storeRepeated<Factor>(loadVector<Words>(row + i), repeated + i * Factor, std::make_index_sequence<Factor>());
+    for (; i < count; ++i)
         for (int x = 0; x < Factor; ++x)
             repeated[i * Factor + x] = row[i];
 }

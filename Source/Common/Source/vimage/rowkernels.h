@@ -19,6 +19,20 @@ struct ColumnSums {
     double weights[cnBlockSize];
 };
 
+/// What the covered pixels of one destination pixel add up to, by weight; transparent pixels add nothing.
+struct PixelSums {
+    double blue = 0, green = 0, red = 0, alpha = 0;
+    double weight = 0;
+};
+
+/// The columns that a destination pixel covers, from `begin` to before `end`; between its ends they weigh 1.
+struct ColumnRun {
+    int begin;
+    int end;
+    double firstWeight;
+    double lastWeight; ///< of column end - 1, unless it is the first
+};
+
 /// Averages count squares; rows lie stride pixels apart. isVisible: 0 for squares without a pixel of some alpha, of
 /// which the colour means nothing. True when all are visible.
 using ColourAverager = bool (*)(const BgraPixel* rows, std::ptrdiff_t stride, int count, BgraPixel* colours,
@@ -58,6 +72,10 @@ struct RowKernels {
     // weight x a row of up to cnBlockSize pixels, to begin sums with and to add to them.
     void (*setRow)(const BgraPixel* row, int count, double weight, ColumnSums& sums);
     void (*addRow)(const BgraPixel* row, int count, double weight, ColumnSums& sums);
+    /// Adds to each of count sums the columns of its run.
+    void (*addRuns)(const ColumnSums& columns, const ColumnRun* runs, int count, PixelSums* sums);
+    /// Colour sums by their weight, alphas x scale, rounded half up to at most 255; transparent white without weight.
+    void (*weighedColours)(const PixelSums* sums, int count, double scale, BgraPixel* colours);
     /// Each of count pixels twice, or four times, one after the other.
     void (*repeat[2])(const BgraPixel* row, int count, BgraPixel* repeated);
 
@@ -69,10 +87,14 @@ struct RowKernels {
     // The luminances of at most cnBlockSize pixels of 24 or 32 bits, whatever their alpha is.
     void (*luminances24)(const std::uint8_t* pixels, int count, std::uint8_t* luminances);
     void (*luminances32)(const std::uint8_t* pixels, int count, std::uint8_t* luminances);
-    /// Tones of pixels: opaque from a coverage, dark from a darkness of thresholds[i] on. With onlyOpaque nothing else
-    /// is dark.
-    void (*tones)(const std::uint8_t* coverages, const std::uint8_t* darknesses, const std::uint8_t* thresholds,
+    /// The alphas of pixels of 32 bits.
+    void (*alphas32)(const std::uint8_t* pixels, int count, std::uint8_t* alphas);
+    /// Tones of pixels: opaque from a coverage, dark from a darkness (255 - luminance) of thresholds[i] on. With
+    /// onlyOpaque nothing else is dark.
+    void (*tones)(const std::uint8_t* coverages, const std::uint8_t* luminances, const std::uint8_t* thresholds,
                   int count, bool onlyOpaque, const FourTones& tones, std::uint8_t* result);
+    /// Bits of ink, the first pixel highest, where 8 x count tones are white or black.
+    void (*packInk)(const std::uint8_t* tones, int count, std::uint8_t* bits);
 
     // See pixellayout.h.
     void (*fillRepeated)(std::uint8_t* to, std::size_t bytes, const std::uint8_t* pattern);

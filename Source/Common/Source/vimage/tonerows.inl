@@ -2,6 +2,9 @@
 
 #include "vimage/rowkernels.h"
 
+#include <bit>
+#include <cstring>
+
 namespace ovw::vimage {
 namespace {
 
@@ -32,7 +35,12 @@ void luminances(const std::uint8_t* pixels, int count, std::uint8_t* luminances)
         luminances[i] = static_cast<std::uint8_t>(seventh(sums[i]));
 }
 
-void tones(const std::uint8_t* coverages, const std::uint8_t* darknesses, const std::uint8_t* thresholds, int count,
+void alphas32(const std::uint8_t* pixels, int count, std::uint8_t* alphas) {
+    for (int i = 0; i < count; ++i)
+        alphas[i] = pixels[i * Rgba32::cnBytes + 3];
+}
+
+void tones(const std::uint8_t* coverages, const std::uint8_t* luminances, const std::uint8_t* thresholds, int count,
            bool onlyOpaque, const FourTones& tones, std::uint8_t* result) {
     // The tone as a polynomial of its two bits over exclusive or, without a branch or a table a pixel.
     const auto& of = tones.of;
@@ -42,9 +50,22 @@ void tones(const std::uint8_t* coverages, const std::uint8_t* darknesses, const 
     const std::uint8_t byBoth = of[3] ^ of[2] ^ byDark;
     for (int i = 0; i < count; ++i) {
         const auto opaque = static_cast<std::uint8_t>(-(coverages[i] >= thresholds[i]));
-        const auto dark = static_cast<std::uint8_t>(-(darknesses[i] >= thresholds[i]));
+        const auto darkness = static_cast<std::uint8_t>(~luminances[i]);
+        const auto dark = static_cast<std::uint8_t>(-(darkness >= thresholds[i]));
         result[i] =
             static_cast<std::uint8_t>(neither ^ (dark & byDark) ^ (opaque & byOpaque) ^ (opaque & dark & byBoth));
+    }
+}
+
+void packInk(const std::uint8_t* tones, int count, std::uint8_t* bits) {
+    constexpr std::uint64_t cnHighBits = 0x0202020202020202; // of a tone
+    constexpr std::uint64_t cnGather = 0x8040201008040201;   // pixel i to bit 7 - i of the highest byte
+    for (int i = 0; i < count; ++i) {
+        std::uint64_t pixels;
+        std::memcpy(&pixels, tones + 8 * i, sizeof pixels);
+        if constexpr (std::endian::native == std::endian::big)
+            pixels = __builtin_bswap64(pixels);
+        bits[i] = static_cast<std::uint8_t>(((pixels & cnHighBits) >> 1) * cnGather >> 56);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "vimage/boxaverage.h"
 #include "vimage/coveredspan.h"
 #include "vimage/pixelrows.h"
+#include "vimage/rowkernels.h"
 #include "vimage/withformat.h"
 
 #include <algorithm>
