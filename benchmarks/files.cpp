@@ -8,6 +8,7 @@
 #include <ovwcmn/xcfilepath.h>
 #include <ovwcmn/xcpreferencefile.h>
 #include <ovwcmn/xcstring.h>
+#include <ovwcmn/xcunzip.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -178,20 +179,25 @@ void packTree(benchmark::State& state, const Tree& tree, const Tool& tool) {
     ovwbench::run(state, duel);
 }
 
-void unpackTree(benchmark::State& state, const Tree& tree, const Tool& tool) {
+/// `extract` fills the folder "ours", the tool "theirs".
+void unpackTree(benchmark::State& state, const Tree& tree, const Tool& tool, void (*extract)(const Folder&)) {
     const Folder folder;
     const std::size_t bytes = writeTree(folder, tree.files, tree.fileBytes);
     pack(folder);
     shell(folder, tool.pack);
     ovwbench::Duel duel = duelOf("MB", static_cast<double>(bytes) / 1e6, tool.name, 1.0);
     duel.restore = [&] { folder.renew("ours"); };
-    duel.work = [&] { XCFileCompression().Decompress(folder.path("ours"), folder.path("packed")); };
+    duel.work = [&] { extract(folder); };
     duel.limit = [&] {
         folder.renew("theirs");
         shell(folder, tool.unpack);
     };
     ovwbench::run(state, duel);
 }
+
+void unpack(const Folder& folder) { XCFileCompression().Decompress(folder.path("ours"), folder.path("packed")); }
+
+void unzip(const Folder& folder) { xcUnzip(folder.path("other.zip"), folder.path("ours")); }
 
 // ---- Settings and paths ---------------------------------------------------------------------------------------------
 
@@ -283,7 +289,11 @@ void addTrees() {
         for (const Tree& tree : trees) {
             const std::string name = std::string(", ") + tree.name + ", beside " + tool.name;
             ovwbench::add("files/pack" + name, [=](benchmark::State& state) { packTree(state, tree, tool); });
-            ovwbench::add("files/unpack" + name, [=](benchmark::State& state) { unpackTree(state, tree, tool); });
+            ovwbench::add("files/unpack" + name,
+                          [=](benchmark::State& state) { unpackTree(state, tree, tool, unpack); });
+            if (tool.name == cnZip.name)
+                ovwbench::add("files/unzip" + name,
+                              [=](benchmark::State& state) { unpackTree(state, tree, tool, unzip); });
         }
     }
 }
