@@ -8,6 +8,7 @@
 #include "ovwcmn/xcfilepath.h"
 #include "ovwcmn/xczlib.h"
 #include "persistence/extractedfile.h"
+#include "persistence/folderentries.h"
 #include "persistence/progressscope.h"
 #include "persistence/zipnames.h"
 #include "persistence/zipreader.h"
@@ -99,36 +100,56 @@ void checkDirectory(ZipReader& zip, const XCFilePath& destFolder, const VXUNZIPO
     });
 }
 
-/// The folder of an entry, created as far as it is missing. What a link leads to lies elsewhere.
-XCFilePath createFolders(const XCFilePath& destFolder, const std::vector<std::string>& names, CreatedThings& things) {
-    XCFilePath folder(destFolder);
+/// Entries on their way into the destination.
+class Extraction {
+public:
+    explicit Extraction(const XCFilePath& destFolder) : m_destFolder(destFolder), m_folder(destFolder) {}
+
+    void extract(ZipReader& zip, const ZipEntry& entry);
+    void keep() { m_things.keep(); }
+
+private:
+    void enter(const std::vector<std::string>& names);
+
+    XCFilePath m_destFolder;
+    CreatedThings m_things;
+    std::vector<std::string> m_names; // of the folder entered last, below the destination
+    XCFilePath m_folder;
+};
+
+/// Makes it the folder of an entry, created as far as it is missing. What a link leads to lies elsewhere.
+void Extraction::enter(const std::vector<std::string>& names) {
+    if (names == m_names)
+        return; // looked at for the entry before
+    XCFilePath folder(m_destFolder);
     for (const std::string& name : names) {
         folder += name.c_str();
         platform::FileInformation information;
-        if (platform::fileSystem().information(static_cast<const char*>(folder), information) == 0) {
-            if (information.isLink)
-                xcThrowError(platform::cnErrorAccessDenied);
-            if (!(information.attributes & platform::attributeFolder))
-                xcThrowError(ovw::foundation::cnCodeFileExists);
-            continue;
+        if (!lookAt(folder, information)) {
+            folder.CreateFolder();
+            m_things.add(folder);
+        } else if (information.isLink) {
+            xcThrowError(platform::cnErrorAccessDenied);
+        } else if (!(information.attributes & platform::attributeFolder)) {
+            xcThrowError(ovw::foundation::cnCodeFileExists);
         }
-        folder.CreateFolder();
-        things.add(folder);
     }
-    return folder;
+    m_folder = folder;
+    m_names = names;
 }
 
-void extractEntry(ZipReader& zip, const ZipEntry& entry, const XCFilePath& destFolder, CreatedThings& things) {
+void Extraction::extract(ZipReader& zip, const ZipEntry& entry) {
     const ZipPlace place = placeOf(entry.name);
-    XCFilePath path = createFolders(destFolder, place.folders, things);
+    enter(place.folders);
     if (place.file.empty())
         return;
+    XCFilePath path(m_folder);
     path += place.file.c_str();
     ExtractedFile file(path);
     zip.expand([&](const void* bytes, std::uint32_t size) { file.write(bytes, size); });
     file.finish();
     if (file.isNew())
-        things.add(path);
+        m_things.add(path);
 }
 
 /// 1, or 0 when the file is no archive.
@@ -140,14 +161,14 @@ int extract(const XCFilePath& zipFile, const XCFilePath& destFolder, const VXUNZ
     }
     checkDirectory(zip, destFolder, options);
     ProgressScope progress(options.progress, static_cast<std::int64_t>(zip.entryCount()));
-    CreatedThings things;
+    Extraction extraction(destFolder);
     forEachEntry(zip, [&](const ZipEntry& entry) {
         if (options.abort && options.abort->IsAbort())
             xcThrowError(cnCodeCancelled);
-        extractEntry(zip, entry, destFolder, things);
+        extraction.extract(zip, entry);
         progress.step(1);
     });
-    things.keep();
+    extraction.keep();
     return 1;
 }
 

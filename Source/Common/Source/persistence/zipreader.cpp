@@ -7,6 +7,7 @@
 #include <array>
 #include <cstring>
 #include <span>
+#include <utility>
 
 #include <minizip/unzip.h>
 #include <zlib.h>
@@ -112,28 +113,37 @@ bool ZipReader::isEmptyArchive() {
            archiveBytes() == cnEndRecordBytes + static_cast<std::uint64_t>(comment[0] + 256 * comment[1]);
 }
 
+/// The window that holds the position, read from the file if need be; null at the end of the file.
+const ZipReader::Window* ZipReader::windowAt(std::uint64_t position) {
+    for (std::size_t i = 0; i < m_windows.size(); ++i)
+        if (m_windows[i].holds(position))
+            return &m_windows[m_recent = i];
+    if (position >= archiveBytes())
+        return nullptr;
+    m_recent = 1 - m_recent;
+    Window& window = m_windows[m_recent];
+    std::vector<char> bytes = std::exchange(window.bytes, {}); // nothing is held until it is read
+    std::uint32_t count = 0;
+    bytes.resize(cnWindowBytes);
+    m_file.Seek(static_cast<std::int64_t>(position), FILE_BEGIN);
+    m_file.Read(bytes.data(), cnWindowBytes, &count);
+    bytes.resize(count);
+    window = {std::move(bytes), position};
+    return count > 0 ? &window : nullptr;
+}
+
 /// From the position on, which moves; fewer bytes at the end of the file.
 std::size_t ZipReader::read(char* to, std::size_t size) {
     std::size_t done = 0;
     while (done < size) {
-        const std::uint64_t inWindow = m_position - m_windowStart;
-        if (m_position >= m_windowStart && inWindow < m_window.size()) {
-            const std::size_t count = std::min<std::size_t>(size - done, m_window.size() - inWindow);
-            std::memcpy(to + done, m_window.data() + inWindow, count);
-            done += count;
-            m_position += count;
-            continue;
-        }
-        if (m_position >= archiveBytes())
+        const Window* const window = windowAt(m_position);
+        if (!window)
             break;
-        std::uint32_t count = 0;
-        m_window.resize(cnWindowBytes);
-        m_windowStart = m_position;
-        m_file.Seek(static_cast<std::int64_t>(m_position), FILE_BEGIN);
-        m_file.Read(m_window.data(), cnWindowBytes, &count);
-        m_window.resize(count);
-        if (count == 0)
-            break;
+        const std::uint64_t inWindow = m_position - window->start;
+        const std::size_t count = std::min<std::size_t>(size - done, window->bytes.size() - inWindow);
+        std::memcpy(to + done, window->bytes.data() + inWindow, count);
+        done += count;
+        m_position += count;
     }
     return done;
 }

@@ -3,6 +3,7 @@
 
 #include "ovwcmn/xcfile.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -46,6 +47,15 @@ public:
     struct Callbacks;
 
 private:
+    /// Bytes of the file.
+    struct Window {
+        std::vector<char> bytes;
+        std::uint64_t start = 0;
+
+        bool holds(std::uint64_t position) const { return position >= start && position - start < bytes.size(); }
+    };
+
+    const Window* windowAt(std::uint64_t position);
     void check(int result) const;
     std::vector<std::uint8_t> extraField(std::size_t size) const;
     bool isEmptyArchive();
@@ -55,8 +65,8 @@ private:
     XCFile m_file;
     std::uint64_t m_length = 0;
     std::uint64_t m_position = 0;
-    std::vector<char> m_window; // of the file: minizip reads byte by byte
-    std::uint64_t m_windowStart = 0;
+    std::array<Window, 2> m_windows; // minizip reads byte by byte, from the directory and from an entry in turns
+    std::size_t m_recent = 0;        // the one that was looked into last
     void* m_zip = nullptr;
     bool m_isEmpty = false; // which minizip takes for no archive
     int m_readError = 0;    // the code of the last failure of the file itself
