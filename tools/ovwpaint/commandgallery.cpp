@@ -40,7 +40,8 @@ std::string galleryHelp() {
 class GalleryCommand final : public Command {
 public:
     explicit GalleryCommand(CLI::App& program)
-        : Command(program.add_subcommand("gallery", "Paint a picture of each thing that brushes and classic images can do")) {
+        : Command(program.add_subcommand("gallery",
+                                         "Paint a picture of each thing that brushes and classic images can do")) {
         app().add_option("-o,--output", m_folder, "The folder for the pictures")->required()->type_name("DIR");
         app()
             .add_option("--only", m_only, "Paint this sheet; may be given several times")
