@@ -326,6 +326,9 @@ TEST(XCRegKey, OpensAndCreatesSubKeys) {
     EXPECT_EQ(errorOf([&] { key.SetValue(1, "x"); }), 0x20010008) << "open for reading";
     folder.write("file", "");
     EXPECT_EQ(errorOf([&] { key.Open(folder.path(), "file\\x", XCRegKey::cnWrite); }), 0x2001000A);
+    const ovw::test::CodePageScope japanese(932); // where a second byte may be the separator's
+    EXPECT_EQ(key.Open(folder.path(), "\x83\x5C\\b", XCRegKey::cnWrite), 1);
+    EXPECT_TRUE(folder.has("\u30BD/b"));
 }
 
 TEST(XCRegKey, KeepsTheOtherValuesUpToAnEmptyOne) {

@@ -1,5 +1,6 @@
 #include "ovwcmn/xcregkey.h"
 
+#include "Platform/text.h"
 #include "ovwcmn/xcexception.h"
 #include "ovwcmn/xcfilepath.h"
 #include "ovwcmn/xclength.h"
@@ -23,12 +24,11 @@ constexpr int cnSmallestKept = 1; // a value without bytes ends what closing kee
 
 /// The components of a sub-key, between "\" and ":" outside double-byte characters.
 std::vector<std::string> subKeyNames(const char* subKey) {
-    const XCString text = subKey;
     std::vector<std::string> names(1);
-    for (int i = 0; i < text.GetLength(); ++i) {
-        const bool isSeparator = (text[i] == '\\' || text[i] == ':') && !text.IsDoubleByte(i);
+    for (std::size_t bytes; (bytes = ovw::platform::characterBytes(subKey)) > 0; subKey += bytes) {
+        const bool isSeparator = bytes == 1 && (*subKey == '\\' || *subKey == ':');
         if (!isSeparator)
-            names.back() += text[i];
+            names.back().append(subKey, bytes);
         else if (!names.back().empty())
             names.emplace_back();
     }
