@@ -133,7 +133,9 @@ void SpanPainter::stampColorBits() const {
 
 /// Writes the values where the row is not 0.
 void SpanPainter::writeBits(const CoverageRow& row, const std::uint8_t* values) const {
-    CompositeSpan span = compositeSpan(m_n, nullptr);
+    CompositeSpan span = commonSpan();
+    span.n = row.n;
+    goToBits(span);
     span.a = row.a;
     span.values = values;
     m_kernels->fastest[XCFastPixelMixer::Replace][DepthBits](span);

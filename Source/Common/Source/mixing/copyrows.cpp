@@ -13,12 +13,10 @@ CopyRows::CopyRows(XCFastPixelMixer& mixer, const XCSimpleImage& source) : m_pai
 void CopyRows::paint(int x1, int x2, int y, const SampleLine& line, const SampleLine& lineB) {
     if (!m_isGathered)
         return m_painter.paintCopy(x1, x2, y, &m_source, line, lineB);
-    if (!m_painter.place(x1, x2 - 1, y))
-        return;
+    m_batch.reserve(x2 - x1);
+    m_batch.lookAhead(x1, y, x2 - x1);
     m_painter.aim(line, lineB);
-    m_batch.reserve(m_painter.count());
-    m_batch.lookAhead();
-    m_batch.add(false);
+    m_batch.add(x1, y, x2 - x1, false);
 }
 
 } // namespace ovw::mixing

@@ -10,6 +10,7 @@ namespace ovw::mixing {
 void RowBatch::begin(SpanPainter& painter, const KernelPlan& plan, const BatchImages& images) {
     m_painter = &painter;
     m_plan = &plan;
+    m_readsInputs = painter.prepare(plan);
     m_left = images.left;
     m_top = images.top;
     addImage(images.dst, m_dst, true);
@@ -29,29 +30,35 @@ void RowBatch::addImage(const BlockPixels& image, std::uint8_t* pixels, bool isP
     m_paintedParts += isPainted ? 1 : 0;
 }
 
-void RowBatch::lookAhead() const {
+void RowBatch::lookAhead(int x, int y, int n) const {
     constexpr std::ptrdiff_t cnLineBytes = 64; // of a cache line
     for (const Part* part = m_part; part != m_part + m_parts; ++part) {
-        const std::uint8_t* row = part->image.at(m_painter->left() - m_left, m_painter->top() - m_top);
-        const std::ptrdiff_t last = std::ptrdiff_t{m_painter->count()} * part->image.pixelBytes - 1;
+        const std::uint8_t* row = part->image.at(x - m_left, y - m_top);
+        const std::ptrdiff_t last = std::ptrdiff_t{n} * part->image.pixelBytes - 1;
         for (std::ptrdiff_t i = 0; i < last; i += cnLineBytes)
             __builtin_prefetch(row + i);
         __builtin_prefetch(row + last);
     }
 }
 
-void RowBatch::add(bool hasCoverage) {
-    // A span without a falloff does not show.
-    if (!m_painter->fetchInputs(m_inputs, m_count, *m_plan))
-        return;
-    m_hasCoverage = hasCoverage;
-    Row& row = m_row[m_rows++];
-    row = {m_painter->left() - m_left, m_painter->top() - m_top, m_count, m_painter->count()};
-    for (const Part* part = m_part; part != m_part + m_parts; ++part) {
-        const std::size_t bytes = std::size_t(row.n) * std::size_t(part->image.pixelBytes);
-        copyRow(part->pixels + row.first * part->image.pixelBytes, part->image.at(row.column, row.line), bytes);
+void RowBatch::add(int x, int y, int n, bool hasCoverage) {
+    if (m_readsInputs) {
+        m_painter->goTo(x, y, n);
+        // A span without a falloff does not show.
+        if (!m_painter->fetchInputs(m_inputs, m_count, *m_plan))
+            return;
     }
-    m_count += row.n;
+    m_hasCoverage = hasCoverage;
+    Row& row = m_rowsOf[m_rows++];
+    row.first = m_count;
+    row.n = n;
+    for (int i = 0; i < m_parts; ++i) {
+        const BlockPixels& image = m_part[i].image;
+        row.places[i] = image.at(x - m_left, y - m_top);
+        copyRow(m_part[i].pixels + row.first * image.pixelBytes, row.places[i],
+                std::size_t(n) * std::size_t(image.pixelBytes));
+    }
+    m_count += n;
 }
 
 /// Whole vectors: what lies behind the last pixel has no coverage.
@@ -68,10 +75,11 @@ void RowBatch::paint() {
     m_pixels.n = padded(m_count);
     pad();
     m_painter->work(*m_plan, m_inputs, m_pixels, m_hasCoverage ? m_coverage : nullptr);
-    for (const Row* row = m_row; row != m_row + m_rows; ++row) {
-        for (const Part* part = m_part; part != m_part + m_paintedParts; ++part) {
-            const std::size_t bytes = std::size_t(row->n) * std::size_t(part->image.pixelBytes);
-            copyRow(part->image.at(row->column, row->line), part->pixels + row->first * part->image.pixelBytes, bytes);
+    for (const Row* row = m_rowsOf; row != m_rowsOf + m_rows; ++row) {
+        for (int i = 0; i < m_paintedParts; ++i) {
+            const int pixelBytes = m_part[i].image.pixelBytes;
+            copyRow(row->places[i], m_part[i].pixels + row->first * pixelBytes,
+                    std::size_t(row->n) * std::size_t(pixelBytes));
         }
     }
     m_count = 0;

@@ -43,10 +43,10 @@ public:
     float* coverage() { return m_coverage + m_count; }
     /// n or somewhat more: the room behind those coverages that may be written too, so that vectors stay whole.
     static constexpr int padded(int n) { return (n + cnPadding - 1) & -cnPadding; }
-    /// Has the pixels of the span fetched that the painter is placed on, for add() to find them.
-    void lookAhead() const;
-    /// Takes the span in that the painter is placed on.
-    void add(bool hasCoverage);
+    /// Has n pixels from (x, y) of the image on fetched, for add() to find them.
+    void lookAhead(int x, int y, int n) const;
+    /// Takes those n pixels in, which lie inside the block.
+    void add(int x, int y, int n, bool hasCoverage);
     /// Paints what was gathered.
     void paint();
 
@@ -54,10 +54,11 @@ private:
     static constexpr int cnMaxRows = 64;
     static constexpr int cnBytes = 4; ///< of a pixel, at most
 
+    static constexpr int cnMostParts = 4;
+
     struct Row {
-        int column; ///< in the block
-        int line;
-        int first; ///< of the gathered pixels
+        std::uint8_t* places[cnMostParts]; ///< in the parts' blocks
+        int first;                         ///< of the gathered pixels
         int n;
     };
     /// An image of the batch and its gathered pixels.
@@ -72,6 +73,7 @@ private:
     SpanPainter* m_painter = nullptr;
     const KernelPlan* m_plan = nullptr;
     RowPixels m_pixels{};
+    bool m_readsInputs = false;
     bool m_hasCoverage = false;
     int m_left = 0;
     int m_top = 0;
@@ -79,8 +81,8 @@ private:
     int m_rows = 0;
     int m_parts = 0;
     int m_paintedParts = 0; ///< the first ones, which go back to the block
-    Part m_part[4];
-    Row m_row[cnMaxRows];
+    Part m_part[cnMostParts];
+    Row m_rowsOf[cnMaxRows];
     RowInputs m_inputs;
     alignas(64) float m_coverage[cnRowPixels + cnPadding];
     alignas(64) std::uint16_t m_cache[cnRowPixels + 2 * cnPadding];

@@ -8,6 +8,16 @@
 
 namespace ovw::mixing {
 
+/// What a kernel may read beside the pixels.
+enum InputBits : unsigned {
+    InputFalloff = 1,
+    InputWideFalloff = 2, ///< Not limited to 1.0.
+    InputSamples = 4,
+    InputMask = 8,
+    InputTexels = 16,
+    InputColors = 32
+};
+
 /// What the stages of a kernel read beside the pixels, fetched span by span. Only what the kernel's settings ask for is
 /// filled, and zeros in the room behind the last pixel.
 struct RowInputs {

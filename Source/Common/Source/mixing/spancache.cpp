@@ -27,10 +27,10 @@ bool SpanPainter::applyCache(CoverageRow& row, const KernelPlan& plan, const Row
     case CacheRule::Color: accumulateColor(row, colors); break;
     default: m_kernels->skipFull(row, m_pixels.cache, startFactor(plan.start)); accumulate(row);
     }
-    const bool staysWide = isWide(plan) && accumulation() == AccumulateNone;
+    const bool staysWide = reads(InputWideFalloff) && accumulation() == AccumulateNone;
     (staysWide ? m_kernels->scaleByOpacityWide
                : m_kernels->scaleByOpacity)(row, static_cast<std::int32_t>(m_mixer.m_mixAlpha));
-    if (usesTexture(plan) && texturesAfter())
+    if (reads(InputTexels) && texturesAfter())
         applyTexture(row, inputs.texels, Scale15::cnOne);
     return true;
 }

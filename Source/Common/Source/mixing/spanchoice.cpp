@@ -27,9 +27,7 @@ bool SpanPainter::place(int x1, int x2, int y) {
         return false;
     if (columnOf(m_depth) == cnDepthColumns || !m_mixer.m_dst->GetBaseAddress())
         return false;
-    m_x = left;
-    m_y = y;
-    m_n = right - left + 1;
+    goTo(left, y, right - left + 1);
     m_kernels = &kernels(m_n);
     return true;
 }

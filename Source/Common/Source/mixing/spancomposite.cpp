@@ -37,11 +37,15 @@ void SpanPainter::composite(const CoverageRow& row, const KernelPlan& plan, cons
     if (plan.compositors == CompositorSet::Clone && isBits())
         return cloneBits(row, colors);
 
-    CompositeSpan span = compositeSpan(row.n, m_pixels.dst);
+    CompositeSpan span = m_common;
+    span.n = row.n;
+    span.dst = m_pixels.dst;
     span.a = row.a;
     span.colors = colors;
     bool overNothing = false;
-    if (plan.cache != CacheRule::None && !isBits()) {
+    if (isBits())
+        goToBits(span);
+    else if (plan.cache != CacheRule::None) {
         overNothing = !m_pixels.ref;
         span.ref = overNothing ? blankReference(m_depth) : m_pixels.ref;
     }
@@ -146,19 +150,13 @@ CompositeSpan SpanPainter::commonSpan() const {
     return span;
 }
 
-/// dst: of depths of at least 8 bits; the others find their row in the current block.
-CompositeSpan SpanPainter::compositeSpan(int n, std::uint8_t* dst) const {
-    CompositeSpan span = commonSpan();
-    span.n = n;
-    span.dst = dst;
-    if (!isBits())
-        return span;
+/// The span's pixels in a row of 1 or 2 bits, and what is written there.
+void SpanPainter::goToBits(CompositeSpan& span) const {
     const XCVOffscreen& image = *m_mixer.m_dst;
     span.dst = image.GetBaseAddress() + std::ptrdiff_t{m_y - m_mixer.m_blockTop} * image.GetBlockRowBytes();
     span.column = m_x - m_mixer.m_blockLeft;
     span.bits = m_depth;
     span.value = bitValue(true);
-    return span;
 }
 
 /// What paint leaves in a 1- or 2-bit pixel; the sub value is the other one of the two that 2 bits can show.

@@ -127,38 +127,51 @@ void SpanPainter::run(const KernelPlan& plan, const float* coverage) {
     if (plan.start == Start::Byte && !coverage)
         return runUniform();
     RowInputs inputs;
+    prepare(plan);
     if (fetchInputs(inputs, 0, plan))
         work(plan, inputs, rowPixels(plan), coverage);
 }
 
-bool SpanPainter::fetchInputs(RowInputs& inputs, int first, const KernelPlan& plan) {
+bool SpanPainter::prepare(const KernelPlan& plan) {
+    const bool hasTexture = usesTexture(plan);
+    const bool hasColors = plan.compositors == CompositorSet::Blur || plan.compositors == CompositorSet::Clone;
+    m_inputs = usesGauss(plan) ? hasTexture ? InputWideFalloff : InputFalloff : 0u;
+    m_inputs |= readsSource(plan) ? InputSamples : 0u;
+    m_inputs |= m_mixer.m_mask && plan.mask != MaskRule::None ? InputMask : 0u;
+    m_inputs |= hasTexture ? InputTexels : 0u;
+    m_inputs |= hasColors ? InputColors : 0u;
+    m_common = commonSpan();
+    return m_inputs != 0;
+}
+
+bool SpanPainter::fetchInputs(RowInputs& room, int first, const KernelPlan& plan) {
     const int end = first + m_n;
     const auto endWithRoom = [end](auto* values) { std::fill_n(values + end, RowInputs::cnRoom, 0); };
-    if (usesGauss(plan)) {
+    if (reads(InputFalloff | InputWideFalloff)) {
         XCPlotGauss& gauss = *m_mixer.m_plotGauss;
         if (!gauss.StartLine(m_y, m_x))
             return false;
         const int whole = (m_n + RowInputs::cnRoom - 1) & -RowInputs::cnRoom;
-        GaussRow::fetch(inputs.weights + first, m_n, whole, gauss, isWide(plan) ? cnUnclipped : Scale15::cnOne,
+        GaussRow::fetch(room.weights + first, m_n, whole, gauss, reads(InputWideFalloff) ? cnUnclipped : Scale15::cnOne,
                         kernels(whole));
-        endWithRoom(inputs.weights);
+        endWithRoom(room.weights);
     }
-    if (readsSource(plan)) {
-        sampleSource(inputs.samples, first, m_n, m_view, m_line, m_lineB, *m_kernels);
+    if (reads(InputSamples)) {
+        sampleSource(room.samples, first, m_n, m_view, m_line, m_lineB, kernels(m_n));
         for (int i = 0; i < (m_view.twoByTwo ? SourceTexels::cnColumns : 1); ++i)
-            endWithRoom(inputs.samples.column[i]);
+            endWithRoom(room.samples.column[i]);
     }
-    if (usesMask(plan)) {
-        fetchMaskValues(inputs.mask + first, plan.mask);
-        endWithRoom(inputs.mask);
+    if (reads(InputMask)) {
+        fetchMaskValues(room.mask + first, plan.mask);
+        endWithRoom(room.mask);
     }
-    if (usesTexture(plan)) {
-        fetchTexels(inputs.texels + first);
-        endWithRoom(inputs.texels);
+    if (reads(InputTexels)) {
+        fetchTexels(room.texels + first);
+        endWithRoom(room.texels);
     }
-    if (plan.compositors == CompositorSet::Blur || plan.compositors == CompositorSet::Clone) {
-        fetchColors(inputs.colors + first, plan);
-        endWithRoom(inputs.colors);
+    if (reads(InputColors)) {
+        fetchColors(room.colors + first, plan);
+        endWithRoom(room.colors);
     }
     return true;
 }
@@ -179,22 +192,29 @@ void SpanPainter::work(const KernelPlan& plan, const RowInputs& inputs, const Ro
     start(row, plan, coverage);
     if (plan.cache == CacheRule::Water)
         m_kernels->visitCovered(row);
-    if (readsSource(plan))
+    if (reads(InputSamples))
         weighSource(row, source, inputs.samples, plan);
-    if (usesMask(plan))
+    if (reads(InputMask))
         applyMask(row, inputs.mask, plan);
-    if (readsSource(plan) && m_view.scale == ScaleByte)
+    if (reads(InputSamples) && m_view.scale == ScaleByte)
         m_kernels->scaleBySource[ScaleByte](row, source.weight);
-    if (usesGauss(plan))
-        (isWide(plan) ? m_kernels->scaleByGaussWide : m_kernels->scaleByGauss)(row, inputs.weights);
-    if (usesTexture(plan) && !texturesAfter())
+    if (reads(InputFalloff))
+        m_kernels->scaleByGauss(row, inputs.weights);
+    if (reads(InputWideFalloff))
+        m_kernels->scaleByGaussWide(row, inputs.weights);
+    if (reads(InputTexels) && !texturesAfter())
         applyTexture(row, inputs.texels, static_cast<std::int32_t>(m_mixer.m_baseAlpha));
     if (plan.cache == CacheRule::None || applyCache(row, plan, inputs, source.color))
         composite(row, plan, inputs, source.color);
 }
 
 void SpanPainter::runUniform() {
-    CompositeSpan span = compositeSpan(m_n, isBits() ? nullptr : rowOf(m_mixer.m_dst));
+    CompositeSpan span = commonSpan();
+    span.n = m_n;
+    if (isBits())
+        goToBits(span);
+    else
+        span.dst = rowOf(m_mixer.m_dst);
     span.opacity = Scale15::scaled(m_mixer.m_a, static_cast<std::int32_t>(m_mixer.m_mixAlpha));
     if (span.opacity == 0 || m_mixer.m_composition < 0 || m_mixer.m_composition >= cnCompositions)
         return;
@@ -351,7 +371,7 @@ bool SpanPainter::prepareBatch(BatchImages& images, const KernelPlan& plan) cons
     if (isBits() || columnOf(m_depth) == cnDepthColumns || !m_mixer.m_dst->GetBaseAddress())
         return false;
     // What a span reads, spans before it must have written.
-    const bool readsPainted = (usesMask(plan) && isPainted(m_mixer.m_mask)) ||
+    const bool readsPainted = (m_mixer.m_mask && plan.mask != MaskRule::None && isPainted(m_mixer.m_mask)) ||
                               (plan.compositors == CompositorSet::Clone && isPainted(m_mixer.m_clone));
     if (readsPainted)
         return false;

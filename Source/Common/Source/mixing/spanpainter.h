@@ -64,22 +64,20 @@ public:
 
     /// False when the kernel's spans in the current block cannot be gathered.
     bool prepareBatch(BatchImages& images, const KernelPlan& plan) const;
-    /// Goes to the part of a span inside the block, pixels x1 to x2 of row y; false when there is none, or no memory to
-    /// paint.
-    bool place(int x1, int x2, int y);
+    /// Goes to a span of n pixels inside the block.
+    void goTo(int x, int y, int n) { m_x = x, m_y = y, m_n = n; }
     /// Where the samples of the source begin for the span.
     void aim(const SampleLine& line, const SampleLine& lineB) { m_line = line, m_lineB = lineB; }
-    int left() const { return m_x; }
-    int top() const { return m_y; }
-    int count() const { return m_n; }
-    /// What the kernel reads beside the pixels of the span, into the inputs from first on. False when the span does not
-    /// show.
-    bool fetchInputs(RowInputs& inputs, int first, const KernelPlan& plan);
+    /// Decides what all spans to come have in common. False when the kernel reads nothing beside their pixels.
+    bool prepare(const KernelPlan& plan);
+    /// Fetches what it reads for the span, into the room from first on. False when the span does not show.
+    bool fetchInputs(RowInputs& room, int first, const KernelPlan& plan);
     /// Runs the kernel over the pixels. coverage: a coverage a pixel, or null.
     void work(const KernelPlan& plan, const RowInputs& inputs, const RowPixels& pixels, const float* coverage);
 
 private:
     // spanchoice.cpp: which kernel a span takes
+    bool place(int x1, int x2, int y);
     const KernelPlan* choosePlan(const float* coverage) const;
     const KernelPlan* plainPlan() const;
     const KernelPlan* chooseCopyPlan() const;
@@ -122,7 +120,7 @@ private:
     int uniformComposition(std::int32_t opacity) const;
     Compositor compositorOf(CompositorSet set, bool overNothing) const;
     static const CompositorTable KernelTable::*tableOf(CompositorSet set, bool overNothing);
-    CompositeSpan compositeSpan(int n, std::uint8_t* dst) const;
+    void goToBits(CompositeSpan& span) const;
     CompositeSpan commonSpan() const;
     bool keepsNothing(bool overNothing) const;
 
@@ -135,11 +133,9 @@ private:
     std::int32_t accumulateTone(std::int32_t a, std::int32_t newTone, std::uint16_t& cache, std::uint8_t& tone) const;
     void writeBits(const CoverageRow& row, const std::uint8_t* values) const;
 
+    bool reads(unsigned inputBits) const { return m_inputs & inputBits; }
     bool hasStyle(std::uint32_t bits) const { return m_mixer.m_style & bits; }
     bool usesGauss(const KernelPlan& plan) const { return plan.gauss && hasStyle(XCFastPixelMixer::STYLE_GAUSS); }
-    bool usesMask(const KernelPlan& plan) const { return m_mixer.m_mask && plan.mask != MaskRule::None; }
-    /// With a texture the falloff is not limited to 1.0: the texture may bring it down first.
-    bool isWide(const KernelPlan& plan) const { return usesGauss(plan) && usesTexture(plan); }
     bool usesTexture(const KernelPlan& plan) const;
     bool texturesAfter() const { return hasStyle(XCFastPixelMixer::STYLE_TEXTURE_AFTER); }
     bool isBits() const { return m_depth < 8; }
@@ -160,7 +156,10 @@ private:
     int m_x = 0;
     int m_y = 0;
     int m_n = 0;
-    RowPixels m_pixels{}; // that the kernel works on
+    // Of a kernel that was prepared: InputBits, what its composite spans have in common, and the pixels to work on.
+    unsigned m_inputs = 0;
+    CompositeSpan m_common;
+    RowPixels m_pixels{};
     // Of copies: the image, how spans look into it, and where the samples of the span begin.
     const XCSimpleImage* m_source = nullptr;
     SourceView m_view;

@@ -111,8 +111,8 @@ void StampRows::paintCircle(int y, const RimmedSpan& span, CircleRow circle) {
 
 void StampRows::paintRow(int y, const RimmedSpan& span, const float* coverage) {
     const std::span<const float> row(coverage, static_cast<std::size_t>(span.end - span.start));
-    if (m_road == Road::Batched && m_painter.place(span.start, span.end - 1, y))
-        m_batch.add(true);
+    if (m_road == Road::Batched)
+        m_batch.add(span.start, y, span.end - span.start, true);
     else if (m_road == Road::RowByRow)
         m_painter.paintCoverage(*m_plan, span.start, y, row);
     if (span.innerStart < span.innerEnd) {
