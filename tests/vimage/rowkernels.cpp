@@ -223,8 +223,8 @@ TEST_P(RowKernelsTest, FindLuminancesAndTones) {
     for (int count : {1, 30, cnSide}) {
         const Bytes pixels = noise(cnSide * 4), thresholds = noise(cnSide);
         std::uint8_t luminances[2][cnSide], tones[cnSide];
-        rowKernels().luminances24(pixels.data(), count, luminances[0]);
-        rowKernels().luminances32(pixels.data(), count, luminances[1]);
+        rowKernels().luminances24(pixels.data(), count, 0, luminances[0]);
+        rowKernels().luminances32(pixels.data(), count, 255, luminances[1]);
         const FourTones four{{0, 1, 2, 3}};
         for (bool onlyOpaque : {false, true}) {
             rowKernels().tones(pixels.data(), pixels.data() + cnSide, thresholds.data(), count, onlyOpaque, four,
@@ -233,9 +233,10 @@ TEST_P(RowKernelsTest, FindLuminancesAndTones) {
                 const auto at = static_cast<std::size_t>(i);
                 for (std::size_t bytes : {3u, 4u}) {
                     const std::uint8_t* const p = &pixels[at * bytes];
-                    ASSERT_EQ(luminances[bytes - 3][i], (2 * p[0] + 4 * p[1] + p[2]) / 7);
+                    const int luminance = (2 * p[0] + 4 * p[1] + p[2]) / 7;
+                    ASSERT_EQ(luminances[bytes - 3][i], bytes == 3 ? luminance : 255 - luminance);
                 }
-                const int opaque = pixels[at] >= thresholds[at], dark = 255 - pixels[cnSide + at] >= thresholds[at];
+                const int opaque = pixels[at] >= thresholds[at], dark = pixels[cnSide + at] >= thresholds[at];
                 ASSERT_EQ(tones[i], onlyOpaque && !opaque ? 0 : 2 * opaque + dark);
             }
         }

@@ -12,20 +12,26 @@ namespace {
 /// The grey of a pixel itself, without its coverage.
 int ownGrey(GreyPixel v) { return v.grey; }
 
+struct GreyRule {
+    const PixelRules& rules;
+    bool isDirect;     ///< colours as they stand, without their coverage
+    std::uint8_t flip; ///< 255: 255 - grey is made
+};
+
 /// The greys of count pixels from x of a row.
 template <class Format>
-void readGreys(const std::uint8_t* row, int x, int count, const PixelRules& rules, bool isDirect, std::uint8_t* greys) {
+void readGreys(const std::uint8_t* row, int x, int count, const GreyRule& rule, std::uint8_t* greys) {
     if constexpr (Format::cnBits == Rgb24::cnBits)
-        return rowKernels().luminances24(row + x * Format::cnBytes, count, greys);
+        return rowKernels().luminances24(row + x * Format::cnBytes, count, rule.flip, greys);
     if constexpr (Format::cnBits == Rgba32::cnBits)
-        if (isDirect)
-            return rowKernels().luminances32(row + x * Format::cnBytes, count, greys);
+        if (rule.isDirect)
+            return rowKernels().luminances32(row + x * Format::cnBytes, count, rule.flip, greys);
     for (int i = 0; i < count; ++i) {
         const auto v = Format::pixelAt(row, x + i);
-        int grey = luminance(Format::read24(v, rules));
+        int grey = luminance(Format::read24(v, rule.rules));
         if constexpr (requires { ownGrey(v); })
-            grey = isDirect ? ownGrey(v) : grey;
-        greys[i] = byteOf(grey);
+            grey = rule.isDirect ? ownGrey(v) : grey;
+        greys[i] = byteOf(grey ^ rule.flip);
     }
 }
 
@@ -41,12 +47,13 @@ void convertToGrey(XCVOffscreen& destination, XCVOffscreen& source, const XCRect
                    std::int64_t dy, bool isDirect, bool reverse) {
     const auto read = withFormat(source.GetDepth(), []<class Format>() { return &readGreys<Format>; });
     const auto write = withFormat(destination.GetDepth(), []<class Format>() { return &writeDensities<Format>; });
-    const std::uint8_t flip = reverse ? 0 : cnByteMax;
+    const GreyRule rule{source.GetPixelRules(), isDirect, byteOf(reverse ? 0 : cnByteMax)};
+    const bool isDensity = destination.GetDepth() == Density8::cnBits;
     convertRows(destination, source, rect, dx, dy, [&](const RowPair& rows) {
+        if (isDensity)
+            return read(rows.from, rows.fromX, rows.count, rule, rows.to + rows.toX);
         std::uint8_t greys[cnBlockSize];
-        read(rows.from, rows.fromX, rows.count, source.GetPixelRules(), isDirect, greys);
-        for (int i = 0; i < rows.count; ++i)
-            greys[i] ^= flip; // 255 - grey
+        read(rows.from, rows.fromX, rows.count, rule, greys);
         write(rows.to, rows.toX, rows.count, destination.GetPixelRules(), greys);
     });
 }

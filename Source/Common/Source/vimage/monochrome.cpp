@@ -57,21 +57,21 @@ void readTones(const std::uint8_t* row, int x, int count, const PixelRules& rule
             tones[i] = how.tones.of[Format::read2(Format::pixelAt(row, x + i), rules)];
     else {
         std::uint8_t coverages[cnBlockSize];
-        std::uint8_t luminances[cnBlockSize];
+        std::uint8_t darknesses[cnBlockSize];
         if constexpr (Format::cnBits == Rgba32::cnBits) {
-            rowKernels().luminances32(row + x * Format::cnBytes, count, luminances);
+            rowKernels().luminances32(row + x * Format::cnBytes, count, cnByteMax, darknesses);
             rowKernels().alphas32(row + x * Format::cnBytes, count, coverages);
         } else {
             for (int i = 0; i < count; ++i) {
                 const std::uint32_t colour = Format::read16(Format::pixelAt(row, x + i), rules);
                 coverages[i] = byteOf(alphaOf(colour));
-                luminances[i] = byteOf(redOf(colour));
+                darknesses[i] = byteOf(cnByteMax - redOf(colour));
             }
         }
         static const DitherThresholds s_all(false);
         static const DitherThresholds s_shades(true);
         const std::uint8_t* const thresholds = (how.keepsSolid ? s_shades : s_all).row(how.y);
-        rowKernels().tones(coverages, luminances, thresholds + x, count, how.keepsSolid, how.tones, tones);
+        rowKernels().tones(coverages, darknesses, thresholds + x, count, how.keepsSolid, how.tones, tones);
     }
 }
 

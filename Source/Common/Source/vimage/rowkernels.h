@@ -84,14 +84,15 @@ struct RowKernels {
     PixelTransposer transposeStreamed[3];
     PixelReverser reverse[3];
 
-    // The luminances of at most cnBlockSize pixels of 24 or 32 bits, whatever their alpha is.
-    void (*luminances24)(const std::uint8_t* pixels, int count, std::uint8_t* luminances);
-    void (*luminances32)(const std::uint8_t* pixels, int count, std::uint8_t* luminances);
+    // The luminances of at most cnBlockSize pixels of 24 or 32 bits, whatever their alpha is, their bits exchanged
+    // where those of `flip` are set.
+    void (*luminances24)(const std::uint8_t* pixels, int count, std::uint8_t flip, std::uint8_t* luminances);
+    void (*luminances32)(const std::uint8_t* pixels, int count, std::uint8_t flip, std::uint8_t* luminances);
     /// The alphas of pixels of 32 bits.
     void (*alphas32)(const std::uint8_t* pixels, int count, std::uint8_t* alphas);
-    /// Tones of pixels: opaque from a coverage, dark from a darkness (255 - luminance) of thresholds[i] on. With
-    /// onlyOpaque nothing else is dark.
-    void (*tones)(const std::uint8_t* coverages, const std::uint8_t* luminances, const std::uint8_t* thresholds,
+    /// Tones of pixels: opaque from a coverage, dark from a darkness of thresholds[i] on. With onlyOpaque nothing else
+    /// is dark.
+    void (*tones)(const std::uint8_t* coverages, const std::uint8_t* darknesses, const std::uint8_t* thresholds,
                   int count, bool onlyOpaque, const FourTones& tones, std::uint8_t* result);
     /// Bits of ink, the first pixel highest, where 8 x count tones are white or black.
     void (*packInk)(const std::uint8_t* tones, int count, std::uint8_t* bits);

@@ -25,14 +25,14 @@ constexpr bool isSeventhExact() {
 static_assert(isSeventhExact());
 
 template <class Format>
-void luminances(const std::uint8_t* pixels, int count, std::uint8_t* luminances) {
+void luminances(const std::uint8_t* pixels, int count, std::uint8_t flip, std::uint8_t* luminances) {
     std::uint16_t sums[cnBlockSize];
     for (int i = 0; i < count; ++i) {
         const std::uint8_t* const p = pixels + i * Format::cnBytes;
         sums[i] = static_cast<std::uint16_t>(2 * p[0] + 4 * p[1] + p[2]);
     }
     for (int i = 0; i < count; ++i)
-        luminances[i] = static_cast<std::uint8_t>(seventh(sums[i]));
+        luminances[i] = static_cast<std::uint8_t>(seventh(sums[i]) ^ flip);
 }
 
 void alphas32(const std::uint8_t* pixels, int count, std::uint8_t* alphas) {
@@ -40,7 +40,7 @@ void alphas32(const std::uint8_t* pixels, int count, std::uint8_t* alphas) {
         alphas[i] = pixels[i * Rgba32::cnBytes + 3];
 }
 
-void tones(const std::uint8_t* coverages, const std::uint8_t* luminances, const std::uint8_t* thresholds, int count,
+void tones(const std::uint8_t* coverages, const std::uint8_t* darknesses, const std::uint8_t* thresholds, int count,
            bool onlyOpaque, const FourTones& tones, std::uint8_t* result) {
     // The tone as a polynomial of its two bits over exclusive or, without a branch or a table a pixel.
     const auto& of = tones.of;
@@ -50,8 +50,7 @@ void tones(const std::uint8_t* coverages, const std::uint8_t* luminances, const 
     const std::uint8_t byBoth = of[3] ^ of[2] ^ byDark;
     for (int i = 0; i < count; ++i) {
         const auto opaque = static_cast<std::uint8_t>(-(coverages[i] >= thresholds[i]));
-        const auto darkness = static_cast<std::uint8_t>(~luminances[i]);
-        const auto dark = static_cast<std::uint8_t>(-(darkness >= thresholds[i]));
+        const auto dark = static_cast<std::uint8_t>(-(darknesses[i] >= thresholds[i]));
         result[i] =
             static_cast<std::uint8_t>(neither ^ (dark & byDark) ^ (opaque & byOpaque) ^ (opaque & dark & byBoth));
     }
