@@ -3,12 +3,9 @@
 
 #include "mixing/blockpart.h"
 #include "mixing/copyrows.h"
-#include "mixing/coveragespan.h"
 #include "mixing/stamprows.h"
 
 #include <gtest/gtest.h>
-
-#include <limits>
 
 /// @file
 /// The library's own fast ways of painting leave what the same work span by span leaves.
@@ -211,7 +208,22 @@ TEST(MixerRoads, AnEmptyBlockPartPaintsNothing) {
             ASSERT_EQ(image.value(x, y), 0u);
 }
 
-TEST(MixerRoads, ACoverageRowEqualsItsPixels) {
+/// Coverages in 255ths, and as the mixer takes them.
+std::vector<std::uint8_t> makeBytes(Random& random, int n) {
+    std::vector<std::uint8_t> bytes;
+    for (int i = 0; i < n; ++i)
+        bytes.push_back(std::uint8_t(random.chance(4) ? 0 : random.chance(4) ? 255 : random.number(1, 254)));
+    return bytes;
+}
+
+std::vector<float> coveragesOf(const std::vector<std::uint8_t>& bytes) {
+    std::vector<float> coverages;
+    for (std::uint8_t byte : bytes)
+        coverages.push_back(byte == 255 ? 1.0f : float(byte) * 0.003921568859368563f);
+    return coverages;
+}
+
+TEST(MixerRoads, TheRunsOfAPolygonEqualTheirPixels) {
     SetRotation sets;
     for (std::uint64_t seed = 0; seed < 500; ++seed) {
         sets.turn(seed);
@@ -220,16 +232,26 @@ TEST(MixerRoads, ACoverageRowEqualsItsPixels) {
         Random random(seed);
         for (const MixDab& dab : mixCase.dabs) {
             twins.startDab(dab);
-            for (const MixSpan& span : dab.spans) {
-                std::vector<float> coverage = makeCoverage(random, span.x2 - span.x1 + 1);
-                twins.fast.mixer().MoveCursorToBlock(span.x1, span.y);
-                twins.plain.mixer().MoveCursorToBlock(span.x1, span.y);
-                ovw::mixing::paintCoverageRow(twins.fast.mixer(), span.x1, span.y, coverage);
-                paintEach(twins.plain.mixer(), span.x1, span.y, coverage);
-                // What it leaves behind: row 7 is painted from there.
-                twins.fast.mixer().DoLineRow(span.x1, span.x2, 7);
-                twins.plain.mixer().DoLineRow(span.x1, span.x2, 7);
+            twins.fast.mixer().MoveCursorToBlock(0, 0);
+            twins.plain.mixer().MoveCursorToBlock(0, 0);
+            {
+                ovw::mixing::StampRows rows(twins.fast.mixer(), XCRect(0, 0, 256, 7));
+                for (int y = 0; y < 7; ++y)
+                    for (int from = random.number(0, 40), to; from < 256; from = to + random.number(0, 60)) {
+                        to = std::min(from + random.number(1, random.chance(3) ? 200 : 9), 256);
+                        const bool isFull = random.chance(3);
+                        const std::vector<std::uint8_t> bytes = makeBytes(random, to - from);
+                        if (isFull)
+                            rows.paintFull(from, to, y);
+                        else
+                            rows.paintCoverages(from, y, bytes);
+                        paintEach(twins.plain.mixer(), from, y,
+                                  isFull ? std::vector<float>(bytes.size(), 1.0f) : coveragesOf(bytes));
+                    }
             }
+            // What it leaves behind: row 7 is painted from there.
+            twins.fast.mixer().DoLineRow(0, 255, 7);
+            twins.plain.mixer().DoLineRow(0, 255, 7);
             ASSERT_EQ(twins.differ(), "") << mixCase.describe();
         }
         ASSERT_EQ(twins.fast.average().ConvertSmudgeColor(0), twins.plain.average().ConvertSmudgeColor(0)) << seed;
@@ -302,29 +324,4 @@ TEST(MixerRoads, TheRowsOfAnImageStampEqualTheirSpans) {
         ASSERT_EQ(twins.differ(), "") << mixCase.describe();
         ASSERT_EQ(twins.fast.average().ConvertSmudgeColor(0), twins.plain.average().ConvertSmudgeColor(0)) << seed;
     }
-}
-
-TEST(MixerRoads, ACoverageRowLeavesOutWhatLiesOutsideTheBlock) {
-    TestStore store;
-    TestImage image(store, 8, 400, 40);
-    XCVOffscreenAutoLock lock(image.get(), 1);
-    XCFastPixelMixer mixer;
-    mixer.SetDstOffscreen(image.get());
-    mixer.SetColor(0xFF000000);
-    mixer.SetDrawCompositioin(XCFastPixelMixer::Replace);
-    mixer.MoveCursorToBlock(0, 0);
-    std::vector<float> coverage(600, 0.5f);
-    coverage[100] = std::numeric_limits<float>::quiet_NaN();
-    coverage[101] = -1;
-    coverage[102] = 7;
-    ovw::mixing::paintCoverageRow(mixer, -50, 3, coverage);
-    ovw::mixing::paintCoverageRow(mixer, 0, -1, coverage);
-    ovw::mixing::paintCoverageRow(mixer, 0, 256, coverage);
-    ovw::mixing::paintCoverageRow(mixer, 300, 4, coverage);
-    ovw::mixing::paintCoverageRow(mixer, 0, 5, {});
-    for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 400; ++x) {
-            std::uint32_t expected = y != 3 || x > 255 ? 0 : x == 50 || x == 51 ? 0 : x == 52 ? 255 : 127;
-            ASSERT_EQ(image.value(x, y), expected) << x << ", " << y;
-        }
 }

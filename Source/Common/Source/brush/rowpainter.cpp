@@ -1,5 +1,6 @@
 #include "brush/rowpainter.h"
 
+#include "mixing/spanpainter.h"
 #include "mixing/stamprows.h"
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/polygonrows.h"
@@ -21,7 +22,10 @@ int halfLength(int from, int to) { return static_cast<int>((std::int64_t{to} - f
 
 void MixerRows::paintSpans(const XCRect& tile, RunBand& runs) {
     m_mixer.MoveCursorToBlock(tile.left, tile.top);
-    vimage::forTileSpans(tile, runs, [this](int first, int last, int y) { m_mixer.DoLineRow(first, last, y); });
+    // What DoLineRow does for each span, with the kernel chosen once.
+    mixing::SpanPainter painter(m_mixer);
+    if (const mixing::KernelPlan* plan = painter.planOfSpan())
+        vimage::forTileSpans(tile, runs, [&](int first, int last, int y) { painter.paintSpan(*plan, first, last, y); });
 }
 
 void MixerRows::paintCoverage(const XCRect& tile, RunBand& runs) {

@@ -39,9 +39,9 @@ void SpanPainter::paintSpan(int x1, int x2, int y) {
         run(*plan, nullptr);
 }
 
-void SpanPainter::paintCoverage(int x, int y, std::span<const float> coverage) {
-    if (const KernelPlan* plan = planOfCoverage())
-        paintCoverage(*plan, x, y, coverage);
+void SpanPainter::paintSpan(const KernelPlan& plan, int x1, int x2, int y) {
+    if (place(x1, x2, y))
+        run(plan, nullptr);
 }
 
 const KernelPlan* SpanPainter::planOfCoverage() const {

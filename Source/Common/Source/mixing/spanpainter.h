@@ -41,8 +41,11 @@ public:
 
     /// Pixels x1 to x2, both included, of row y.
     void paintSpan(int x1, int x2, int y);
-    /// Pixels from x on with coverages of their own.
-    void paintCoverage(int x, int y, std::span<const float> coverage);
+    /// The kernel of such spans in the current block, null when they paint nothing. It stays the same while the
+    /// settings and the block do.
+    const KernelPlan* planOfSpan() const { return choosePlan(nullptr); }
+    /// paintSpan with that kernel.
+    void paintSpan(const KernelPlan& plan, int x1, int x2, int y);
     /// A part of the current block.
     void paintPart(const XCRect& part);
     /// False when the paint is not plain, or paints nothing.
@@ -50,7 +53,7 @@ public:
     /// The kernel of spans with coverages of their own in the current block, null when they paint nothing. It stays the
     /// same while the settings and the block do.
     const KernelPlan* planOfCoverage() const;
-    /// paintCoverage with that kernel.
+    /// Pixels from x on with coverages of their own, with that kernel.
     void paintCoverage(const KernelPlan& plan, int x, int y, std::span<const float> coverage);
     /// Pixels x1 to x2 - 1 of row y through a source image.
     void paintCopy(int x1, int x2, int y, const XCSimpleImage* source);

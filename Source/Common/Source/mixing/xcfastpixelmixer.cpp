@@ -1,7 +1,6 @@
 #include "ovwcmn/xcfastpixelmixer.h"
 
 #include "mixing/blockpart.h"
-#include "mixing/coveragespan.h"
 #include "mixing/spanpainter.h"
 #include "ovwcmn/xcvoffscreen.h"
 
@@ -139,16 +138,6 @@ void paintBlockPart(XCFastPixelMixer& mixer, const XCRect& part) {
         return;
     mixer.MoveCursorToBlock(part.left, part.top);
     SpanPainter(mixer).paintPart(part);
-}
-
-void paintCoverageRow(XCFastPixelMixer& mixer, int x, int y, std::span<const float> coverage) {
-    if (coverage.empty())
-        return;
-    SpanPainter(mixer).paintCoverage(x, y, coverage);
-    // As after the last of the single dabs that this span stands for.
-    const auto last = std::find_if(coverage.rbegin(), coverage.rend(), [](float value) { return value > 0.0f; });
-    if (last != coverage.rend())
-        mixer.ScaleAntiAlpha(*last);
 }
 
 } // namespace ovw::mixing

@@ -67,13 +67,14 @@ private:
 };
 
 /// A span inside one pixel covers its length in units, which may be one less than the difference of its ends.
-void CoverageRow::shortenInsidePixel(int rank, int line, double low, double high) {
+inline void CoverageRow::shortenInsidePixel(int rank, int line, double low, double high) {
     const std::uint32_t from = m_units[rank][line];
     std::uint32_t& to = m_units[rank + 1][line];
+    if (from / cnUnit != to / cnUnit)
+        return;
     const double left = std::max(low, static_cast<double>(m_left));
     const double right = std::min(high, static_cast<double>(m_left + m_width));
-    if (from / cnUnit == to / cnUnit)
-        to = from + (left < right ? static_cast<std::uint32_t>((right - left) * cnUnit) : 0);
+    to = from + (left < right ? static_cast<std::uint32_t>((right - left) * cnUnit) : 0);
 }
 
 void CoverageRow::addLines(const RowCrossings& crossings) {
@@ -104,7 +105,7 @@ void CoverageRow::beginRank() {
     m_count += 2;
 }
 
-void CoverageRow::addEnd(Ends& ends, std::uint32_t units) {
+inline void CoverageRow::addEnd(Ends& ends, std::uint32_t units) {
     const auto pixel = static_cast<int>(units / cnUnit);
     ends = {std::min(ends.first, pixel), std::max(ends.last, pixel), ends.coverage + static_cast<int>(cnUnit)};
 }
