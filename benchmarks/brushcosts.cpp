@@ -50,9 +50,9 @@ void prepareMask(XCPatternDrawMethod& method, Materials& materials) {
 
 constexpr Cost cnCosts[] = {
     {"soft", true, XCFastPixelMixer::Normal, prepareNothing, 1.0 / 3.0},
-    {"texture before the cache", false, XCFastPixelMixer::Normal, prepareTexture<0>, 0.0},
-    {"texture after the cache", false, XCFastPixelMixer::Normal, prepareTexture<1>, 0.0},
-    {"mask of 8 bits", false, XCFastPixelMixer::Normal, prepareMask, 0.0},
+    {"texture before the cache", false, XCFastPixelMixer::Normal, prepareTexture<0>, 0.5},
+    {"texture after the cache", false, XCFastPixelMixer::Normal, prepareTexture<1>, 0.5},
+    {"mask of 8 bits", false, XCFastPixelMixer::Normal, prepareMask, 0.5},
     {"water", false, XCFastPixelMixer::Water, prepareNothing, 0.0},
     {"water and multiply", false, XCFastPixelMixer::WaterMultiply, prepareNothing, 0.0},
 };

@@ -24,8 +24,8 @@ struct RimmedSpan {
 
 /// Paints the rows of one stamp in the mixer's current block: what ScaleAntiAlpha and DoLineRow for each pixel of a rim
 /// and then for its interior do, and leave behind. What depends on settings alone is decided once, so the mixer must
-/// not change while this lives. Rows are short: they are gathered into long spans, of plain paint their rims
-/// alone. No pixel may be painted twice.
+/// not change while this lives. Rows are short: they are gathered into long spans, of plain paint their rims alone. No
+/// pixel may be painted twice.
 class StampRows {
 public:
     /// reach: what the stamp may touch, in ascending rows inside the block.
