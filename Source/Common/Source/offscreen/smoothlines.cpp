@@ -115,7 +115,7 @@ void SmoothLines::fillStrip(int strip) {
         vimage::PixelGrid from{rowAt(0) + left * cnPixelBytes, -std::ptrdiff_t{m_view.rowBytes}};
         if (m_view.depth != Argb32::cnBits) {
             for (int i = 0; i < rows; ++i)
-                readOpaque(rowAt(i), left, count, &band[static_cast<std::size_t>(i * cnStripLines)]);
+                readOpaque(rowAt(i), left, count, band.data() + std::ptrdiff_t{i} * cnStripLines);
             from = {reinterpret_cast<std::uint8_t*>(band.data()), cnStripLines * cnPixelBytes};
         }
         const vimage::PixelGrid to{columns + p * cnPixelBytes,

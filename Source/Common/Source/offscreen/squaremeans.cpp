@@ -56,7 +56,7 @@ void SquareMeans::average(Ink1, int x, int y, int count) {
     for (int i = 0; i < m_factor; ++i)
         vimage::pixelRows(Ink1::cnBits)
             .read1(m_source.row(y + i), x, count * m_factor, cnRules,
-                   &m_bits[static_cast<std::size_t>(i * vimage::cnBlockSize)]);
+                   m_bits.data() + std::ptrdiff_t{i} * vimage::cnBlockSize);
     vimage::rowKernels().addBytes[m_power - 1](m_bits.data(), vimage::cnBlockSize, count, m_sums.data());
     for (int i = 0; i < count; ++i)
         m_row[static_cast<std::size_t>(i)] = byteOf(m_sums[static_cast<std::size_t>(i)] * cnByteMax >> 2 * m_power);
