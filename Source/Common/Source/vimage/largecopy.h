@@ -4,6 +4,7 @@
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/rowkernels.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -14,9 +15,10 @@ namespace ovw::vimage {
 /// before they are written.
 class LargeCopy {
 public:
-    /// Of an operation that writes about so many pixels of an image.
+    /// Of an operation that writes about so many pixels of an image, or all of them.
     LargeCopy(const XCVOffscreen& destination, std::int64_t width, std::int64_t height)
-        : LargeCopy(width * height / 8 * destination.GetDepth()) {}
+        : LargeCopy(std::clamp<std::int64_t>(width, 0, destination.GetWidth()) *
+                    std::clamp<std::int64_t>(height, 0, destination.GetHeight()) / 8 * destination.GetDepth()) {}
     /// Of one that writes about so many bytes.
     explicit LargeCopy(std::int64_t bytes) : m_isStreamed(bytes >= cnCachedBytes) {}
     ~LargeCopy() {
