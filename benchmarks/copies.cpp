@@ -73,16 +73,16 @@ void addTurn(const std::string& name, int angle, int flipX, int flipY, double ai
 const bool s_added = [] {
     addCopy("whole", 0, 0.80);
     addCopy("by blocks", 256, 0.80);
-    addCopy("unaligned", 3, 0.0);
+    addCopy("unaligned", 3, 0.5);
     addChange("half", cnSide / 2, CHANGE_RESOLUTION_HIGH, 0.25);
     addChange("quarter", cnSide / 4, CHANGE_RESOLUTION_HIGH, 0.25);
-    addChange("0.37 by area", cnSide * 37 / 100, CHANGE_RESOLUTION_HIGH, 0.0);
+    addChange("0.37 by area", cnSide * 37 / 100, CHANGE_RESOLUTION_HIGH, 0.06);
     addChange("0.37 by whole pixels", cnSide * 37 / 100, CHANGE_RESOLUTION_LOW, 0.0);
-    addChange("double", cnSide * 2, CHANGE_RESOLUTION_LOW, 0.0);
+    addChange("double", cnSide * 2, CHANGE_RESOLUTION_LOW, 0.57);
     addTurn("90", 90, 0, 0, 0.30);
-    addTurn("180", 180, 0, 0, 0.0);
-    addTurn("mirror", 0, 1, 0, 0.0);
-    addTurn("upside down", 0, 0, 1, 0.0);
+    addTurn("180", 180, 0, 0, 0.40);
+    addTurn("mirror", 0, 1, 0, 0.40);
+    addTurn("upside down", 0, 0, 1, 0.50);
     return true;
 }();
 

@@ -108,7 +108,7 @@ private:
 };
 
 /// The block store that images keep their pixels in. Owns budget, pools, swap file and blocks; memory that becomes free
-/// it keeps for the next blocks, up to 256 MiB and a quarter of the budget, which spares the system clearing new pages.
+/// it keeps for the next blocks, up to 256 MiB and half of the budget, which spares the system clearing new pages.
 /// Failures are thrown as XCException: 8 when memory or budget is short, 39 when the volume of the swap file is full,
 /// 0x200132C8 and 0x200132C9 when the swap file cannot be made. One store may be used from several threads: "Takes:
 /// both" means the library-wide critical section and then the store's own. A block itself belongs to one thread at a

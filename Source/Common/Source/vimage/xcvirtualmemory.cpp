@@ -23,7 +23,7 @@ constexpr char cnSwapPrefix[] = "SWP";
 constexpr std::size_t cnMaxSpares = 256;
 /// Bytes of spare memory that outlast an operation, and the part of the budget that they may take.
 constexpr std::int64_t cnMaxIdleBytes = std::int64_t{cnMaxSpares} * XCVMHandlePool::cnPoolBytes;
-constexpr std::int64_t cnIdlePartOfBudget = 4;
+constexpr std::int64_t cnIdlePartOfBudget = 2;
 
 constexpr std::uint32_t cnPooledSizes[] = {8192, 16384, 65536, 131072, 262144};
 
