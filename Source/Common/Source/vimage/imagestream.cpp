@@ -102,8 +102,10 @@ StreamExtent StreamExtent::read(XCArchive& archive, const XCVOffscreen& image, i
     StreamExtent extent;
     archive >> extent.rect.left >> extent.rect.top >> extent.rect.right >> extent.rect.bottom >> extent.isCompressed;
     archive.EndSection();
-    if (image.GetBlockArea(extent.rect, blocks, 0) != blockCount)
-        refuse();
+    int column = 0, lastColumn = 0, row = 0, lastRow = 0;
+    if (image.GetBlockAreaIndex(extent.rect, column, lastColumn, row, lastRow) != blockCount)
+        refuse(); // before a list is made of what may be a million blocks
+    image.GetBlockArea(extent.rect, blocks, 0);
     return extent;
 }
 
