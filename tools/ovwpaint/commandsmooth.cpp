@@ -5,7 +5,9 @@
 #include "interrupt.h"
 #include "store.h"
 
+#include "ovwcmn/xcblockgetter.h"
 #include "ovwcmn/xcoffscreen.h"
+#include "ovwcmn/xcvoffscreenlock.h"
 
 #include <CLI/CLI.hpp>
 
@@ -16,6 +18,26 @@ namespace {
 constexpr int cnRgbDepth = 24;
 constexpr int cnColourDepth = 32;
 
+/// The filter makes mixes of visible colours opaque; pixels that were soft before stay so.
+void keepSoftAlpha(XCVOffscreen& smooth, XCVOffscreen& before) {
+    constexpr std::size_t cnAlpha = 3, cnPixelBytes = 4, cnOpaque = 255;
+    constexpr std::size_t cnBlockBytes =
+        std::size_t{XCVOffscreen::cnBlockSize} * XCVOffscreen::cnBlockSize * cnPixelBytes;
+    const XCVOffscreenAutoLock lock(&smooth, -1, -1, 1), beforeLock(&before, -1, -1, 0);
+    XCBlockGetter blocks(&before, before.GetRect(), 1);
+    for (XCRect block; blocks.GetNextBlock(block);) {
+        before.MoveCursor(block.left, block.top);
+        const std::uint8_t* const soft = before.GetBaseAddress();
+        if (!soft)
+            continue;
+        smooth.MoveCursor(block.left, block.top);
+        std::uint8_t* const pixels = smooth.GetBaseAddress();
+        for (std::size_t i = cnAlpha; i < cnBlockBytes; i += cnPixelBytes)
+            if (pixels[i] == cnOpaque && soft[i] != 0)
+                pixels[i] = soft[i];
+    }
+}
+
 /// Smoothing mixes colours, so what has fewer bits becomes 24 bits, or 32 with transparency.
 Image smoothed(Image image) {
     const int depth = image->GetDepth();
@@ -25,15 +47,16 @@ Image smoothed(Image image) {
     const double resolution = image->GetResolution();
     XCOffscreen classic;
     classic.CopyFromOffscreen(image.get());
-    image.reset();
     throwIfInterrupted();
     classic.Lock();
     classic.DoSmoothing(nullptr, nullptr, nullptr, nullptr, nullptr);
     classic.Unlock();
     throwIfInterrupted();
-    image.reset(classic.CopyToOffscreen());
-    image->SetResolution(resolution);
-    return image;
+    Image result(classic.CopyToOffscreen());
+    result->SetResolution(resolution);
+    if (wanted == cnColourDepth)
+        keepSoftAlpha(*result, *image);
+    return result;
 }
 
 class SmoothCommand final : public Command {

@@ -26,8 +26,7 @@ ArgbPixel corner(const ArgbPixel& own, const ArgbPixel& new1, const ArgbPixel& n
             sum(new1.blue, new2.blue, old1.blue, old2.blue, own.blue)};
 }
 
-/// A pixel with its blends: part1 alone is a whole, or, with part2, a part. A mix of colours alone leaves the pixel its
-/// alpha.
+/// A pixel with its blends: part1 alone is a whole, or, with part2, a part. A mix of colours alone is opaque.
 ArgbPixel merged(const ArgbPixel& own, const ArgbPixel& part1, const ArgbPixel* part2) {
     const int alpha2 = part2 ? part2->alpha : 0;
     if (alpha2)
@@ -35,8 +34,8 @@ ArgbPixel merged(const ArgbPixel& own, const ArgbPixel& part1, const ArgbPixel* 
     if (part1.alpha)
         return part1;
     if (!part2)
-        return {own.alpha, part1.red, part1.green, part1.blue};
-    return {own.alpha, limited(own.red / 2 + part2->red + part1.red),
+        return {cnByteMax, part1.red, part1.green, part1.blue};
+    return {cnByteMax, limited(own.red / 2 + part2->red + part1.red),
             limited(own.green / 2 + part2->green + part1.green), limited(own.blue / 2 + part2->blue + part1.blue)};
 }
 
