@@ -159,12 +159,14 @@ template <>
 bool averageColours<2>(const BgraPixel* rows, std::ptrdiff_t stride, int count, BgraPixel* colours,
                        std::uint8_t* isVisible) {
     constexpr std::uint32_t cnArea = 4;
+    constexpr int cnRowsAhead = 6; // farther than the processor looks, which stops at the end of a page
     std::uint32_t hidden[cnBlockSize];
     Words empty{};
     int i = 0;
     for (; i + static_cast<int>(cnWords) <= count; i += cnWords) {
         LaneColumns columns, between;
         for (const BgraPixel* row : {rows + 2 * i, rows + 2 * i + stride}) {
+            __builtin_prefetch(row + cnRowsAhead * stride);
             columns.add(pixelsInLanes(row));
             between.add(pixelsInLanes(row + 4));
         }
