@@ -228,6 +228,9 @@ void averageTriples(const std::uint8_t* rows, std::ptrdiff_t stride, int count, 
 template <bool isFirst>
 void addRow(const BgraPixel* row, int count, double weight, ColumnSums& sums) {
     const auto add = [](double& sum, double value) { sum = isFirst ? value : sum + value; };
+    constexpr int cnAhead = 6 * cnBlockSize, cnLine = 16; // pixels
+    for (int i = 0; i < count; i += cnLine)
+        __builtin_prefetch(row + cnAhead + i);
     std::uint32_t visible[cnBlockSize];
     for (int i = 0; i < count; ++i) {
         const std::uint32_t word = wordAt(row, i);

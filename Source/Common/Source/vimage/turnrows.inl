@@ -54,6 +54,10 @@ void transpose(const PixelGrid& to, const PixelGrid& from, int width, int height
             if (!isStreamed && x + 5 * cnColumns <= width)
                 for (int i = 0; i < cnColumns; ++i)
                     __builtin_prefetch(to.row(x + 4 * cnColumns + i) + top * cnBytes, 1);
+            // And the next band of the source in time.
+            if (isStreamed && x * cnBytes % cnCacheLine == 0 && bottom + cnBand <= height)
+                for (int i = 0; i < cnBand; ++i)
+                    __builtin_prefetch(from.row(bottom + i) + x * cnBytes);
             for (int y = top; y < evenBottom; y += cnRows)
                 transposeSquare<T, isStreamed>(to, from, x, y);
         }
