@@ -98,7 +98,7 @@ void StampRows::paintFull(int from, int to, int y) {
     paintRow(y, {from, from, to, to}, coverage);
 }
 
-void StampRows::paintCircle(int y, const RimmedSpan& span, CircleRow circle) {
+void StampRows::paintCircle(int y, const RimmedSpan& span, CircleRow&& circle) {
     m_ahead.advanceTo(y);
     const int n = span.end - span.start;
     float* coverage = coverageOf(n);
