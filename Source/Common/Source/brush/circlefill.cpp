@@ -67,7 +67,8 @@ void paintRow(StampRows& rows, const FixedCircle& circle, const XCRect& tile, in
     if (circle.radius <= cnMaxExactRadius && rows.prefersCircles()) {
         const auto dx = static_cast<double>((span.start + std::int64_t{1}) * cnFixOne - circle.cx);
         return rows.paintCircle(y, span,
-                                {dx, cnFixOne, static_cast<double>(dy * dy), 1.0 / cnFixOne, circle.pixelRadius, 0, 0});
+                                {dx, cnFixOne, static_cast<double>(dy * dy), 1.0 / cnFixOne, circle.pixelRadius,
+                                 span.innerStart - span.start, span.innerEnd - span.start});
     }
     rows.paint(y, span, [&](int x) {
         const std::int64_t dx = (x + std::int64_t{1}) * cnFixOne - circle.cx;

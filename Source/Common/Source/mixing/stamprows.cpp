@@ -98,12 +98,10 @@ void StampRows::paintFull(int from, int to, int y) {
     paintRow(y, {from, from, to, to}, coverage);
 }
 
-void StampRows::paintCircle(int y, const RimmedSpan& span, CircleRow&& circle) {
+void StampRows::paintCircle(int y, const RimmedSpan& span, const CircleRow& circle) {
     m_ahead.advanceTo(y);
     const int n = span.end - span.start;
     float* coverage = coverageOf(n);
-    circle.innerStart = span.innerStart - span.start;
-    circle.innerEnd = span.innerEnd - span.start;
     const int whole = n <= 2 * RowBatch::cnPadding ? RowBatch::padded(n) : n;
     kernels(whole).circleRow(coverage, whole, circle);
     paintRow(y, span, coverage);

@@ -63,9 +63,8 @@ public:
 
     /// Whether paintCircle is faster than paint.
     bool prefersCircles() const { return m_road == Road::Batched; }
-    /// A row through a circle. Its first pixel is that of the span, its interior need not be told. (Copying what has
-    /// just been written member by member would stall.)
-    void paintCircle(int y, const RimmedSpan& span, CircleRow&& circle);
+    /// A row through a circle, whose first pixel is that of the span.
+    void paintCircle(int y, const RimmedSpan& span, const CircleRow& circle);
 
 private:
     enum class Road {
