@@ -3,6 +3,7 @@
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/blockparts.h"
 #include "vimage/coveredspan.h"
+#include "vimage/nomemory.h"
 #include "vimage/pixelrows.h"
 #include "vimage/rowkernels.h"
 
@@ -124,7 +125,8 @@ class BoxAverager {
 public:
     BoxAverager(XCVOffscreen& destination, const Map& columns, const Map& rows, XCVOffscreen& source, const Rule& rule)
         : m_destination(destination), m_source(source), m_columns(columns), m_rows(rows), m_rule(rule),
-          m_isDirect(source.GetDepth() == Rgba32::cnBits), m_kernels(rowKernels()), m_work(std::make_unique<Work>()) {}
+          m_isDirect(source.GetDepth() == Rgba32::cnBits), m_kernels(rowKernels()),
+          m_work(orNoMemory([] { return std::make_unique<Work>(); })) {}
 
     void run() {
         const XCRect area(m_columns.begin(), m_rows.begin(), m_columns.end(), m_rows.end());

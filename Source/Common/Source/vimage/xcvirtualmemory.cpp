@@ -6,12 +6,13 @@
 #include "ovwcmn/xcexception.h"
 #include "ovwcmn/xcfilepath.h"
 #include "ovwcmn/xcfindfile.h"
+#include "vimage/nomemory.h"
 #include "vimage/storelocks.h"
 
 #include <algorithm>
-#include <new>
 
 using ovw::vimage::librarySection;
+using ovw::vimage::orNoMemory;
 using ovw::vimage::StoreLocks;
 
 namespace {
@@ -26,16 +27,6 @@ constexpr std::int64_t cnMaxIdleBytes = std::int64_t{cnMaxSpares} * XCVMHandlePo
 constexpr std::int64_t cnIdlePartOfBudget = 2;
 
 constexpr std::uint32_t cnPooledSizes[] = {8192, 16384, 65536, 131072, 262144};
-
-/// Runs an operation whose bookkeeping may lack memory: the store reports that as error 8, like any lack of memory.
-template <class Operation>
-auto orNoMemory(Operation operation) {
-    try {
-        return operation();
-    } catch (const std::bad_alloc&) {
-        xcThrowError(ovw::foundation::cnCodeNoMemory);
-    }
-}
 
 /// Deletes the swap files that dead processes left. Names with a leading dot are those of other programs, which keep
 /// their own swap files so.
