@@ -147,7 +147,8 @@ TEST_F(XCImagePatternTest, CopiesAndExportsTheImage) {
 /// Paints strokes with a bending, half-transparent brush.
 class BendingBrush {
 public:
-    BendingBrush(TestStore& store, XCImagePattern& tip, int size, bool useCache)
+    BendingBrush(TestStore& store, XCImagePattern& tip, int size, bool useCache,
+                 int methodKind = XCFastPixelMixer::Normal, int overSampling = 1)
         : target(store, 8, 400, 400), m_reference(store, 8, 400, 400) {
         m_brush.SetDesignatedPattern(&tip);
         PDPARAM_SIZE sizes;
@@ -158,9 +159,9 @@ public:
         m_brush.SetColorParam(colors);
         PDPARAM_ETC etc;
         etc.bendFlag = 1;
+        etc.overSampling = overSampling;
         m_brush.SetEtcParam(etc);
-        m_method.SetOffscreen(target.get(), useCache, m_reference.get(), &m_brush, XCFastPixelMixer::Normal, 0, 0, 0,
-                              0);
+        m_method.SetOffscreen(target.get(), useCache, m_reference.get(), &m_brush, methodKind, 0, 0, 0, 0);
         m_engine.SetOffscreen(PDOFFSCREENINFO(), &m_method);
     }
     XCRect draw(const std::vector<XCPointD>& points) {
@@ -215,6 +216,39 @@ TEST_F(XCImagePatternTest, ARibbonHasNoGapAndPaintsNothingTwice) {
         EXPECT_EQ(gaps, 0) << useCache;
         EXPECT_EQ(tooDark, 0) << useCache;
         EXPECT_EQ(outside, 0) << useCache;
+    }
+}
+
+TEST_F(XCImagePatternTest, ARibbonRemembersAllOfASharpTurn) {
+    XCImagePattern tip;
+    importTip(tip, 8, 16, 16, [](int, int) { return 255u; });
+    for (const double sign : {1.0, -1.0}) { // short steps, of which every few turn sharply
+        std::vector<XCPointD> points;
+        double direction = 0.0;
+        XCPointD place(90, 200);
+        for (const double turn :
+             {0.0, 0.0, 0.0, 1.2, 0.0, 0.0, -1.4, 0.0, 0.0, 2.0, 0.0, 0.0, -1.2, 0.0, 0.0, 1.4, 0.0}) {
+            direction += sign * turn;
+            place.x += 4 * std::cos(direction);
+            place.y += 4 * std::sin(direction);
+            points.push_back(place);
+        }
+        // What is erased by half twice shows; painting without a cache replaces, twice as well as once.
+        BendingBrush brush(m_store, tip, 50, false, XCFastPixelMixer::Erase, 0);
+        {
+            const XCVOffscreenAutoLock lock(brush.target.get(), 1);
+            brush.target.get()->RectFill(brush.target.get()->GetRect(), 0, 0xFF000000, 0);
+        }
+        brush.draw(points);
+        int erased = 0;
+        int twice = 0;
+        for (int y = 0; y < 400; y++)
+            for (int x = 0; x < 400; x++) {
+                erased += brush.target.value(x, y) < 140;
+                twice += brush.target.value(x, y) < 100;
+            }
+        EXPECT_GT(erased, 1000) << sign;
+        EXPECT_EQ(twice, 0) << sign;
     }
 }
 

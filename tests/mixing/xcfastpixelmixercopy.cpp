@@ -313,7 +313,7 @@ TEST(FastPixelMixerCopy, CombinationsWithoutAKernelDrawNothing) {
         bool hasColorCache;
     };
     for (Row row : {Row{16, 1, false}, Row{16, 1, true}, Row{8, 1, true}, Row{24, 5, true}, Row{1, 5, true},
-                    Row{2, 7, true}, Row{16, 5, true}}) {
+                    Row{2, 7, true}, Row{16, 5, true}, Row{8, 5, false}, Row{32, 7, false}}) {
         for (bool hasCache : {false, true}) {
             if (!hasCache && row.depth != 16)
                 continue;
@@ -324,6 +324,7 @@ TEST(FastPixelMixerCopy, CombinationsWithoutAKernelDrawNothing) {
             Stamp stamp(easel, 8, {255});
             easel.set(0, 1);
             EXPECT_EQ(stamped(easel, stamp, 1), Values{1}) << row.depth << " bits, composition " << row.composition;
+            EXPECT_EQ(easel.cache().value(0, 0), 0u) << row.depth << " bits, composition " << row.composition;
         }
     }
 }
