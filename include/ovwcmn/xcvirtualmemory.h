@@ -121,8 +121,10 @@ public:
     XCVirtualMemory& operator=(const XCVirtualMemory&) = delete;
 
     /// Sets the store up with a budget of `size` bytes and a swap file in `folder`, or in the system's temporary folder
-    /// when that is null. With cleanup 1, swap files that dead processes left there are deleted. A store that was set
-    /// up before is destroyed first. Takes: the library-wide section.
+    /// when that is null. With cleanup 1, swap files that dead processes left there are deleted: in a given folder,
+    /// which should hold nothing else, all files of this user with "SWP" in their names (any case); in the temporary
+    /// folder those named as swap files are. A store that was set up before is destroyed first. Takes: the library-wide
+    /// section.
     void Create(std::uint32_t size, XCFilePath* folder, int cleanup);
     /// Frees the memory of all blocks and deletes the swap file: blocks lose their contents. Takes: both.
     void Destroy();

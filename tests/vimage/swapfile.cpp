@@ -142,6 +142,30 @@ TEST_F(SwapFile, CleaningUpSparesWhatIsNotALeftOver) {
     EXPECT_TRUE(m_folder.has(held));
 }
 
+TEST_F(SwapFile, CleaningUpTheTemporaryFolderSparesStrangersWhoseNamesHoldTheLetters) {
+    const char* before = std::getenv("TMPDIR");
+    const std::string restored = before ? before : "";
+    setenv("TMPDIR", m_folder.posix("").c_str(), 1);
+    const std::vector<std::string> strangers = {"stream.euSwPd", "oldSWP1.tmp",  "SWPlan.tmp",    "SWP12345.tmp",
+                                                "SWP.tmp",       "SWP12.tmp.gz", "swp_notes.tmp", "SWP1A.txt"};
+    for (const std::string& name : strangers)
+        m_folder.write(name, "not ours");
+    for (const char* name : {"SWP1.tmp", "SWP0AF9.tmp"})
+        m_folder.write(name, "left over");
+    {
+        XCVirtualMemory vm;
+        vm.Create(16 * cnBlock, nullptr, 1);
+        EXPECT_EQ(m_folder.names().size(), strangers.size() + 1);
+    }
+    if (before)
+        setenv("TMPDIR", restored.c_str(), 1);
+    else
+        unsetenv("TMPDIR");
+    for (const std::string& name : strangers)
+        EXPECT_TRUE(m_folder.has(name)) << name;
+    EXPECT_EQ(m_folder.names().size(), strangers.size());
+}
+
 TEST_F(SwapFile, FoldersThatCannotHoldItAreErrors) {
     XCVirtualMemory vm;
     XCFilePath missing = m_folder.path("no such folder");

@@ -10,6 +10,7 @@
 #include "vimage/storelocks.h"
 
 #include <algorithm>
+#include <string_view>
 
 using ovw::vimage::librarySection;
 using ovw::vimage::orNoMemory;
@@ -28,17 +29,31 @@ constexpr std::int64_t cnIdlePartOfBudget = 2;
 
 constexpr std::uint32_t cnPooledSizes[] = {8192, 16384, 65536, 131072, 262144};
 
-/// Deletes the swap files that dead processes left. Names with a leading dot are those of other programs, which keep
+/// Whether MakeTempPath could have made a swap file of that name.
+bool isSwapFileName(std::string_view name) {
+    constexpr std::string_view prefix = cnSwapPrefix, suffix = ".tmp";
+    constexpr std::size_t maxDigits = 4;
+    if (name.size() <= prefix.size() + suffix.size() || name.size() > prefix.size() + maxDigits + suffix.size())
+        return false;
+    const std::string_view digits = name.substr(prefix.size(), name.size() - prefix.size() - suffix.size());
+    return name.substr(0, prefix.size()) == prefix && name.substr(name.size() - suffix.size()) == suffix &&
+           digits.find_first_not_of("0123456789ABCDEF") == std::string_view::npos;
+}
+
+/// Deletes the swap files that dead processes left. In a folder that the application chose for them, the prefix
+/// anywhere in a name tells them; in the system's temporary folder, where a stranger's random name may hold these
+/// letters, only a name that MakeTempPath gives does. Names with a leading dot are those of other programs, which keep
 /// their own swap files so.
-void cleanUp(const XCFilePath& swapPath) {
+void cleanUp(const XCFilePath& swapPath, bool isChosenFolder) {
     XCFilePath folder;
     swapPath.GetFolderPath(folder);
     XCFindFile search;
     for (int found = search.First(folder); found; found = search.Next()) {
         XCString name;
         search.GetName(name);
-        const bool isLeftOver = !search.IsFolder() && name[0] != '.' && name.Find(cnSwapPrefix, 0, 1) >= 0;
-        if (isLeftOver && search.GetFilePath() != swapPath)
+        const bool isSwapName = isChosenFolder ? name[0] != '.' && name.Find(cnSwapPrefix, 0, 1) >= 0
+                                               : isSwapFileName(static_cast<const char*>(name));
+        if (isSwapName && !search.IsFolder() && search.GetFilePath() != swapPath)
             ovw::platform::fileSystem().removeUnlessHeld(static_cast<const char*>(search.GetFilePath()));
     }
 }
@@ -89,7 +104,7 @@ void XCVirtualMemory::createSwapFile(std::uint32_t& size, XCFilePath* folder, in
     if (!path.MakeTempPath(cnSwapPrefix, folder ? 1 : 0))
         xcThrowError(cnErrorNoSwapName);
     if (cleanup == 1)
-        cleanUp(path);
+        cleanUp(path, folder != nullptr);
     int made = 0;
     try {
         made = m_pSwap->Create(&size, path, 0);
