@@ -66,6 +66,7 @@ private:
             moveVisible<Format>(to, from, x, count, Format::load(clear));
         } else {
             Format::copyRow(to, x, from, x, count);
+            settleRow<Format>(to, x, count);
             Format::clearRow(from, x, count, m_clearByte, m_clearColour);
         }
     }

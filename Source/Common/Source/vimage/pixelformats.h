@@ -140,6 +140,15 @@ struct OVWCMN_API Bit2 : PackedLayout<2>, MissingPixel<std::uint8_t> {
     static void clearRow(std::uint8_t* row, int x, int count, std::uint8_t, std::uint32_t) {
         fillPattern(row, x, count, 0);
     }
+    /// What reading and writing the pixels of a run one by one makes of them: 1 becomes 0.
+    static void settleRow(std::uint8_t* row, int x, int count) {
+        if (count <= 0)
+            return;
+        keepingEnds(row, ByteRun::ofPixels(cnBits, x, count), [](std::uint8_t* bytes, std::size_t number) {
+            for (std::size_t i = 0; i < number; ++i)
+                bytes[i] = byteOf(bytes[i] & (cnEmptyBits | (bytes[i] & cnEmptyBits) >> 1));
+        });
+    }
     static constexpr Value ofGrey(int alpha, int grey, const PixelRules& rules) {
         return alpha <= rules.transparency ? cnTransparent2 : grey >= rules.blackWhite ? cnWhite2 : cnBlack2;
     }
@@ -347,6 +356,14 @@ struct OVWCMN_API Rgba32 : ByteLayout<BgraPixel>, MissingPixel<BgraPixel> {
 template <class Format>
 std::uint8_t* rowOf(std::uint8_t* base, int y) {
     return base + (y & cnBlockMask) * cnRowBytes<Format>;
+}
+
+/// After pixels were copied as they are stored, for operations that move their values: only 2 bits know a value that
+/// nobody writes.
+template <class Format>
+void settleRow(std::uint8_t* row, int x, int count) {
+    if constexpr (Format::cnBits == Bit2::cnBits)
+        Format::settleRow(row, x, count);
 }
 
 /// Fills the part of a block that has its first byte at base. x and y as in rowOf; the part lies inside the block.

@@ -119,7 +119,7 @@ struct PackedLayout {
         return (found & bits) == 0;
     }
 
-private:
+protected:
     /// Writes all bytes of a run by write(first, number), and puts back the bits of the outer ones that are not in it:
     /// the bytes are one piece of memory, which mostly begins on a whole word.
     template <class Write>
@@ -129,6 +129,8 @@ private:
         putBits(row[run.first], static_cast<std::uint8_t>(~run.firstMask), first);
         putBits(row[run.last], static_cast<std::uint8_t>(~run.lastMask), last);
     }
+
+private:
     /// Bits to a place that differs within the byte, a byte of the destination at a time.
     static void shiftRow(std::uint8_t* to, int toBit, const std::uint8_t* from, int fromBit, int bits) {
         while (bits > 0) {

@@ -45,11 +45,15 @@ void turnBlock(std::uint8_t* to, std::uint8_t* from, const Orientation& orientat
 template <class Format>
 void turnBlockPart(const PlacedImage& to, const XCRect& toPart, std::uint8_t* from, const XCRect& fromPart,
                    const Orientation& orientation, const LargeCopy& copy) {
-    if (toPart.Width() == cnBlockSize && toPart.Height() == cnBlockSize)
-        turnBlock<Format>(to.enterToOverwrite(toPart), from, orientation, copy);
+    const bool isWhole = toPart.Width() == cnBlockSize && toPart.Height() == cnBlockSize;
+    std::uint8_t* const base = isWhole ? to.enterToOverwrite(toPart) : to.enter(toPart);
+    if (isWhole)
+        turnBlock<Format>(base, from, orientation, copy);
     else
-        turnRows<Format>(gridOf<Format>(to.enter(toPart), toPart), gridOf<Format>(from, fromPart), fromPart.Width(),
+        turnRows<Format>(gridOf<Format>(base, toPart), gridOf<Format>(from, fromPart), fromPart.Width(),
                          fromPart.Height(), orientation);
+    for (int y = toPart.top; y < toPart.bottom; ++y)
+        settleRow<Format>(rowOf<Format>(base, y), toPart.left & cnBlockMask, toPart.Width());
 }
 
 } // namespace
