@@ -158,7 +158,7 @@ protected:
     void restart(std::uint32_t length);
 
 private:
-    enum class CacheState { empty, readAhead, unwritten };
+    enum class CacheState { empty, readAhead, passedBy, unwritten }; // passed by: empty, and a large piece was read
 
     XCArchive& writeValue(const void* value, std::uint32_t size);
     XCArchive& readValue(void* value, std::uint32_t size);
@@ -167,7 +167,10 @@ private:
     void moveInCache(std::uint32_t oldPosition);
     void allocateCache(std::uint32_t size);
     void writeStore(const void* bytes, std::uint32_t size);
-    std::uint32_t readPiece(std::uint8_t* to, std::uint32_t size);
+    bool isCacheReadOut() const { return m_cacheIndex == m_cacheFill; }
+    void fillCache(std::uint32_t most);
+    std::uint32_t readPastCache(std::uint8_t* to, std::uint32_t size);
+    std::uint32_t readFromCache(std::uint8_t* to, std::uint32_t size);
     std::uint32_t readSectionLength();
     void endSavedSection(std::uint32_t start);
     void WriteString(const char* text);

@@ -333,6 +333,62 @@ TEST(XCArchive, SeekingKeepsToTheStream) {
               "012ab56cdefg");
 }
 
+/// A cached stream in memory that notes how many bytes were read from it, and how many of them into `watched`.
+class NotingArchive : public XCArchive {
+public:
+    NotingArchive(const Bytes& stream, const Bytes& watched) : m_stream(stream), m_watched(watched) {
+        Init(cnLoading, 512000);
+        restart(static_cast<std::uint32_t>(stream.size()));
+    }
+    std::size_t taken = 0, takenDirectly = 0;
+
+protected:
+    std::uint32_t WriteSelf(const void*, std::uint32_t) override { return 0; }
+    std::uint32_t ReadSelf(void* to, std::uint32_t size) override {
+        const char* const target = static_cast<char*>(to);
+        taken += size;
+        takenDirectly += target >= m_watched.data() && target < m_watched.data() + m_watched.size() ? size : 0;
+        std::memcpy(to, m_stream.data() + m_next, size);
+        m_next += size;
+        return size;
+    }
+    std::uint32_t SeekSelf(int offset, std::uint32_t) override { return m_next = static_cast<std::uint32_t>(offset); }
+
+private:
+    const Bytes& m_stream;
+    const Bytes& m_watched;
+    std::uint32_t m_next = 0;
+};
+
+TEST(XCArchive, LargePiecesAreReadPastTheCache) {
+    Bytes stream(3000000, '\0');
+    for (std::size_t i = 0; i < stream.size(); i++)
+        stream[i] = static_cast<char>(i * i >> 9 ^ i);
+    Bytes buffer(600000, '\0');
+    NotingArchive archive(stream, buffer);
+    std::uint32_t at = 0;
+    const auto read = [&](std::uint32_t size) {
+        archive.Read(buffer.data(), size);
+        EXPECT_EQ(buffer.compare(0, size, stream, at, size), 0) << at;
+        EXPECT_EQ(archive.GetPosition(), at += size);
+    };
+    for (int record = 0; record < 8; record++)
+        for (const std::uint32_t size : {5, 262144})
+            read(size);
+    EXPECT_EQ(archive.taken, at); // each byte once
+    EXPECT_GT(archive.takenDirectly, 6 * 256000u);
+
+    for (const std::uint32_t size : {1, 5000, 32768, 32767, 0, 600000, 100})
+        read(size);
+    at = archive.Seek(-600050, 1);
+    for (const std::uint32_t size : {7, 40000, 50000, 3})
+        read(size);
+    archive.Seek(static_cast<int>(at = 2990000), 0);
+    EXPECT_EQ(errorOf([&] { archive.Read(buffer.data(), 40000); }), 0x20010008);
+    EXPECT_EQ(buffer.compare(0, 10000, stream, at, 10000), 0);
+    EXPECT_EQ(archive.GetPosition(), stream.size());
+}
+
 TEST(XCArchive, ByteOrderAndMode) {
     XCArchiveFile archive(6, 10);
     EXPECT_EQ(archive.GetEndianMode(), 4);

@@ -17,6 +17,8 @@ constexpr std::uint32_t cnMaxPosition = std::numeric_limits<std::uint32_t>::max(
 constexpr std::uint32_t cnOrderBits = XCArchive::cnLittleEndian | XCArchive::cnBigEndian;
 constexpr std::uint32_t cnLengthBytes = 4; // of a section
 constexpr std::uint32_t cnCopyBytes = 1 << 16;
+constexpr std::uint32_t cnLargePiece = 1 << 15;    // is read past the cache
+constexpr std::uint32_t cnBetweenPieces = 1 << 12; // read ahead behind one: as a rule a few numbers before the next
 
 } // namespace
 
@@ -148,8 +150,9 @@ void XCArchive::ReadCache(void* bytes, std::uint32_t size) {
     if (m_length <= m_position)
         xcThrowError(cnCodeParameter);
     auto* to = static_cast<std::uint8_t*>(bytes);
+    const bool isLarge = size >= std::min(m_cacheSize, cnLargePiece);
     while (size > 0) {
-        const std::uint32_t done = readPiece(to, size);
+        const std::uint32_t done = isLarge && isCacheReadOut() ? readPastCache(to, size) : readFromCache(to, size);
         if (done == 0)
             xcThrowError(cnCodeParameter);
         m_position += done;
@@ -158,18 +161,11 @@ void XCArchive::ReadCache(void* bytes, std::uint32_t size) {
     }
 }
 
-/// Some of the bytes at the position, from the cache or, when they are more than it holds, from the store; 0 at the
-/// end. Leaves the position to the caller.
-std::uint32_t XCArchive::readPiece(std::uint8_t* to, std::uint32_t size) {
-    if (m_cacheIndex == m_cacheFill) {
-        ClearCache();
-        const std::uint32_t left = m_length - m_position;
-        if (size >= m_cacheSize && left > 0) {
-            SeekSelf(static_cast<int>(m_position), 0);
-            return ReadSelf(to, std::min(size, left));
-        }
-        LoadCache();
-    }
+/// Some of the bytes at the position, as far as the cache holds them once it is not empty; 0 at the end. Leaves the
+/// position to the caller.
+std::uint32_t XCArchive::readFromCache(std::uint8_t* to, std::uint32_t size) {
+    if (isCacheReadOut())
+        fillCache(m_cacheState == CacheState::passedBy ? cnBetweenPieces : m_cacheSize);
     const std::uint32_t count = std::min(size, m_cacheFill - m_cacheIndex);
     if (count > 0)
         std::memcpy(to, static_cast<unsigned char*>(m_cache) + m_cacheIndex, count);
@@ -177,9 +173,23 @@ std::uint32_t XCArchive::readPiece(std::uint8_t* to, std::uint32_t size) {
     return count;
 }
 
-void XCArchive::LoadCache() {
+/// As readFromCache, for a large piece, whose bytes would only pass through the cache.
+std::uint32_t XCArchive::readPastCache(std::uint8_t* to, std::uint32_t size) {
     ClearCache();
-    const std::uint32_t count = m_position < m_length ? std::min(m_length - m_position, m_cacheSize) : 0;
+    if (m_length <= m_position)
+        return 0;
+    SeekSelf(static_cast<int>(m_position), 0);
+    const std::uint32_t count = ReadSelf(to, std::min(size, m_length - m_position));
+    m_cacheState = CacheState::passedBy;
+    return count;
+}
+
+void XCArchive::LoadCache() { fillCache(m_cacheSize); }
+
+/// Reads ahead, `most` bytes or what the cache has room for.
+void XCArchive::fillCache(std::uint32_t most) {
+    ClearCache();
+    const std::uint32_t count = m_position < m_length ? std::min({m_length - m_position, m_cacheSize, most}) : 0;
     if (count == 0)
         return;
     SeekSelf(static_cast<int>(m_position), 0);
