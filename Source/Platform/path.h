@@ -21,6 +21,9 @@ std::string toLibraryPath(std::string_view posixPath);
 /// A name of one component, as the system keeps it, in the library's form; "" when it has none.
 std::string toLibraryName(std::string_view posixName);
 
+/// The path of an entry of a folder, with one separator between: the folder's own "\" may be half of a character.
+std::string childPath(const std::string& folder, const std::string& name);
+
 /// Gives a drive (a letter) another root than "/"; "" takes it back. False when `drive` is no letter. Set at start-up.
 bool setDriveRoot(char drive, std::string_view posixRoot);
 

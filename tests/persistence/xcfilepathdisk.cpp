@@ -372,6 +372,14 @@ TEST_F(XCFilePathDisk, TemporaryNamesAreNewPrivateFiles) {
     EXPECT_EQ(nameOf(system).substr(0, 3), "abc");
     EXPECT_EQ(system.IsExistence(), 1);
     system.Delete(0);
+    const CodePageScope japanese(932); // the folder's name ends in the separator's byte
+    const XCFilePath so = path("\x83\x5C");
+    so.CreateFolder();
+    XCFilePath below(so), folder;
+    below += "x";
+    EXPECT_EQ(below.MakeTempPath("SWP", 1), 1);
+    below.GetFolderPath(folder);
+    EXPECT_TRUE(folder == so);
 }
 
 TEST_F(XCFilePathDisk, CanSaveLeavesNothingBehind) {

@@ -482,10 +482,7 @@ int PosixFileSystem::temporaryFolder(std::string& out) {
     const char* chosen = std::getenv("TMPDIR");
     if (!chosen || *chosen != '/' || !existsAsFolder(chosen))
         chosen = "/tmp";
-    std::string path = toLibraryPath(chosen);
-    if (path.empty() || path.back() != '\\')
-        path += '\\';
-    out = std::move(path);
+    out = childPath(toLibraryPath(chosen), "");
     return 0;
 }
 
@@ -502,10 +499,7 @@ std::uint32_t temporaryNumber() {
 int PosixFileSystem::createUnique(const std::string& folder, const std::string& prefix, std::string& path) {
     constexpr std::uint32_t numbers = 0x10000;
     constexpr std::size_t prefixBytes = 3;
-    std::string base = folder;
-    if (!base.empty() && base.back() != '\\' && base.back() != '/')
-        base += '\\';
-    base += prefix.substr(0, prefixBytes);
+    const std::string base = childPath(folder, prefix.substr(0, prefixBytes));
     const std::uint32_t first = temporaryNumber();
     for (std::uint32_t i = 0; i < numbers; ++i) {
         std::array<char, 16> suffix;

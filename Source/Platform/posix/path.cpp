@@ -123,6 +123,11 @@ std::string toLibraryName(std::string_view posixName) {
     return hasForm ? out : std::string();
 }
 
+std::string childPath(const std::string& folder, const std::string& name) {
+    const std::string slashes = withSlashes(folder);
+    return folder.empty() || slashes.ends_with('/') ? folder + name : folder + '\\' + name;
+}
+
 bool setDriveRoot(char drive, std::string_view posixRoot) {
     const std::size_t index = driveIndex(drive);
     if (index >= cnDrives)
