@@ -181,7 +181,8 @@ TEST(XCFilePath, RelativePathsThereAndBack) {
          {Case{"C:\\a\\b", "C:\\a\\c\\d", "..\\c\\d", 1}, Case{"C:\\a", "C:\\a\\b\\c", "b\\c", 1},
           Case{"C:\\a\\b", "C:\\a", "..\\", 1}, Case{"C:\\x", "D:\\x", "D:\\x", 0}, Case{"C:\\a\\", "c:\\A\\\\", "", 1},
           Case{"C:\\abc\\d", "C:\\abd\\e", "..\\..\\abd\\e", 1}, Case{"C:\\a", "C:\\ab", "..\\ab", 1},
-          Case{"C:\\ab", "C:\\a", "..\\a", 1}, Case{"C:\\a\\b\\c\\d", "C:\\a", "..\\..\\..\\", 1},
+          Case{"C:\\ab", "C:\\a", "..\\a", 1}, Case{"ab\\c", "ax\\c", "..\\..\\ax\\c", 1},
+          Case{"xyz", "xyw", "..\\xyw", 1}, Case{"C:\\a\\b\\c\\d", "C:\\a", "..\\..\\..\\", 1},
           Case{"\\\\srv\\s\\a", "\\\\SRV\\s\\b", "..\\b", 1},
           Case{"\\\\srv\\s\\a", "\\\\srw\\s\\a", "\\\\srw\\s\\a", 0},
           Case{"\\\\srv\\s\\a", "\\\\srvx\\s\\a", "\\\\srvx\\s\\a", 0}, Case{"C:\\a", "\\\\s\\a", "\\\\s\\a", 0}}) {
@@ -192,6 +193,9 @@ TEST(XCFilePath, RelativePathsThereAndBack) {
         EXPECT_EQ(back.RemakePath(out, base), c.result);
         EXPECT_TRUE(back == target) << text(back) << " is not " << c.target;
     }
+    XCString out;
+    EXPECT_EQ(XCFilePath::MakeRelativePath(out, "C:\\a", "C\\a"), 0); // a drive and a name
+    EXPECT_EQ(text(out), "C\\a");
 }
 
 TEST(XCFilePath, RemakingTakesAbsoluteTextsAsTheyAre) {
@@ -226,8 +230,14 @@ TEST(XCFilePath, ForbiddenCharactersLeaveTheComponents) {
     for (char c : std::string_view("?*<>|"))
         EXPECT_EQ(text(dirty).find(c), std::string::npos) << text(dirty);
     EXPECT_EQ(text(dirty).rfind("C:\\a", 0), 0u) << text(dirty);
-    for (Texts t :
-         {Texts{"a\\b.?", "a\\b"}, {"a\\b.", "a\\b"}, {"na?me", "name"}, {"ab:\\c", "ab\\c"}, {"a\\?\\b", "a\\b"}}) {
+    for (Texts t : {Texts{"a\\b.?", "a\\b"},
+                    {"a\\b.", "a\\b"},
+                    {"na?me", "name"},
+                    {"ab:\\c", "ab\\c"},
+                    {"a\\?\\b", "a\\b"},
+                    {"\\a?", "\\a"},
+                    {"a?\\\\b", "a\\b"},
+                    {"\\\\s?\\t?", "\\\\s?\\t"}}) {
         XCString path(t.in);
         EXPECT_EQ(XCFilePath::ConvertCannotUseCharactors(path, 1), 1) << t.in;
         EXPECT_EQ(text(path), t.out);

@@ -6,7 +6,6 @@
 #include "Utility/vxfile.h"
 #include "persistence/pathtext.h"
 
-#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,7 +20,6 @@ namespace {
 
 constexpr std::size_t cnComponentBufferSize = 256;
 constexpr std::size_t cnRelativeBufferSize = 260;
-constexpr std::size_t cnDriveRootLength = 3;
 
 bool isNetworkPath(const std::string& path) { return path.starts_with("\\\\"); }
 
@@ -42,12 +40,18 @@ std::size_t findDelimiter(const std::string& path, std::size_t start) {
     return std::string::npos;
 }
 
+bool beginsWithDrive(const std::string& path) {
+    const char letter = path.empty() ? '\0' : static_cast<char>(path[0] | 0x20);
+    return path.size() >= 2 && path[1] == ':' && letter >= 'a' && letter <= 'z';
+}
+
 /// Where the comparison of two paths with a common root begins; npos when they have none in common.
 std::size_t comparisonStart(const std::string& base, const std::string& target) {
-    if (!equalNoCase(characterAt(base, 0), characterAt(target, 0)) || isNetworkPath(base) != isNetworkPath(target))
+    if (!equalNoCase(characterAt(base, 0), characterAt(target, 0)) || isNetworkPath(base) != isNetworkPath(target) ||
+        beginsWithDrive(base) != beginsWithDrive(target))
         return std::string::npos;
     if (!isNetworkPath(base))
-        return std::min({cnDriveRootLength, base.size(), target.size()});
+        return 0;
     const std::size_t server = findDelimiter(base, 2);
     const bool sameServer = server != std::string::npos && server == findDelimiter(target, 2) &&
                             equalNoCase(base.substr(0, server), target.substr(0, server));
@@ -94,9 +98,18 @@ std::string safeComponent(const std::string& component, bool withExtension) {
     return ext.empty() ? name : name + '.' + ext; // names do not end in "."
 }
 
-bool isDrive(const std::string& path) {
-    const char letter = path.empty() ? '\0' : static_cast<char>(path[0] | 0x20);
-    return path.size() == 2 && path[1] == ':' && letter >= 'a' && letter <= 'z';
+/// Takes a last component that DivideSubPath does not hand out off: a share of a server, a name below "\", a name
+/// alone. "" when nothing but a drive, a server or "\" is left.
+std::string divideFront(std::string& front) {
+    front = vxWithoutBackDelimiter(front);
+    const std::size_t last = vxFindLastDelimiter(front);
+    const bool isServer = isNetworkPath(front) && last < 2;
+    if (isServer || (beginsWithDrive(front) && front.size() == 2))
+        return {};
+    const std::size_t begin = last == std::string::npos ? 0 : last + 1;
+    std::string name = front.substr(begin);
+    front.resize(begin);
+    return name;
 }
 
 } // namespace
@@ -137,13 +150,11 @@ int XCFilePath::ConvertCannotUseCharactors(XCString& path, int withExtension) {
     XCString last;
     while (root.DivideSubPath(last))
         components.push_back(text(last));
-    // What DivideSubPath leaves is a root ("C:"), or a name alone, which is a component like the others.
-    const std::string front = text(root.m_strPath);
-    const bool isName = !front.empty() && vxFindLastDelimiter(front) == std::string::npos && !isDrive(front);
-    if (isName)
-        components.push_back(front);
+    std::string front = text(root.m_strPath);
+    if (const std::string first = divideFront(front); !first.empty())
+        components.push_back(first);
     bool changed = false;
-    XCFilePath result(isName ? "" : front.c_str());
+    XCFilePath result(front.c_str());
     for (std::size_t i = components.size(); i-- > 0;) {
         const std::string safe = safeComponent(components[i], withExtension && i == 0);
         changed |= safe != components[i];
