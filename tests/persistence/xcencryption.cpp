@@ -235,6 +235,10 @@ TEST(XCEncryption, TellsItsProgressAndStopsWhenAsked) {
     Watched whole(-1);
     EXPECT_EQ(whole.Encrypt("1", folder.path("plain"), folder.path("out")), 1);
     EXPECT_EQ(whole.log, "total 51203; 51200 3; end");
+    folder.write("round", sample(cnChunk)); // no chunk behind the last one that anybody could stop
+    Watched round(1);
+    EXPECT_EQ(round.Encrypt("1", folder.path("round"), folder.path("out")), 1);
+    EXPECT_EQ(round.log, "total 51200; 51200; end");
     Watched stopped(1);
     EXPECT_EQ(stopped.Encrypt("1", folder.path("plain"), folder.path("out")), 0);
     EXPECT_EQ(stopped.log, "total 51203; 51200; end");

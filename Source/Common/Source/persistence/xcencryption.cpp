@@ -158,12 +158,14 @@ struct Listeners {
 int transformFile(const Schedule& schedule, XCFile& in, XCFile& out, std::uint32_t limit, const Listeners& listeners) {
     ProgressScope progress(listeners.progress, in.GetLength());
     std::vector<std::uint8_t> buffer(cnChunkBytes);
-    std::uint32_t done = cnChunkBytes;
-    for (std::uint32_t chunk = 0; done == cnChunkBytes; ++chunk) {
+    std::int64_t left = in.GetLength() - in.GetPosition();
+    for (std::uint32_t chunk = 0, done = 0; left > 0; ++chunk, left -= done) {
         if (listeners.abort && listeners.abort->IsAbort())
             return 0;
         std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
         in.Read(buffer.data(), cnChunkBytes, &done);
+        if (done == 0)
+            break; // somebody cut the file meanwhile
         const std::uint32_t padded = paddedSize(done);
         if (limit == 0 || chunk < limit)
             persistence::fealBlocks(schedule, buffer.data(), padded);
