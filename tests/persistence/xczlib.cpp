@@ -176,6 +176,8 @@ TEST(XCZLib, DamagedStreamsThrowEight) {
         void* out = nullptr;
         EXPECT_EQ(errorOf([&] { zlib.Compress(&out, block.data(), size32(block), nullptr, 0); }), 8);
         EXPECT_EQ(out, nullptr);
+        Block expanded(block.size());
+        EXPECT_EQ(zlib.Decompress(frameOf(block).data(), expanded.data(), size32(block), 1), block.size());
     }
 }
 

@@ -27,10 +27,7 @@ int libdeflateLevel(int level) { return std::max(level == Z_DEFAULT_COMPRESSION 
 
 BlockCodec::BlockCodec(int level)
     : m_level(level), m_compressor(nullptr, libdeflate_free_compressor),
-      m_decompressor(nullptr, libdeflate_free_decompressor) {
-    if (level < Z_DEFAULT_COMPRESSION || level > cnSmallest)
-        fail();
-}
+      m_decompressor(nullptr, libdeflate_free_decompressor) {}
 
 BlockCodec::~BlockCodec() = default;
 
@@ -41,6 +38,8 @@ std::size_t BlockCodec::bound(std::size_t size) {
 }
 
 std::size_t BlockCodec::compress(ConstBytes block, Bytes out) {
+    if (m_level < Z_DEFAULT_COMPRESSION || m_level > cnSmallest)
+        fail(); // expanding asks for no level
     if (useZlib(block.size())) {
         uLongf size = out.size();
         if (compress2(out.data(), &size, block.data(), block.size(), m_level) != Z_OK)
