@@ -41,7 +41,7 @@ public:
         if (cipherTo.IsEmpty())
             return plain;
         XCFilePath::CopyFileA(cipherTo, plain, 0);
-        return cipherTo;
+        return plain = cipherTo; // the argument is the hook's
     }
 
 private:

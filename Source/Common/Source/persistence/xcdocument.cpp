@@ -197,8 +197,9 @@ void XCDocument::saveFile() {
     const XCFilePath made = OnSaveDocumentEncrypt(plain);
     if (made.IsEmpty())
         failByName();
+    const bool isOther = made != file->path(); // the hook may have changed `plain`
     file->commit(made);
-    if (made != plain && !IsCopySave())
+    if (isOther && !IsCopySave())
         m_isEncrypted = 1;
 }
 
