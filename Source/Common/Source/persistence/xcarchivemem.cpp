@@ -87,11 +87,17 @@ std::uint32_t XCArchiveMem::ReadSelf(void* bytes, std::uint32_t size) {
 }
 
 std::uint32_t XCArchiveMem::SeekSelf(int offset, std::uint32_t origin) {
+    const std::uint32_t before = m_storePosition;
     if (origin == 0)
         m_storePosition = static_cast<std::uint32_t>(offset);
     else if (origin == 1)
         m_storePosition += static_cast<std::uint32_t>(offset);
-    if (IsSaving())
-        Expand(0);
+    try {
+        if (IsSaving())
+            Expand(0);
+    } catch (...) {
+        m_storePosition = before;
+        throw;
+    }
     return m_storePosition;
 }
