@@ -230,9 +230,7 @@ private:
             return 1;
         if (needsOpacity())
             return float(m_random.real(0.3, 1));
-        // Whether stamps of water without coverage count what they cover is open.
-        bool isCorner = m_random.chance(6) && !isFamily(Family::waterCopy);
-        return isCorner ? m_random.pick(cnCorners) : float(m_random.real(0.001, 1));
+        return m_random.chance(6) ? m_random.pick(cnCorners) : float(m_random.real(0.001, 1));
     }
 
     MixDab makeDab() {
@@ -240,8 +238,7 @@ private:
         dab.mixAlpha = alpha();
         dab.cacheAlpha = alpha();
         if (m_random.chance(3) && !needsOpacity())
-            dab.antiAlpha =
-                m_random.chance(20) && !isFamily(Family::waterCopy) ? -1.0f : float(m_random.number(1, 300)) / 256;
+            dab.antiAlpha = m_random.chance(20) ? -1.0f : float(m_random.number(1, 300)) / 256;
         if (!m_case.dabs.empty() && m_random.chance(2)) {
             dab = m_case.dabs.back(); // once more in the same place
             if (m_random.chance(2))

@@ -13,64 +13,77 @@ namespace {
 constexpr int cnThresholdMask = 15;
 constexpr std::int32_t cnSubTone = 255; // tone of the sub value in a colour cache; the main value's is 0
 
+/// Whether a source pixel brings the main value, the other one, or nothing.
+enum class Hit { None, Main, Sub };
+
+/// What the pixels of a source image bring to 1 and 2 bits.
+class BitSource {
+public:
+    /// takesSub: 2-bit pixels of another value than 3 bring the sub value, else nothing.
+    BitSource(const XCSimpleImage& image, bool takesSub)
+        : m_depth(image.GetOrgBitCount()), m_takesSub(takesSub), m_ownPixels(image) {}
+
+    Hit hit(const std::uint8_t* pixel) const {
+        switch (m_depth) {
+        case 1:
+        case 8: return *pixel != 0 ? Hit::Main : Hit::None;
+        case 2: return *pixel == 3 ? Hit::Main : *pixel != 0 && m_takesSub ? Hit::Sub : Hit::None;
+        case 32: return pixel[3] != 0 ? Hit::Main : Hit::None;
+        default: return m_ownPixels.holds(pixel) ? Hit::Main : Hit::None;
+        }
+    }
+    /// An opacity byte scaled by a pixel that hits.
+    int scaledByte(int opacity, const std::uint8_t* pixel) const {
+        return m_depth == 8 ? Scale8::scaled(opacity, *pixel) : scaledByDarkness(opacity, pixel);
+    }
+    /// The same for a coverage in 1.15.
+    std::int32_t scaledCoverage(std::int32_t a, const std::uint8_t* pixel) const {
+        return m_depth == 8 ? Scale15::scaledByByte(a, *pixel) : scaledByDarkness(a, pixel);
+    }
+
+private:
+    std::int32_t scaledByDarkness(std::int32_t a, const std::uint8_t* pixel) const {
+        return m_depth == 32 ? Scale15::scaled(a, std::min(darknessOf(pixel), Scale15::cnOne)) : a;
+    }
+
+    int m_depth;
+    bool m_takesSub;
+    OwnPixels m_ownPixels;
+};
+
 } // namespace
 
-void SpanPainter::stampBits() const {
-    const bool erases = m_mixer.m_composition == XCFastPixelMixer::Erase;
-    const bool isDithered = hasStyle(XCFastPixelMixer::STYLE_DITHER);
-    const int depth = m_source->GetOrgBitCount();
-    const std::int32_t b = Scale15::scaled(m_mixer.m_a, static_cast<std::int32_t>(m_mixer.m_cacheAlpha));
-    const bool takesSub = depth == 2 && m_depth == 2 && !erases;
-    const OwnPixels ownPixels(*m_source);
-    if (b == 0)
-        return;
+/// The mask's bits for the span, all set without a mask.
+void SpanPainter::fetchGate(std::uint8_t* gate) const {
+    if (m_mixer.m_mask)
+        fetchMaskValues(gate, MaskRule::GateBit);
+    else
+        std::fill_n(gate, m_n, std::uint8_t{1});
+}
 
-    auto hitOf = [=](const std::uint8_t* p) {
-        switch (depth) {
-        case 1:
-        case 8: return *p != 0 ? Hit::Main : Hit::None;
-        case 2: return *p == 3 ? Hit::Main : *p != 0 && takesSub ? Hit::Sub : Hit::None;
-        case 24: return ownPixels.holds(p) ? Hit::Main : Hit::None;
-        case 32: return p[3] != 0 ? Hit::Main : Hit::None;
-        default: return Hit::None;
-        }
-    };
-    auto levelOf = [=](const std::uint8_t* p) {
-        if (depth == 8)
-            return Scale8::scaled(b, *p);
-        return depth == 32 ? Scale15::scaled(b, std::min(darknessOf(p), Scale15::cnOne)) : b;
-    };
+void SpanPainter::stampBits() const {
+    const std::int32_t opacity = Scale15::scaled(m_mixer.m_a, static_cast<std::int32_t>(m_mixer.m_cacheAlpha));
+    const bool covers = m_source->GetOrgBitCount() != 16; // pixels of 16 bits are for stamps with caches only
+    if (opacity == 0 || !covers)
+        return;
+    const bool isDithered = hasStyle(XCFastPixelMixer::STYLE_DITHER);
+    const BitSource source(*m_source, m_depth == 2 && m_mixer.m_composition != XCFastPixelMixer::Erase);
 
     CoverageRow row;
     row.n = m_n;
     std::uint8_t values[cnRowPixels];
-    std::uint8_t mask[cnRowPixels];
-    if (m_mixer.m_mask)
-        fetchMaskValues(mask, MaskRule::GateBit);
+    std::uint8_t gate[cnRowPixels];
+    fetchGate(gate);
     const std::uint8_t* thresholds = ditherRow();
     SampleLine line = m_line;
     for (int i = 0; i < m_n; ++i) {
         const std::uint8_t* pixel = line.next(*m_source);
-        const Hit hit = m_mixer.m_mask && mask[i] == 0 ? Hit::None : hitOf(pixel);
+        const Hit hit = gate[i] != 0 ? source.hit(pixel) : Hit::None;
         const int threshold = thresholds[(m_x + i) & cnThresholdMask];
-        row.a[i] = hit != Hit::None && (!isDithered || passesDither(levelOf(pixel), threshold));
+        row.a[i] = hit != Hit::None && (!isDithered || passesDither(source.scaledByte(opacity, pixel), threshold));
         values[i] = static_cast<std::uint8_t>(bitValue(hit != Hit::Sub));
     }
     writeBits(row, values);
-}
-
-/// What a source pixel covers on a two-colour image, and how far it scales the coverage a.
-SpanPainter::Hit SpanPainter::colorHit(const std::uint8_t* pixel, std::int32_t& a) const {
-    switch (m_source->GetOrgBitCount()) {
-    case 1: return *pixel != 0 ? Hit::Main : Hit::None;
-    case 2:
-        if (*pixel == 0 || *pixel == 3)
-            return *pixel == 3 ? Hit::Main : Hit::None;
-        return m_mixer.m_composition == XCFastPixelMixer::Erase ? Hit::None : Hit::Sub;
-    case 8: a = *pixel != 0 ? Scale15::scaledByByte(a, *pixel) : 0; return Hit::Main;
-    case 32: a = pixel[3] != 0 ? Scale15::scaled(a, std::min(darknessOf(pixel), Scale15::cnOne)) : 0; return Hit::Main;
-    default: return OwnPixels(*m_source).holds(pixel) ? Hit::Main : Hit::None;
-    }
 }
 
 /// Takes coverage a and its tone into a pixel of the caches. The result is the coverage of the stroke, 0 when the pixel
@@ -101,22 +114,23 @@ void SpanPainter::stampColorBits() const {
     const std::int32_t full =
         Scale15::scaled(static_cast<std::int32_t>(m_mixer.m_cacheAlpha), Scale15::fromByte(m_mixer.m_a));
     const auto mixAlpha = static_cast<std::int32_t>(m_mixer.m_mixAlpha);
+    const BitSource source(*m_source, m_mixer.m_composition != XCFastPixelMixer::Erase);
 
     CoverageRow row;
     row.n = m_n;
     std::uint8_t values[cnRowPixels];
-    std::uint8_t mask[cnRowPixels];
-    if (m_mixer.m_mask)
-        fetchMaskValues(mask, MaskRule::GateBit);
+    std::uint8_t gate[cnRowPixels];
+    fetchGate(gate);
     auto* cache = reinterpret_cast<std::uint16_t*>(rowOf(m_mixer.m_cache));
     std::uint8_t* tones = rowOf(m_mixer.m_cacheColor);
     const std::uint8_t* thresholds = ditherRow();
     SampleLine line = m_line;
     for (int i = 0; i < m_n; ++i) {
-        std::int32_t a = full;
-        Hit hit = colorHit(line.next(*m_source), a);
+        const std::uint8_t* pixel = line.next(*m_source);
+        Hit hit = gate[i] != 0 ? source.hit(pixel) : Hit::None;
+        std::int32_t a = hit != Hit::None ? source.scaledCoverage(full, pixel) : 0;
         row.a[i] = 0;
-        if (hit == Hit::None || a == 0 || (m_mixer.m_mask && mask[i] == 0))
+        if (a == 0)
             continue;
         std::uint8_t& tone = tones[i * tonePixel];
         a = Scale15::scaled(accumulateTone(a, hit == Hit::Sub ? cnSubTone : 0, cache[i], tone), mixAlpha);

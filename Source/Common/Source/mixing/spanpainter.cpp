@@ -191,7 +191,7 @@ void SpanPainter::work(const KernelPlan& plan, const RowInputs& inputs, const Ro
     row.n = pixels.n;
     start(row, plan, coverage);
     if (plan.cache == CacheRule::Water)
-        m_kernels->visitCovered(row);
+        startVisits(row, coverage);
     if (reads(InputSamples))
         weighSource(row, source, inputs.samples, plan);
     if (reads(InputMask))
@@ -270,6 +270,14 @@ void SpanPainter::start(CoverageRow& row, const KernelPlan& plan, const float* c
         m_kernels->startRow(row, Scale15::scaled(alpha, factor), factor);
         std::fill(row.a + m_pixels.filled, row.a + row.n, 0);
     }
+}
+
+/// Coverages of 0 stand for pixels outside the span; else every pixel is visited, even by stamps without any opacity.
+void SpanPainter::startVisits(CoverageRow& row, const float* coverage) const {
+    if (coverage)
+        return m_kernels->visitCovered(row);
+    std::fill_n(row.live, m_pixels.filled, -1);
+    std::fill(row.live + m_pixels.filled, row.live + row.n, 0);
 }
 
 /// What the alpha in force is multiplied with; also the most that the cache may hold.

@@ -94,6 +94,7 @@ private:
     void run(const KernelPlan& plan, const float* coverage);
     void runUniform();
     void start(CoverageRow& row, const KernelPlan& plan, const float* coverage) const;
+    void startVisits(CoverageRow& row, const float* coverage) const;
     std::int32_t startFactor(Start start) const;
     bool setSource(const XCSimpleImage* source, const KernelPlan& plan);
     bool readsSource(const KernelPlan& plan) const;
@@ -130,9 +131,7 @@ private:
     // bitstamp.cpp: image stamps on 1 and 2 bits, which have rules of their own
     void stampBits() const;
     void stampColorBits() const;
-    /// Whether a source pixel brings the main value, the other one, or nothing.
-    enum class Hit { None, Main, Sub };
-    Hit colorHit(const std::uint8_t* pixel, std::int32_t& a) const;
+    void fetchGate(std::uint8_t* gate) const;
     std::int32_t accumulateTone(std::int32_t a, std::int32_t newTone, std::uint16_t& cache, std::uint8_t& tone) const;
     void writeBits(const CoverageRow& row, const std::uint8_t* values) const;
 
