@@ -48,6 +48,7 @@ TEST(XCFilePath, TrailingSeparatorsStayInTheTextButNotInTheFullPath) {
                     {"C:\\\\", "C:\\"},
                     {"", ""},
                     {"a\\", "a"},
+                    {"\\\\server\\share\\", "\\\\server\\share"},
                     {"\\\\server\\share\\a\\", "\\\\server\\share\\a"}})
         EXPECT_EQ(fullPath(t.in), t.out) << t.in;
     XCFilePath path("C:\\a\\");
@@ -183,7 +184,7 @@ TEST(XCFilePath, RelativePathsThereAndBack) {
           Case{"C:\\abc\\d", "C:\\abd\\e", "..\\..\\abd\\e", 1}, Case{"C:\\a", "C:\\ab", "..\\ab", 1},
           Case{"C:\\ab", "C:\\a", "..\\a", 1}, Case{"ab\\c", "ax\\c", "..\\..\\ax\\c", 1},
           Case{"xyz", "xyw", "..\\xyw", 1}, Case{"C:\\a\\b\\c\\d", "C:\\a", "..\\..\\..\\", 1},
-          Case{"\\\\srv\\s\\a", "\\\\SRV\\s\\b", "..\\b", 1},
+          Case{"\\\\srv\\s\\a", "\\\\SRV\\s\\b", "..\\b", 1}, Case{"\\\\srv\\s\\a", "\\\\srv\\t\\b", "..\\..\\t\\b", 1},
           Case{"\\\\srv\\s\\a", "\\\\srw\\s\\a", "\\\\srw\\s\\a", 0},
           Case{"\\\\srv\\s\\a", "\\\\srvx\\s\\a", "\\\\srvx\\s\\a", 0}, Case{"C:\\a", "\\\\s\\a", "\\\\s\\a", 0}}) {
         XCString out;

@@ -16,11 +16,13 @@ using ovw::persistence::text;
 
 namespace {
 
-/// The text without its trailing run of "\". A root keeps one: C: alone is another folder.
+/// The text without its trailing run of "\". The root of a drive keeps one: C: alone is another folder.
 std::string trimmed(std::string full) {
     if (!full.ends_with('\\'))
         return full;
     const std::string kept = vxWithoutBackDelimiter(full), withOne = kept + '\\';
+    if (vxIsRootPath(kept)) // a share
+        return kept;
     if (full.starts_with(withOne) && vxIsRootPath(withOne))
         return withOne;
     return vxIsRootPath(full) ? full : kept;

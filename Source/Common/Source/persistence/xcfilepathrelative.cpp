@@ -82,6 +82,17 @@ std::string relativeFrom(const std::string& base, const std::string& target, std
     return "..\\" + steps + target.substr(parting == std::string::npos ? 0 : parting + 1);
 }
 
+/// The parent folder. Shares of one server lie beside each other for relative paths, although each is a root.
+XCFilePath parentOf(const XCFilePath& path) {
+    const std::string full = vxWithoutBackDelimiter(static_cast<const char*>(path));
+    const std::size_t last = vxFindLastDelimiter(full);
+    if (isNetworkPath(full) && last != std::string::npos && last > 1)
+        return full.substr(0, last).c_str();
+    XCFilePath parent;
+    path.GetFolderPath(parent);
+    return parent;
+}
+
 XCString safeName(const std::string& name) {
     XCString safe(name.c_str());
     safe.ConvertFileName();
@@ -134,7 +145,7 @@ int XCFilePath::RemakePath(const XCString& relative, const XCFilePath& base) {
     XCFilePath result(base);
     constexpr std::string_view stepUp = "..\\";
     while (rest.starts_with(stepUp)) {
-        result.GetFolderPath(result);
+        result = parentOf(result);
         rest.erase(0, stepUp.size());
     }
     for (const std::string& component : splitComponents(rest))
