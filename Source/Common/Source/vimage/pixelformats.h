@@ -13,6 +13,7 @@
 #include "vimage/pixellayout.h"
 
 #include <cstdint>
+#include <cstring>
 
 namespace ovw::vimage {
 
@@ -142,12 +143,18 @@ struct OVWCMN_API Bit2 : PackedLayout<2>, MissingPixel<std::uint8_t> {
     }
     /// What reading and writing the pixels of a run one by one makes of them: 1 becomes 0.
     static void settleRow(std::uint8_t* row, int x, int count) {
-        if (count <= 0)
-            return;
-        keepingEnds(row, ByteRun::ofPixels(cnBits, x, count), [](std::uint8_t* bytes, std::size_t number) {
-            for (std::size_t i = 0; i < number; ++i)
-                bytes[i] = byteOf(bytes[i] & (cnEmptyBits | (bytes[i] & cnEmptyBits) >> 1));
-        });
+        if (count > 0)
+            keepingEnds(row, ByteRun::ofPixels(cnBits, x, count), settle);
+    }
+    static void settle(std::uint8_t* bytes, std::size_t number) {
+        constexpr std::uint64_t cnHighBits = 0xAAAAAAAAAAAAAAAA; // cnEmptyBits, eight times
+        for (std::uint64_t eight; number >= sizeof eight; bytes += sizeof eight, number -= sizeof eight) {
+            std::memcpy(&eight, bytes, sizeof eight);
+            eight &= cnHighBits | (eight & cnHighBits) >> 1;
+            std::memcpy(bytes, &eight, sizeof eight);
+        }
+        for (std::uint8_t* const end = bytes + number; bytes != end; ++bytes)
+            *bytes = byteOf(*bytes & (cnEmptyBits | (*bytes & cnEmptyBits) >> 1));
     }
     static constexpr Value ofGrey(int alpha, int grey, const PixelRules& rules) {
         return alpha <= rules.transparency ? cnTransparent2 : grey >= rules.blackWhite ? cnWhite2 : cnBlack2;
