@@ -45,7 +45,7 @@ constexpr Compositor none = nullptr;
 
 // clang-format off
 constexpr KernelTable cnKernels = {
-    startRow, startCoverage, scaleStart, circleRow, skipFull,
+    startRow, startCoverage, scaleStart, circleRow,
     {sampleColumns<ByteTexel>, sampleColumns<RgbTexel>, sampleColumns<RgbaTexel>},
     {{weighBits<1>, weighBits<4>},
      {weighDensities<1, false>, weighDensities<4, false>},
@@ -57,7 +57,11 @@ constexpr KernelTable cnKernels = {
     gateByMask, scaleByMask, scaleByMaskAndCap, scaleByMaskOfBlur, visitCovered, visitBySource, visitByMask,
     gaussOfTable, gaussOfLine, scaleByGauss, scaleByGaussWide,
     {scaleByTexture, subtractTexture, limitByTexture, capOnly},
-    {nullptr, accumulateOver, accumulateMax, accumulateAdd},
+    {nullptr, accumulate<AddsOver>, accumulate<TakesLarger>, accumulate<Adds>},
+    {accumulateStroke<KeepsCache, RowCoverage>, accumulateStroke<AddsOver, RowCoverage>,
+     accumulateStroke<TakesLarger, RowCoverage>, accumulateStroke<Adds, RowCoverage>},
+    {accumulateStroke<KeepsCache, OneCoverage>, accumulateStroke<AddsOver, OneCoverage>,
+     accumulateStroke<TakesLarger, OneCoverage>, accumulateStroke<Adds, OneCoverage>},
     scaleByOpacity, scaleByOpacityWide,
     sumColors, shareOfDab, mixDensityCache, accumulateColorOver, accumulateColorMax, moveColors32, moveColors24,
     // fastest

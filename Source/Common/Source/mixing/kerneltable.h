@@ -42,6 +42,13 @@ struct CircleRow {
     int innerEnd;
 };
 
+/// From the coverage of a dab to the opacity of the stroke so far.
+struct StrokeStep {
+    std::int32_t alpha;   ///< The dab's coverage, in kernels of one coverage.
+    std::int32_t limit;   ///< A cache that holds as much is full: its pixel is skipped. Also the cap of one coverage.
+    std::int32_t opacity; ///< Of the stroke.
+};
+
 using Compositor = void (*)(const CompositeSpan&);
 /// Null draws nothing.
 using CompositorTable = Compositor[cnCompositions][cnDepthColumns];
@@ -95,7 +102,6 @@ struct KernelTable {
     void (*scaleStart)(CoverageRow& row, std::int32_t factor, std::int32_t cap);
     /// The coverages of n pixels; writes up to seven more.
     void (*circleRow)(float* coverage, int n, const CircleRow& row);
-    void (*skipFull)(CoverageRow& row, const std::uint16_t* cache, std::int32_t limit);
 
     /// Reads n samples a column into the texels from first on; writes up to SourceTexels::cnRoom texels more.
     void (*sample[cnSourceTexels])(SourceTexels& texels, int first, int n, const SourcePixels& pixels,
@@ -127,6 +133,10 @@ struct KernelTable {
     void (*texture[cnTextureStages])(CoverageRow& row, const std::uint8_t* texels, std::int32_t parameter);
     /// Adds a to the cache and takes over the sum; null: nothing to do.
     void (*accumulate[cnAccumulations])(CoverageRow& row, std::uint16_t* cache);
+    /// The same where the cache is not full, and a = the sum times the opacity.
+    void (*accumulateStroke[cnAccumulations])(CoverageRow& row, std::uint16_t* cache, const StrokeStep& step);
+    /// The same from one coverage for all pixels.
+    void (*accumulateOne[cnAccumulations])(CoverageRow& row, std::uint16_t* cache, const StrokeStep& step);
     void (*scaleByOpacity)(CoverageRow& row, std::int32_t opacity);
     /// For coverages above 1.0.
     void (*scaleByOpacityWide)(CoverageRow& row, std::int32_t opacity);

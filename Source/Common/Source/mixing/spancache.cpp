@@ -17,22 +17,30 @@ constexpr std::uint32_t cnKeepAlphaByte = 0xFF000000;
 /// False when the span was only sampled. colors: of the source, for CacheRule::Color.
 bool SpanPainter::applyCache(CoverageRow& row, const KernelPlan& plan, const RowInputs& inputs,
                              const std::uint32_t* colors) const {
-    switch (plan.cache) {
-    case CacheRule::Water:
-        sampleBelow(row);
-        if (hasStyle(XCFastPixelMixer::STYLE_SAMPLE_ONLY))
-            return false;
-        accumulateWater(row);
-        break;
-    case CacheRule::Color: accumulateColor(row, colors); break;
-    default: m_kernels->skipFull(row, m_pixels.cache, startFactor(plan.start)); accumulate(row);
+    if (plan.cache == CacheRule::Coverage) {
+        m_kernels->accumulateStroke[accumulation()](row, m_pixels.cache, strokeStep(plan));
+    } else {
+        if (plan.cache == CacheRule::Color) {
+            accumulateColor(row, colors);
+        } else {
+            sampleBelow(row);
+            if (hasStyle(XCFastPixelMixer::STYLE_SAMPLE_ONLY))
+                return false;
+            accumulateWater(row);
+        }
+        const bool staysWide = reads(InputWideFalloff) && accumulation() == AccumulateNone;
+        (staysWide ? m_kernels->scaleByOpacityWide
+                   : m_kernels->scaleByOpacity)(row, static_cast<std::int32_t>(m_mixer.m_mixAlpha));
     }
-    const bool staysWide = reads(InputWideFalloff) && accumulation() == AccumulateNone;
-    (staysWide ? m_kernels->scaleByOpacityWide
-               : m_kernels->scaleByOpacity)(row, static_cast<std::int32_t>(m_mixer.m_mixAlpha));
     if (reads(InputTexels) && texturesAfter())
         applyTexture(row, inputs.texels, Scale15::cnOne);
     return true;
+}
+
+StrokeStep SpanPainter::strokeStep(const KernelPlan& plan) const {
+    const std::int32_t limit = startFactor(plan.start);
+    return {Scale15::scaled(static_cast<std::int32_t>(m_mixer.m_cacheAlpha), limit), limit,
+            static_cast<std::int32_t>(m_mixer.m_mixAlpha)};
 }
 
 Accumulation SpanPainter::accumulation() const {

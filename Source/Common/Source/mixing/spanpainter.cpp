@@ -68,8 +68,7 @@ void SpanPainter::paintPart(const XCRect& part) {
         m_n *= rows;
         rows = 1;
     }
-    for (; rows > 0; --rows, ++m_y)
-        run(*plan, nullptr);
+    runRows(*plan, rows);
 }
 
 void SpanPainter::paintCopy(int x1, int x2, int y, const XCSimpleImage* source) {
@@ -132,6 +131,21 @@ void SpanPainter::run(const KernelPlan& plan, const float* coverage) {
         work(plan, inputs, rowPixels(plan), coverage);
 }
 
+/// The span and those below it.
+void SpanPainter::runRows(const KernelPlan& plan, int rows) {
+    if (plan.start == Start::Byte) {
+        for (; rows > 0; --rows, ++m_y)
+            runUniform();
+        return;
+    }
+    RowInputs inputs;
+    prepare(plan);
+    for (; rows > 0; --rows, ++m_y) {
+        if (fetchInputs(inputs, 0, plan))
+            work(plan, inputs, rowPixels(plan), nullptr);
+    }
+}
+
 bool SpanPainter::prepare(const KernelPlan& plan) {
     const bool hasTexture = usesTexture(plan);
     const bool hasColors = plan.compositors == CompositorSet::Blur || plan.compositors == CompositorSet::Clone;
@@ -189,6 +203,10 @@ void SpanPainter::work(const KernelPlan& plan, const RowInputs& inputs, const Ro
     m_pixels = pixels;
     m_kernels = &kernels(pixels.n);
     row.n = pixels.n;
+    if (plan.cache == CacheRule::Coverage && m_inputs == 0 && !coverage) {
+        m_kernels->accumulateOne[accumulation()](row, pixels.cache, strokeStep(plan));
+        return composite(row, plan, inputs, nullptr);
+    }
     start(row, plan, coverage);
     if (plan.cache == CacheRule::Water)
         startVisits(row, coverage);

@@ -92,6 +92,7 @@ private:
     // spanpainter.cpp: the road
     void skipSamples(std::int64_t pixels);
     void run(const KernelPlan& plan, const float* coverage);
+    void runRows(const KernelPlan& plan, int rows);
     void runUniform();
     void start(CoverageRow& row, const KernelPlan& plan, const float* coverage) const;
     void startVisits(CoverageRow& row, const float* coverage) const;
@@ -107,6 +108,7 @@ private:
     // spancache.cpp: the stroke caches
     bool applyCache(CoverageRow& row, const KernelPlan& plan, const RowInputs& inputs,
                     const std::uint32_t* colors) const;
+    StrokeStep strokeStep(const KernelPlan& plan) const;
     void sampleBelow(const CoverageRow& row) const;
     void accumulate(CoverageRow& row) const;
     void accumulateWater(CoverageRow& row) const;

@@ -10,6 +10,8 @@
 #include "mixing/kerneltable.h"
 #include "mixing/pixel32.h"
 
+#include <type_traits>
+
 namespace ovw::mixing {
 namespace {
 
@@ -58,11 +60,6 @@ void circleRow(float* __restrict coverage, int n, const CircleRow& row) {
     for (int i = row.innerStart; i < row.innerEnd; ++i)
         coverage[i] = 1.0f;
     coverByDistance(coverage, row.innerEnd, row.innerEnd + ((n - row.innerEnd + cnLanes - 1) & -cnLanes), row);
-}
-
-void skipFull(CoverageRow& row, const std::uint16_t* __restrict cache, std::int32_t limit) {
-    for (int i = 0, n = row.n; i < n; ++i)
-        row.a[i] = cache[i] < limit ? row.a[i] : 0;
 }
 
 // ---- Source image
@@ -135,8 +132,15 @@ void visitByMask(CoverageRow& row, const std::uint8_t* __restrict mask) {
 
 void gaussOfTable(std::int32_t* __restrict weights, int n, const int* __restrict table, int position, int step,
                   int strength, std::int32_t limit) {
+    const auto weight = [=](int entry) { return least((entry * strength) >> cnGaussStrengthBit, limit); };
+    if (step == 1 << cnGaussBit) { // a dot of the table's own size: its entries one after the other
+        const int* __restrict entries = table + (position >> cnGaussBit);
+        for (int i = 0; i < n; ++i)
+            weights[i] = weight(entries[i]);
+        return;
+    }
     for (int i = 0; i < n; ++i)
-        weights[i] = least((table[(position + i * step) >> cnGaussBit] * strength) >> cnGaussStrengthBit, limit);
+        weights[i] = weight(table[(position + i * step) >> cnGaussBit]);
 }
 
 void gaussOfLine(std::int32_t* __restrict weights, int n, int position, int step, float rowFactor, float scale,
@@ -144,9 +148,9 @@ void gaussOfLine(std::int32_t* __restrict weights, int n, int position, int step
     const float* __restrict line = gaussLine();
     const float end = gaussEnd();
     for (int i = 0; i < n; ++i) {
-        float value = (line[(position + i * step) >> cnGaussBit] * rowFactor - end) * scale;
-        std::int32_t weight = static_cast<std::int32_t>(value * static_cast<float>(Scale15::cnOne));
-        weights[i] = value > 0.0f ? least(weight, limit) : 0;
+        const float value = (line[(position + i * step) >> cnGaussBit] * rowFactor - end) * scale;
+        const auto weight = static_cast<std::int32_t>(value * static_cast<float>(Scale15::cnOne));
+        weights[i] = least(most(weight, 0), limit);
     }
 }
 
@@ -189,34 +193,68 @@ void capOnly(CoverageRow& row, const std::uint8_t*, std::int32_t) {
 
 // ---- Cache. What a dab does not touch (coverage 0) keeps its cache and is not painted again.
 
-void accumulateOver(CoverageRow& row, std::uint16_t* __restrict cache) {
+// What becomes of a cache and a coverage, a struct a rule: whether the pixel is painted, and its coverage then.
+
+struct ActsWhereCovered {
+    static bool acts(std::int32_t, std::int32_t a) { return a != 0; }
+};
+
+struct KeepsCache : ActsWhereCovered {
+    static std::int32_t sum(std::int32_t, std::int32_t a, std::int32_t) { return a; }
+};
+
+struct AddsOver : ActsWhereCovered {
+    static std::int32_t sum(std::int32_t old, std::int32_t a, std::int32_t cap) {
+        return least(old + Scale15::scaled(Scale15::cnOne - old, least(a, Scale15::cnOne)), cap);
+    }
+};
+
+struct TakesLarger {
+    static bool acts(std::int32_t old, std::int32_t a) { return (a != 0) & (old <= a); }
+    static std::int32_t sum(std::int32_t, std::int32_t a, std::int32_t cap) { return least(a, cap); }
+};
+
+struct Adds : ActsWhereCovered {
+    static std::int32_t sum(std::int32_t old, std::int32_t a, std::int32_t cap) { return least(old + a, cap); }
+};
+
+template <class Rule>
+void accumulate(CoverageRow& row, std::uint16_t* __restrict cache) {
     for (int i = 0, n = row.n; i < n; ++i) {
-        std::int32_t old = cache[i];
-        std::int32_t a = least(row.a[i], Scale15::cnOne);
-        std::int32_t sum = least(old + Scale15::scaled(Scale15::cnOne - old, a), row.cap[i]);
-        cache[i] = static_cast<std::uint16_t>(a != 0 ? sum : old);
-        row.a[i] = a != 0 ? sum : 0;
+        const std::int32_t old = cache[i];
+        const bool acts = Rule::acts(old, row.a[i]);
+        const std::int32_t sum = Rule::sum(old, row.a[i], row.cap[i]);
+        cache[i] = static_cast<std::uint16_t>(acts ? sum : old);
+        row.a[i] = acts ? sum : 0;
     }
 }
 
-void accumulateMax(CoverageRow& row, std::uint16_t* __restrict cache) {
-    for (int i = 0, n = row.n; i < n; ++i) {
-        std::int32_t old = cache[i];
-        std::int32_t a = row.a[i];
-        bool grows = a != 0 && old <= a;
-        std::int32_t larger = least(a, row.cap[i]);
-        cache[i] = static_cast<std::uint16_t>(grows ? larger : old);
-        row.a[i] = grows ? larger : 0;
-    }
-}
+/// A coverage a pixel.
+struct RowCoverage {
+    static std::int32_t alpha(const CoverageRow& row, int i, const StrokeStep&) { return row.a[i]; }
+    static std::int32_t cap(const CoverageRow& row, int i, const StrokeStep&) { return row.cap[i]; }
+};
 
-void accumulateAdd(CoverageRow& row, std::uint16_t* __restrict cache) {
+/// One coverage for every pixel.
+struct OneCoverage {
+    static std::int32_t alpha(const CoverageRow&, int, const StrokeStep& step) { return step.alpha; }
+    static std::int32_t cap(const CoverageRow&, int, const StrokeStep& step) { return step.limit; }
+};
+
+template <class Rule, class Coverage>
+void accumulateStroke(CoverageRow& row, std::uint16_t* __restrict cache, const StrokeStep& of) {
+    const StrokeStep step = of;
     for (int i = 0, n = row.n; i < n; ++i) {
-        std::int32_t old = cache[i];
-        std::int32_t a = row.a[i];
-        std::int32_t sum = least(old + a, row.cap[i]);
-        cache[i] = static_cast<std::uint16_t>(a != 0 ? sum : old);
-        row.a[i] = a != 0 ? sum : 0;
+        const std::int32_t old = cache[i];
+        const std::int32_t a = old < step.limit ? Coverage::alpha(row, i, step) : 0;
+        const bool acts = Rule::acts(old, a);
+        const std::int32_t sum = Rule::sum(old, a, Coverage::cap(row, i, step));
+        if constexpr (std::is_same_v<Rule, KeepsCache>) { // a coverage of an unclipped falloff
+            row.a[i] = Scale15::scaledWide(a, step.opacity);
+        } else {
+            cache[i] = static_cast<std::uint16_t>(acts ? sum : old);
+            row.a[i] = acts ? Scale15::scaled(sum, step.opacity) : 0;
+        }
     }
 }
 
