@@ -272,6 +272,55 @@ TEST_F(XCImagePatternTest, ABendedTipSkipsBadInput) {
     EXPECT_EQ(target.value(25, 25), 255u);
 }
 
+TEST_F(XCImagePatternTest, ARibbonLeavesTheBordersOfItsImageAsTheyWere) {
+    XCImagePattern tip;
+    importTip(tip, 8, 4, 4, [](int, int) { return 255u; });
+    TestImage target(m_store, 8, 50, 50);
+    XCFastPixelMixer mixer = mixerFor(target.get());
+    tip.GetImage()->SetProtectBorder(1, 0);
+    tip.DrawBendedPattern(nullptr, target.get(), &mixer, {{10, 25}, 1.57, 10, 0}, {{40, 25}, 1.57, 10, 1}, 0, 1);
+    const XCAutoLockSimpleImage lock(tip.GetImage());
+    EXPECT_EQ(tip.GetImage()->GetPixel(-1, 0), tip.GetImage()->GetPixel(0, 0));
+    EXPECT_NE(tip.GetImage()->GetPixel(0, -1), tip.GetImage()->GetPixel(0, 0));
+}
+
+TEST_F(XCImagePatternTest, ARibbonThatBeginsAgainKeepsItsTip) {
+    XCImagePattern dark, light;
+    importTip(dark, 8, 4, 4, [](int, int) { return 255u; });
+    importTip(light, 8, 4, 4, [](int, int) { return 100u; });
+    PDPARAM_PATTERN list;
+    list.patternKind = XCPattern::cnKindImage;
+    list.patterns[0] = &dark;
+    list.patterns[1] = &light;
+    list.patternCount = 2;
+    XCPatternDrawParam brush;
+    brush.SetPatternParam(list);
+    brush.SetSizeParam({20, 0, 0});
+    brush.SetEtcParam({1, 0, 0, 1, 0});
+    brush.ConvertPattern(); // the first tip has been used already
+    TestImage target(m_store, 8, 100, 100);
+    XCPatternDrawMethod method;
+    method.SetOffscreen(target.get(), 0, nullptr, &brush, XCFastPixelMixer::Normal, 0, 0, 0, 0);
+    method.BeginMethod();
+    XCPatternDraw engine;
+    engine.SetOffscreen(PDOFFSCREENINFO(), &method);
+    engine.BeginDraw(&brush);
+    for (const double y : {20.0, 70.0}) {
+        XCLinerStroke stroke;
+        for (const double x : {10.0, 20.0, 90.0}) {
+            XCStrokePoint point;
+            point.x = x;
+            point.y = y;
+            stroke.Store(point);
+        }
+        engine.DrawStroke(nullptr, &stroke, 1);
+        EXPECT_EQ(target.value(50, static_cast<int>(y)), 100u);
+        engine.ReStartDraw();
+    }
+    engine.EndDraw(nullptr);
+    method.EndMethod();
+}
+
 TEST_F(XCImagePatternTest, TheBrushCombinesTheBitsOfItsTips) {
     const struct {
         std::vector<int> depths;

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -147,6 +148,25 @@ TEST(XCPatternDrawAbort, ExceptionsStayInside) {
     studio.engine.EndDraw(nullptr);
     EXPECT_EQ(messages().size(), 1u);
     studio.expectUsable();
+}
+
+TEST(XCPatternDrawAbort, ForeignExceptionsLeaveNoVerticesBehind) {
+    Stoppable studio;
+    studio.tip.whenStamped = [&] {
+        if (studio.tip.stamps.size() == 3)
+            throw std::runtime_error("of the application's tip");
+    };
+    studio.begin();
+    EXPECT_THROW(studio.engine.DrawStroke(nullptr, &studio.stroke, 1), std::runtime_error);
+    XCLinerStroke later = polyline({penAt(300, 200), penAt(300, 204)});
+    studio.tip.stamps.clear();
+    studio.tip.whenStamped = nullptr;
+    studio.engine.DrawStroke(nullptr, &later, 1);
+    for (const RecordingTip::Stamp& stamp : studio.tip.stamps)
+        EXPECT_EQ(stamp.x, 300) << "nothing of the first stroke is drawn again";
+    XCRect all;
+    studio.engine.EndDraw(&all);
+    EXPECT_EQ(all.left, 99) << "what was painted before counts";
 }
 
 TEST(XCPatternDrawAbortThread, AnotherThreadMaySetTheFlag) {

@@ -48,16 +48,17 @@ void BendState::advance(BENDPATTERNEND& first, BENDPATTERNEND& second, double wi
 
 } // namespace ovw::brush
 
-/// Chooses the tip that bends along the whole stroke.
+/// Chooses the tip that bends along the whole stroke; a stroke that begins again keeps its own.
 void XCPatternDraw::chooseBendPattern() {
-    m_currentPattern = nullptr;
     m_bend.reset();
     if (!m_param->IsBendPattern())
         return;
     m_bend = std::make_unique<ovw::brush::BendState>();
-    m_currentPattern = m_param->GetDesignatedPattern();
+    XCPattern* tip = m_param->GetDesignatedPattern();
+    if (!tip)
+        tip = m_param->ConvertPattern(); // may draw a random number, which a stroke that begins again draws again
     if (!m_currentPattern)
-        m_currentPattern = m_param->ConvertPattern();
+        m_currentPattern = tip;
     if (!m_currentPattern)
         return;
     PDPARAM_SIZERATE rate;

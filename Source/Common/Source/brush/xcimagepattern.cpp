@@ -43,18 +43,23 @@ BENDPATTERNEND widened(BENDPATTERNEND end) {
     return end;
 }
 
-/// Lets the image's border be sharp in one direction, for a scope: where a ribbon repeats the image, nothing shows.
+/// Lets the border of a locked image be sharp in one direction, for a scope: where a ribbon repeats the image, nothing
+/// shows.
 class ProtectedBorder {
 public:
-    ProtectedBorder(XCSimpleImage& image, bool isHorizontal) : m_image(image) {
+    ProtectedBorder(XCSimpleImage& image, bool isHorizontal)
+        : m_image(image), m_wasSharpX(image.GetPixel(-1, 0) == image.GetPixel(0, 0)),
+          m_wasSharpY(image.GetPixel(0, -1) == image.GetPixel(0, 0)) {
         m_image.SetProtectBorder(isHorizontal, !isHorizontal);
     }
     ProtectedBorder(const ProtectedBorder&) = delete;
     ProtectedBorder& operator=(const ProtectedBorder&) = delete;
-    ~ProtectedBorder() { m_image.SetProtectBorder(0, 0); }
+    ~ProtectedBorder() { m_image.SetProtectBorder(m_wasSharpX, m_wasSharpY); }
 
 private:
     XCSimpleImage& m_image;
+    bool m_wasSharpX;
+    bool m_wasSharpY;
 };
 
 } // namespace

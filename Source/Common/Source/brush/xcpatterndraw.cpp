@@ -94,6 +94,7 @@ int XCPatternDraw::BeginDraw(const XCPatternDrawParam* param) {
     if (!m_plotGauss)
         m_plotGauss = std::make_unique<XCPlotGauss>();
     resetStroke();
+    m_currentPattern = nullptr;
     chooseBendPattern();
     return 1;
 }
@@ -172,6 +173,10 @@ int XCPatternDraw::DrawStroke(XCRect* changed, XCStroke* stroke, int consume) {
         stop(error.GetErrorCode());
     } catch (const std::bad_alloc&) {
         stop(ovw::foundation::cnCodeNoMemory);
+    } catch (...) { // an application's tip may throw what it likes
+        m_vertices.Clear();
+        unite(m_dirtyRect, painted);
+        throw;
     }
     m_vertices.Clear();
     if (changed)
