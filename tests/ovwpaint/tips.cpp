@@ -67,11 +67,18 @@ TEST_F(Tips, CoverByDarknessOrBrightness) {
     EXPECT_EQ(colour.at(99, 50), cnWhite) << "transparent";
     EXPECT_NEAR(greenOf(colour.at(101, 50)), 128, 1);
     EXPECT_EQ(redOf(colour.at(101, 50)), 255u) << "the brush's colour";
-    const Picture dark = stamp("grey.png", 4), bright = stamp("grey.png", 4, {"--tip-invert"});
-    for (int x = 0; x < 4; ++x) {
-        const int level = x == 3 ? 255 : x * 64;
-        EXPECT_NEAR(greenOf(dark.at(99 + x, 50)), level, 1) << x;
-        EXPECT_NEAR(greenOf(bright.at(99 + x, 50)), 255 - level, 1) << x;
+    // Without a colour or a transparent pixel a picture is grey, though its file could hold both.
+    writePng(m_folder.path("grey_rgba.png"), 4, 4, [](int x, int) {
+        const auto level = static_cast<std::uint32_t>(x == 3 ? 255 : x * 64);
+        return packColour(level, level, level);
+    });
+    for (const char* tip : {"grey.png", "grey_rgba.png"}) {
+        const Picture dark = stamp(tip, 4), bright = stamp(tip, 4, {"--tip-invert"});
+        for (int x = 0; x < 4; ++x) {
+            const int level = x == 3 ? 255 : x * 64;
+            EXPECT_NEAR(greenOf(dark.at(99 + x, 50)), level, 1) << tip << x;
+            EXPECT_NEAR(greenOf(bright.at(99 + x, 50)), 255 - level, 1) << tip << x;
+        }
     }
 }
 

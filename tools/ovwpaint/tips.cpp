@@ -1,6 +1,7 @@
 #include "tips.h"
 
 #include "failure.h"
+#include "imageedits.h"
 #include "picture.h"
 
 #include "ovwcmn/xcpattern.h"
@@ -148,6 +149,10 @@ std::unique_ptr<XCVOffscreen> pictureOf(const BuiltInTip& tip, const std::functi
     return image;
 }
 
+bool isOpaqueGrey(Colour colour) {
+    return alphaOf(colour) == 255 && redOf(colour) == greenOf(colour) && greenOf(colour) == blueOf(colour);
+}
+
 std::unique_ptr<XCVOffscreen> readTip(const std::string& path, bool asGrey,
                                       const std::function<Colour(Colour)>& change) {
     constexpr std::int64_t cnMostPixels = 1 << 24;
@@ -159,9 +164,13 @@ std::unique_ptr<XCVOffscreen> readTip(const std::string& path, bool asGrey,
     const bool isColour = reader.depth() == cnColourDepth && !asGrey;
     const int depth = reader.depth() == cnColourDepth && asGrey ? cnGreyDepth : reader.depth();
     std::unique_ptr<XCVOffscreen> image = makeImage(reader.width(), reader.height(), depth);
-    const auto onPaper = [&](Colour colour) { return change(isColour ? colour : over(colour, cnWhite)); };
+    bool isGrey = true; // whatever the file could hold
+    const auto onPaper = [&](Colour colour) {
+        isGrey = isGrey && isOpaqueGrey(colour);
+        return change(isColour ? colour : over(colour, cnWhite));
+    };
     reader.read([&](const PngRow& row) { storeRow(*image, row, onPaper); });
-    return image;
+    return isColour && isGrey ? greyed(*image, false) : std::move(image);
 }
 
 std::unique_ptr<XCVOffscreen> splatter(const BrushTips& settings) {
