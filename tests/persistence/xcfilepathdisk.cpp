@@ -269,6 +269,21 @@ TEST_F(XCFilePathDisk, FoldersMoveBetweenVolumesWholeOrNotAtAll) {
     EXPECT_FALSE(m_folder.has("dest/file"));
 }
 
+TEST_F(XCFilePathDisk, ReadOnlyFilesMoveBetweenVolumesWholeOrNotAtAll) {
+    bool isOver = false;
+    for (int call = 1; !isOver; ++call) {
+        for (const char* name : {"file", "moved"})
+            fs::remove(m_folder.posix(name));
+        m_folder.write("file", "x");
+        path("file").SetReadOnly(1);
+        const FarVolumes disk(call);
+        const int code = errorOf([&] { XCFilePath::MoveFileA(path("moved"), path("file"), 0); });
+        EXPECT_EQ(m_folder.has("moved"), code == 0) << call;
+        EXPECT_EQ(m_folder.has("file"), code != 0) << call;
+        isOver = disk.calls() < call;
+    }
+}
+
 TEST_F(XCFilePathDisk, WhatAFolderCannotGiveIsTold) {
     fs::create_directories(m_folder.posix("foreign"));
     fs::create_directories(m_folder.posix("piped"));

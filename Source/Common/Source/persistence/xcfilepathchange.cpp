@@ -110,6 +110,19 @@ int removeWhole(const XCFilePath& path) {
     return entry.isFolder() && !entry.isLink() ? files.removeFolder(full) : files.removeFile(full);
 }
 
+/// The same for what has a copy elsewhere: as in moving within a volume, being read-only does not keep a file.
+int removeMoved(const XCFilePath& path, const FolderEntry& entry) {
+    platform::FileSystem& files = platform::fileSystem();
+    const std::uint32_t attributes = entry.information.attributes;
+    const bool isKept = !entry.isFolder() && !entry.isLink() && (attributes & platform::attributeReadOnly);
+    if (isKept)
+        files.setAttributes(trimmed(path), attributes & ~platform::attributeReadOnly);
+    const int code = removeWhole(path);
+    if (code != 0 && isKept)
+        files.setAttributes(trimmed(path), attributes);
+    return code;
+}
+
 /// To another volume: the source goes when all of it has arrived; what has arrived goes when something fails.
 void moveAcross(const XCFilePath& target, const XCFilePath& src) {
     FolderEntry entry = {trimmed(src).c_str()};
@@ -122,8 +135,12 @@ void moveAcross(const XCFilePath& target, const XCFilePath& src) {
             removeWhole(target); // files take care of themselves
         throw;
     }
-    if (const int code = removeWhole(src))
-        fail(code);
+    const int code = removeMoved(src, entry);
+    if (code == 0)
+        return;
+    if (!entry.isFolder() || entry.isLink()) // of a folder some may be gone already
+        removeMoved(target, entry);
+    fail(code);
 }
 
 } // namespace
