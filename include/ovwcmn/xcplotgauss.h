@@ -16,7 +16,7 @@ class GaussRow;
 
 /// Weights in 1.15 (32768 is full) that fall off around a centre along a Gaussian, pixel by pixel of a row.
 /// Started once a dab and once a span. Copies own a table of their own. Throws XCException (8, out of memory) from
-/// StartPlot only; one drawing thread uses a plotter at a time.
+/// StartPlot and from copying only; one drawing thread uses a plotter at a time.
 class OVWCMN_API XCPlotGauss {
 public:
     XCPlotGauss() = default;

@@ -86,7 +86,7 @@ public:
     int GetMixerBitCount() const;
 
     // ---- The chain. Each answers the former first mixer. A chain that would close to a ring is not linked.
-    XCPixelMixer* SetNode(XCPixelMixer* mixer); ///< Makes it the first mixer, with nothing behind it.
+    XCPixelMixer* SetNode(XCPixelMixer* mixer); ///< Makes it, with what hangs behind it, the chain.
     /// Appends a mixer.
     XCPixelMixer* PushNode(XCPixelMixer* mixer);
     /// Puts a mixer, with the chain behind it, in front; null empties the chain.

@@ -2,6 +2,7 @@
 
 #include "mixing/gaussline.h"
 #include "ovwcmn/xcexception.h"
+#include "vimage/nomemory.h"
 
 #include <algorithm>
 #include <array>
@@ -73,7 +74,7 @@ XCPlotGauss::XCPlotGauss(const XCPlotGauss& src) { *this = src; }
 XCPlotGauss& XCPlotGauss::operator=(const XCPlotGauss& src) {
     if (this == &src)
         return *this;
-    m_table = src.m_table;
+    ovw::vimage::orNoMemory([&] { m_table = src.m_table; });
     m_mode = src.m_mode;
     m_tableSize = src.m_tableSize;
     m_tableRadius = src.m_tableRadius;
