@@ -87,14 +87,19 @@ TEST_P(RowKernelsTest, AddUpRows) {
     const Bytes bytes = noise(cnSide * 8);
     for (int count : {1, 5, 16, 255}) {
         ColumnSums sums;
-        rowKernels().setRow(block.data(), count, 0.3, sums);
-        rowKernels().addRow(block.data() + cnSide, count, 0.7, sums);
+        const WeighedRow rows[] = {{&block[0], 0.3}, {&block[cnSide], 1.0}, {&block[2 * cnSide], 0.7}};
+        rowKernels().addRows(rows, 2, count, true, sums);
+        rowKernels().addRows(rows + 2, 1, count, false, sums);
         for (int i = 0; i < count; ++i) {
-            const BgraPixel &a = block[static_cast<std::size_t>(i)], &b = block[static_cast<std::size_t>(cnSide + i)];
-            const double wa = a.alpha ? 0.3 : 0.0, wb = b.alpha ? 0.7 : 0.0;
-            ASSERT_EQ(sums.weights[i], wa + wb);
-            ASSERT_EQ(sums.channels[4 * i], wa * a.blue + wb * b.blue);
-            ASSERT_EQ(sums.channels[4 * i + 3], wa * a.alpha + wb * b.alpha);
+            double expected[5] = {};
+            for (const WeighedRow& row : rows) {
+                const BgraPixel& p = row.pixels[i];
+                for (int k = 0; k < 5; ++k)
+                    if (const int values[] = {p.blue, p.green, p.red, p.alpha, 1}; p.alpha)
+                        expected[k] += row.weight * values[k];
+            }
+            ASSERT_EQ(std::memcmp(sums.channels + 4 * i, expected, 4 * sizeof *expected), 0);
+            ASSERT_EQ(sums.weights[i], expected[4]);
         }
     }
     for (int power = 1; power <= 3; ++power) {
@@ -111,7 +116,9 @@ TEST_P(RowKernelsTest, AddUpRows) {
 
 TEST_P(RowKernelsTest, WeighRunsOfColumns) {
     ColumnSums columns;
-    rowKernels().setRow(pixels(3).data(), cnSide, 0.4, columns);
+    const std::vector<BgraPixel> block = pixels(3);
+    const WeighedRow row = {block.data(), 0.4};
+    rowKernels().addRows(&row, 1, cnSide, true, columns);
     const ColumnRun runs[] = {{0, 1, 0.25, 9}, {1, 3, 0.5, 0.125}, {7, 12, 1, 0.3}, {20, 20, 1, 1}, {252, 256, 0.1, 1}};
     constexpr int cnRuns = 5;
     PixelSums sums[cnRuns];

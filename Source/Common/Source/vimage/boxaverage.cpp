@@ -8,6 +8,7 @@
 #include "vimage/rowkernels.h"
 
 #include <array>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -17,16 +18,20 @@ namespace {
 
 constexpr int cnBandRows = 8; // of the destination, so that a source block is entered once for all of them
 
+constexpr int cnRowsAtOnce = 8; // of the source
+
+using BlockRow = std::array<BgraPixel, cnBlockSize>;
+
 /// Pixels that images without alpha show where they have no block.
 constexpr auto cnWhiteRow = [] {
-    std::array<BgraPixel, cnBlockSize> row{};
+    BlockRow row{};
     row.fill({cnByteMax, cnByteMax, cnByteMax, cnByteMax});
     return row;
 }();
 
 /// What is stored of the sums.
 struct StoredRow {
-    std::array<BgraPixel, cnBlockSize> colours;
+    BlockRow colours;
     std::array<std::uint8_t, cnBlockSize> values; ///< the colours' alphas
 };
 
@@ -136,7 +141,7 @@ public:
 private:
     struct Work {
         ColumnSums columns;
-        std::array<BgraPixel, cnBlockSize> row;
+        std::array<BlockRow, cnRowsAtOnce> rows;    ///< of the source, converted
         std::array<CoveredSpan, cnBlockSize> spans; ///< of the part's columns
         std::array<ColumnRun, cnBlockSize> runs;
         std::array<std::array<PixelSums, cnBlockSize>, cnBandRows> sums;
@@ -172,7 +177,8 @@ private:
 
     void averageBand(const XCRect& part, int top, int bottom) {
         for (int y = top; y < bottom; ++y)
-            m_work->sums[static_cast<std::size_t>(y - top)].fill({});
+            std::memset(static_cast<void*>(&m_work->sums[static_cast<std::size_t>(y - top)]), 0,
+                        static_cast<std::size_t>(part.Width()) * sizeof(PixelSums));
         const SourceColumns all = sourceColumns(part);
         int firstColumn = 0;
         for (int begin = all.begin; begin < all.end;) {
@@ -193,7 +199,6 @@ private:
 
     /// The sums of the columns over the rows of one destination row. False when none of them counts.
     bool addColumns(const SourceColumns& columns, const CoveredSpan& rows) {
-        const int count = columns.end - columns.begin;
         bool exists = false;
         const int end = clampedTo(rows.last + 1, m_source.GetHeight());
         for (int y = clampedTo(rows.first, m_source.GetHeight()); y < end;) {
@@ -201,23 +206,32 @@ private:
             m_source.MoveCursor(columns.begin, y);
             const std::uint8_t* const base = m_source.GetBaseAddress();
             if (base || m_rule.countsMissing()) {
-                for (int row = y; row < blockEnd; ++row) {
-                    const auto add = exists ? m_kernels.addRow : m_kernels.setRow;
-                    const BgraPixel* const pixels = base ? rowOf(base, row, columns.begin, count) : cnWhiteRow.data();
-                    add(pixels, count, rows.weight(row), m_work->columns);
-                    exists = true;
-                }
+                addRows(base, XCRect(columns.begin, y, columns.end, blockEnd), rows, !exists);
+                exists = true;
             }
             y = blockEnd;
         }
         return exists;
     }
-    const BgraPixel* rowOf(const std::uint8_t* base, int y, int x, int count) {
+    /// The sums of a part of a block, which may lack memory.
+    void addRows(const std::uint8_t* base, const XCRect& part, const CoveredSpan& rows, bool isFirst) {
+        for (int top = part.top; top < part.bottom; top += cnRowsAtOnce) {
+            std::array<WeighedRow, cnRowsAtOnce> weighed;
+            const int count = std::min(part.bottom - top, cnRowsAtOnce);
+            for (int i = 0; i < count; ++i)
+                weighed[static_cast<std::size_t>(i)] = {
+                    base ? rowOf(base, part.left, top + i, part.Width(), m_work->rows[static_cast<std::size_t>(i)])
+                         : cnWhiteRow.data(),
+                    rows.weight(top + i)};
+            m_kernels.addRows(weighed.data(), count, part.Width(), isFirst && top == part.top, m_work->columns);
+        }
+    }
+    const BgraPixel* rowOf(const std::uint8_t* base, int x, int y, int count, BlockRow& converted) {
         const std::uint8_t* const row = base + (y & cnBlockMask) * m_source.GetBlockRowBytes();
         if (m_isDirect)
             return reinterpret_cast<const BgraPixel*>(row) + (x & cnBlockMask);
-        m_rule.reader()(row, x & cnBlockMask, count, m_source.GetPixelRules(), m_work->row.data());
-        return m_work->row.data();
+        m_rule.reader()(row, x & cnBlockMask, count, m_source.GetPixelRules(), converted.data());
+        return converted.data();
     }
 
     /// What the part's columns from the first on cover of some columns of the source; their number.

@@ -3,7 +3,9 @@
 #include "vimage/rowkernels.h"
 #include "vimage/vectors.inl"
 
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace ovw::vimage {
 namespace {
@@ -224,23 +226,83 @@ void averageTriples(const std::uint8_t* rows, std::ptrdiff_t stride, int count, 
         std::memcpy(means + i * cnTriple, all + i * Factor * cnTriple, cnTriple);
 }
 
-/// isFirst: the sums begin with this row.
-template <bool isFirst>
-void addRow(const BgraPixel* row, int count, double weight, ColumnSums& sums) {
-    const auto add = [](double& sum, double value) { sum = isFirst ? value : sum + value; };
-    constexpr int cnAhead = 6 * cnBlockSize, cnLine = 16; // pixels
-    for (int i = 0; i < count; i += cnLine)
-        __builtin_prefetch(row + cnAhead + i);
-    std::uint32_t visible[cnBlockSize];
-    for (int i = 0; i < count; ++i) {
-        const std::uint32_t word = wordAt(row, i);
-        visible[i] = word >> 24 ? word : 0;
-        add(sums.weights[i], word >> 24 ? weight : 0.0);
+/// The sums of as many columns as a vector has pixels, in registers while rows are added.
+class ColumnGroup {
+public:
+    void load(const ColumnSums& sums, int column) {
+        forEach(m_channels,
+                [&](std::size_t i, Doubles& v) { v = loadVector<Doubles>(sums.channels + 4 * column + i); });
+        forEach(m_weights, [&](std::size_t i, Doubles& v) { v = loadVector<Doubles>(sums.weights + column + i); });
     }
-    std::uint8_t bytes[cnBlockSize * 4];
-    std::memcpy(bytes, visible, 4 * static_cast<std::size_t>(count));
-    for (int i = 0; i < 4 * count; ++i)
-        add(sums.channels[i], weight * bytes[i]);
+    void store(ColumnSums& sums, int column) const {
+        forEach(m_channels, [&](std::size_t i, const Doubles& v) { storeVector(sums.channels + 4 * column + i, v); });
+        forEach(m_weights, [&](std::size_t i, const Doubles& v) { storeVector(sums.weights + column + i, v); });
+    }
+    void add(const BgraPixel* pixels, double weight) {
+        const Words words = loadVector<Words>(pixels);
+        const auto isHidden = (words >> 24 == 0);
+        const Words hidden = reinterpret_cast<const Words&>(isHidden);
+        if (isZero(hidden)) {
+            addChannels(reinterpret_cast<const std::uint8_t*>(pixels), weight);
+            forEach(m_weights, [&](std::size_t, Doubles& v) { v += weight; });
+            return;
+        }
+        std::uint8_t visible[sizeof words];
+        std::int32_t isVisible[cnWords];
+        storeVector(visible, words & ~hidden);
+        storeVector(isVisible, hidden + 1);
+        addChannels(visible, weight);
+        forEach(m_weights, [&](std::size_t i, Doubles& v) { v += weight * doublesOf(isVisible + i); });
+    }
+
+private:
+    void addChannels(const std::uint8_t* bytes, double weight) {
+        forEach(m_channels, [&](std::size_t i, Doubles& v) { v += weight * doublesOf(bytes + i); });
+    }
+    /// i: of the vector's first number.
+    template <std::size_t N, class Vector, class Visit>
+    static void forEach(Vector (&vectors)[N], Visit visit) {
+        const auto visitAll = [&]<std::size_t... I>(std::index_sequence<I...>) {
+            (visit(I * cnDoubles, vectors[I]), ...);
+        };
+        visitAll(std::make_index_sequence<N>());
+    }
+
+    Doubles m_channels[4 * cnWords / cnDoubles]{};
+    Doubles m_weights[cnWords / cnDoubles]{};
+};
+
+void addPixel(const BgraPixel& pixel, double weight, int column, ColumnSums& sums) {
+    if (pixel.alpha == 0)
+        return;
+    double* const channels = sums.channels + 4 * column;
+    channels[0] += weight * pixel.blue;
+    channels[1] += weight * pixel.green;
+    channels[2] += weight * pixel.red;
+    channels[3] += weight * pixel.alpha;
+    sums.weights[column] += weight;
+}
+
+void addRows(const WeighedRow* rows, int rowCount, int count, bool isFirst, ColumnSums& sums) {
+    constexpr int cnAhead = 6 * cnBlockSize, cnLine = 16; // pixels
+    int i = 0;
+    for (; i + static_cast<int>(cnWords) <= count; i += cnWords) {
+        ColumnGroup group;
+        if (!isFirst)
+            group.load(sums, i);
+        for (int row = 0; row < rowCount; ++row) {
+            if (i % cnLine == 0)
+                __builtin_prefetch(rows[row].pixels + i + cnAhead);
+            group.add(rows[row].pixels + i, rows[row].weight);
+        }
+        group.store(sums, i);
+    }
+    for (; i < count; ++i) {
+        if (isFirst)
+            std::fill_n(sums.channels + 4 * i, 4, 0.0), sums.weights[i] = 0;
+        for (int row = 0; row < rowCount; ++row)
+            addPixel(rows[row].pixels[i], rows[row].weight, i, sums);
+    }
 }
 
 // In and out of memory by hand: without AVX, functions do not return these in one register.
@@ -272,24 +334,24 @@ void addRuns(const ColumnSums& columns, const ColumnRun* runs, int count, PixelS
 }
 
 void weighedColours(const PixelSums* sums, int count, double scale, BgraPixel* colours) {
-    const FourDoubles most = {256, 256, 256, 256};
+    // Of twice the mean, the whole part plus 1 is twice what the mean is rounded to, or one more.
+    const FourDoubles scales = {2, 2, 2, 2 * scale};
+    const FourDoubles most = FourDoubles{} + 2.0 * cnByteMax;
+    std::int32_t channels[4 * cnBlockSize];
     for (int i = 0; i < count; ++i) {
         const double weight = sums[i].weight;
-        if (weight <= 0) {
-            colours[i] = {255, 255, 255, 0};
-            continue;
+        FourInts bytes = {cnByteMax, cnByteMax, cnByteMax, 0};
+        if (weight > 0) {
+            FourDoubles doubled;
+            std::memcpy(&doubled, &sums[i].blue, sizeof doubled);
+            doubled = doubled * scales / FourDoubles{weight, weight, weight, 1};
+            bytes = (__builtin_convertvector(doubled < most ? doubled : most, FourInts) + 1) >> 1;
         }
-        FourDoubles means;
-        std::memcpy(&means, &sums[i].blue, sizeof means);
-        means /= FourDoubles{weight, weight, weight, 1};
-        means[3] = sums[i].alpha * scale;
-        means = means < most ? means : most;
-        const FourInts whole = __builtin_convertvector(means, FourInts);
-        const auto isHalf = means - __builtin_convertvector(whole, FourDoubles) >= 0.5;
-        const FourInts rounded = whole - __builtin_convertvector(isHalf, FourInts);
-        const FourInts bytes = rounded < cnByteMax ? rounded : FourInts{} + cnByteMax;
-        colours[i] = {byteOf(bytes[0]), byteOf(bytes[1]), byteOf(bytes[2]), byteOf(bytes[3])};
+        std::memcpy(channels + 4 * i, &bytes, sizeof bytes);
     }
+    auto* const to = reinterpret_cast<std::uint8_t*>(colours);
+    for (int i = 0; i < 4 * count; ++i)
+        to[i] = byteOf(channels[i]);
 }
 
 template <int Factor, int Part, std::size_t... I>

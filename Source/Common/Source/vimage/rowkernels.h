@@ -19,6 +19,11 @@ struct ColumnSums {
     double weights[cnBlockSize];
 };
 
+struct WeighedRow {
+    const BgraPixel* pixels;
+    double weight;
+};
+
 /// What the covered pixels of one destination pixel add up to, by weight; transparent pixels add nothing.
 struct PixelSums {
     double blue = 0, green = 0, red = 0, alpha = 0;
@@ -69,12 +74,12 @@ struct RowKernels {
     ColourAverager averageAlphaFirst[3]; ///< of pixels whose first byte is the alpha, in any order of the others
     TripleAverager averageTriples[3];
     ByteAdder addBytes[3];
-    // weight x a row of up to cnBlockSize pixels, to begin sums with and to add to them.
-    void (*setRow)(const BgraPixel* row, int count, double weight, ColumnSums& sums);
-    void (*addRow)(const BgraPixel* row, int count, double weight, ColumnSums& sums);
+    /// Adds rows of up to cnBlockSize pixels, each x its weight and in their order; isFirst: to zero, not to the sums.
+    void (*addRows)(const WeighedRow* rows, int rowCount, int count, bool isFirst, ColumnSums& sums);
     /// Adds to each of count sums the columns of its run.
     void (*addRuns)(const ColumnSums& columns, const ColumnRun* runs, int count, PixelSums* sums);
     /// Colour sums by their weight, alphas x scale, rounded half up to at most 255; transparent white without weight.
+    /// At most cnBlockSize.
     void (*weighedColours)(const PixelSums* sums, int count, double scale, BgraPixel* colours);
     /// Each of count pixels twice, or four times, one after the other.
     void (*repeat[2])(const BgraPixel* row, int count, BgraPixel* repeated);

@@ -66,11 +66,58 @@ void endStream() {
 #endif
 }
 
+#if defined(__AVX512F__)
+constexpr std::size_t cnDoubles = 8;
+#elif defined(__AVX2__)
+constexpr std::size_t cnDoubles = 4;
+#else
+constexpr std::size_t cnDoubles = 2;
+#endif
+typedef double Doubles __attribute__((vector_size(cnDoubles * sizeof(double))));
+
+// As many numbers as a vector has doubles, from memory.
+#if defined(__AVX512F__)
+Doubles doublesOf(const std::int32_t* numbers) {
+    return reinterpret_cast<Doubles>(_mm512_maskz_cvtepi32_pd(0xFF, loadVector<__m256i>(numbers)));
+}
+Doubles doublesOf(const std::uint8_t* numbers) {
+    const __m256i words = _mm256_cvtepu8_epi32(_mm_loadu_si64(numbers));
+    return reinterpret_cast<Doubles>(_mm512_maskz_cvtepi32_pd(0xFF, words));
+}
+#elif defined(__AVX2__)
+Doubles doublesOf(const std::int32_t* numbers) {
+    return reinterpret_cast<Doubles>(_mm256_cvtepi32_pd(loadVector<__m128i>(numbers)));
+}
+Doubles doublesOf(const std::uint8_t* numbers) {
+    return reinterpret_cast<Doubles>(_mm256_cvtepi32_pd(_mm_cvtepu8_epi32(_mm_loadu_si32(numbers))));
+}
+#elif defined(__x86_64__)
+Doubles doublesOf(const std::int32_t* numbers) {
+    return reinterpret_cast<Doubles>(_mm_cvtepi32_pd(_mm_loadu_si64(numbers)));
+}
+Doubles doublesOf(const std::uint8_t* numbers) {
+    const __m128i zeros = _mm_setzero_si128();
+    const __m128i words = _mm_unpacklo_epi16(_mm_unpacklo_epi8(_mm_loadu_si16(numbers), zeros), zeros);
+    return reinterpret_cast<Doubles>(_mm_cvtepi32_pd(words));
+}
+#else
+template <class T>
+Doubles doublesOf(const T* numbers) {
+    return Doubles{static_cast<double>(numbers[0]), static_cast<double>(numbers[1])};
+}
+#endif
+
 bool isZero(const Words& words) {
-    std::uint64_t bits = 0;
-    for (std::size_t i = 0; i < cnWords / 2; ++i)
-        bits |= reinterpret_cast<const Vector<std::uint64_t>&>(words)[i];
-    return bits == 0;
+#if defined(__AVX2__)
+    const auto& bits = reinterpret_cast<const __m256i&>(words);
+    return _mm256_testz_si256(bits, bits);
+#elif defined(__x86_64__)
+    const __m128i isZeroByte = _mm_cmpeq_epi8(reinterpret_cast<const __m128i&>(words), _mm_setzero_si128());
+    return _mm_movemask_epi8(isZeroByte) == 0xFFFF;
+#else
+    const auto& halves = reinterpret_cast<const Vector<std::uint64_t>&>(words);
+    return (halves[0] | halves[1]) == 0;
+#endif
 }
 
 /// The high halves of the products of 16-bit numbers, two a word.
