@@ -128,7 +128,7 @@ TEST_F(XCFileTest, WithoutAFileOrTheAccessOperationsThrow) {
     EXPECT_EQ(open(reader, "r", GENERIC_WRITE, 0, OPEN_EXISTING), 5) << "read-only for all but its creator";
     m_folder.path("a").SetReadOnly(1);
     EXPECT_EQ(open(reader, "a", GENERIC_WRITE, 0, OPEN_EXISTING), 5);
-    reader.Open(xcPathFromPosix("/dev/full"), GENERIC_WRITE, FILE_SHARE_WRITE, OPEN_EXISTING, 0);
+    reader.Create(xcPathFromPosix("/dev/full"), 0, 0, GENERIC_WRITE, FILE_SHARE_WRITE, CREATE_ALWAYS, 0);
     EXPECT_EQ(errorOf([&] { reader.Write(&byte, 1); }), 39);
 }
 

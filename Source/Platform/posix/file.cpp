@@ -280,6 +280,14 @@ int refuseOpened(const Descriptor& descriptor, const OpenRequest& request, bool 
     return denied ? cnErrorAccessDenied : 0;
 }
 
+/// A device has no contents to lose.
+int emptyOpened(const Descriptor& descriptor) {
+    struct stat status;
+    if (::fstat(descriptor.get(), &status) != 0)
+        return lastError();
+    return !S_ISREG(status.st_mode) || ::ftruncate(descriptor.get(), 0) == 0 ? 0 : lastError();
+}
+
 /// To everyone who opens the file from now on.
 void forbidWriting(int descriptor) {
     struct stat status;
@@ -320,8 +328,9 @@ int PosixFileSystem::open(const std::string& path, const OpenRequest& request, s
     if (!sharing.acquire(descriptor.get(), {request.read, request.write, request.shareRead, request.shareWrite}))
         return cnErrorSharingViolation;
     const bool empties = mayReplace || request.disposition == Disposition::truncateExisting;
-    if (empties && !created && ::ftruncate(descriptor.get(), 0) != 0)
-        return lastError();
+    if (empties && !created)
+        if (const int code = emptyOpened(descriptor))
+            return code;
     if (created && request.attributes)
         setDosAttributes(descriptor.get(), request.attributes);
     if (created && (request.attributes & attributeReadOnly))
