@@ -122,7 +122,8 @@ public:
     virtual int volume(const std::string& path, VolumeInformation& out) = 0;
     /// The system's folder for temporary files, with a "\" at its end.
     virtual int temporaryFolder(std::string& out) = 0;
-    /// Creates an empty file of mode 0600 with a new name: up to three bytes of the prefix, hex digits and ".tmp".
+    /// Creates an empty file of mode 0600 with a new name: up to three bytes of whole characters of the prefix, hex
+    /// digits and ".tmp".
     virtual int createUnique(const std::string& folder, const std::string& prefix, std::string& path) = 0;
     /// Removes a regular file of this user that no living process holds as its private file; else error 32 or 5.
     virtual int removeUnlessHeld(const std::string& path) = 0;

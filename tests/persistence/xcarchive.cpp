@@ -9,7 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
 #include <algorithm>
+#include <csignal>
 #include <cstring>
 #include <functional>
 #include <string>
@@ -443,6 +446,47 @@ void loadAll(XCArchive& archive) {
     archive.RequireRemaining(1);
     archive >> last;
     EXPECT_EQ(last, 0x77);
+}
+
+/// While it lives, files of this process cannot grow beyond so many bytes.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) : m_signal(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{bytes, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_signal);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+
+private:
+    rlimit m_before;
+    void (*m_signal)(int);
+};
+
+TEST(XCArchive, WhatCouldNotBeWrittenWholeIsWrittenAgain) {
+    const TempFolder folder;
+    const std::string data(1500, 'x');
+    for (const std::uint32_t cacheSize : {0u, 4096u}) {
+        XCArchiveFile archive(9, cacheSize);
+        archive.FileCreate(folder.path("f"), 0, 0, GENERIC_WRITE, 0, CREATE_ALWAYS, 0);
+        const auto write = [&] {
+            if (archive.GetPosition() == 0)
+                archive.Write(data.data(), static_cast<std::uint32_t>(data.size()));
+            archive.DoFlush();
+        };
+        {
+            const FileSizeLimit limit(1000);
+            EXPECT_NE(errorOf(write), 0);
+        }
+        write();
+        EXPECT_EQ(archive.GetPosition(), data.size());
+        archive.FileClose();
+        EXPECT_TRUE(folder.read("f") == data) << cacheSize;
+    }
 }
 
 TEST(XCArchive, DamagedStreamsEndInAnError) {

@@ -392,9 +392,10 @@ TEST_F(XCFilePathDisk, TemporaryNamesAreNewPrivateFiles) {
     so.CreateFolder();
     XCFilePath below(so), folder;
     below += "x";
-    EXPECT_EQ(below.MakeTempPath("SWP", 1), 1);
+    EXPECT_EQ(below.MakeTempPath("SW\x83\x5C", 1), 1);
     below.GetFolderPath(folder);
     EXPECT_TRUE(folder == so);
+    EXPECT_EQ(nameOf(below).find('\x83'), std::string::npos); // half of a character
 }
 
 TEST_F(XCFilePathDisk, CanSaveLeavesNothingBehind) {

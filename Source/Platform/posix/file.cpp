@@ -5,6 +5,7 @@
 #include "Platform/posix/filesharing.h"
 #include "Platform/posix/trash.h"
 #include "Platform/systemerror.h"
+#include "Platform/text.h"
 
 #include <algorithm>
 #include <array>
@@ -508,7 +509,7 @@ std::uint32_t temporaryNumber() {
 int PosixFileSystem::createUnique(const std::string& folder, const std::string& prefix, std::string& path) {
     constexpr std::uint32_t numbers = 0x10000;
     constexpr std::size_t prefixBytes = 3;
-    const std::string base = childPath(folder, prefix.substr(0, prefixBytes));
+    const std::string base = childPath(folder, prefix.substr(0, wholeCharacters(prefix.c_str(), prefixBytes)));
     const std::uint32_t first = temporaryNumber();
     for (std::uint32_t i = 0; i < numbers; ++i) {
         std::array<char, 16> suffix;

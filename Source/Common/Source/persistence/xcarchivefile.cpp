@@ -50,7 +50,12 @@ void XCArchiveFile::FlushToDisk() {
 
 std::uint32_t XCArchiveFile::WriteSelf(const void* bytes, std::uint32_t size) {
     std::uint32_t done = 0;
-    m_file.Write(bytes, size, &done);
+    try {
+        m_file.Write(bytes, size, &done);
+    } catch (...) { // the same bytes may come again when there is room
+        m_file.Seek(-std::int64_t{done}, FILE_CURRENT);
+        throw;
+    }
     return done;
 }
 
