@@ -25,28 +25,69 @@ constexpr double cnShrink = 1e-6;
 
 double turnBetween(double from, double to) { return vxRotOffCalc(vxRotNormal(from), vxRotNormal(to)); }
 
+/// Whether the line through a side of `a` has `a` on one side and `b` on the other.
+bool isPartedBySide(const RibbonTrail::Corners& a, const RibbonTrail::Corners& b) {
+    for (std::size_t i = 0; i < a.size(); i++) {
+        const auto cornerOf = [&](std::size_t step) -> const TTexMapVertex& { return a[(i + step) % a.size()]; };
+        const TTexMapVertex& from = cornerOf(0);
+        const TTexMapVertex& to = cornerOf(1);
+        const auto sideOf = [&](const TTexMapVertex& corner) {
+            return (to.x - from.x) * (corner.y - from.y) - (to.y - from.y) * (corner.x - from.x);
+        };
+        const double one = sideOf(cornerOf(2));
+        const double other = sideOf(cornerOf(3));
+        const double inner = one + other;
+        if (inner != 0.0 && one * other >= 0.0 &&
+            std::all_of(b.begin(), b.end(), [&](const TTexMapVertex& corner) { return sideOf(corner) * inner <= 0.0; }))
+            return true;
+    }
+    return false;
+}
+
+bool canMeet(const RibbonTrail::Corners& a, const RibbonTrail::Corners& b) {
+    return !isPartedBySide(a, b) && !isPartedBySide(b, a);
+}
+
 } // namespace
 
-void RibbonTrail::add(const MapOutline& piece, double length, double width) {
+void RibbonTrail::add(const Corners& piece, double length, double width) {
     m_length += length;
     m_width = width;
-    m_pieces.push_back({piece, piece.pixels(cnImageOrigin), m_length});
+    const MapOutline outline(piece);
+    m_pieces.push_back({piece, outline, outline.pixels(cnImageOrigin), m_length});
     while (m_pieces.size() > cnMostPieces || m_length - m_pieces.front().end > cnMemory * m_width)
         m_pieces.pop_front();
 }
 
+void RibbonTrail::beginPiece(const Corners& piece, const XCRect& pixels) {
+    m_near.clear();
+    for (auto old = m_pieces.rbegin(); old != m_pieces.rend(); ++old)
+        if (pixels.IsIntersectRect(old->pixels) && canMeet(old->corners, piece))
+            m_near.push_back(&*old);
+}
+
 void RibbonTrail::markCovered(CoveredPixels& covered, std::int64_t y, std::int64_t from, std::int64_t to,
                               double offset) const {
-    for (const Piece& piece : m_pieces) {
-        if (y < piece.pixels.top || y >= piece.pixels.bottom)
+    // Pixels outside openFrom <= x < openTo are known to be covered.
+    std::int64_t openFrom = from;
+    std::int64_t openTo = to;
+    for (const Piece* piece : m_near) {
+        if (y < piece->pixels.top || y >= piece->pixels.bottom || openFrom >= piece->pixels.right ||
+            openTo <= piece->pixels.left)
             continue;
         double left = 0.0;
         double right = 0.0;
-        if (!piece.outline.stretch(left, right, static_cast<double>(y) + offset))
+        if (!piece->outline.stretch(left, right, static_cast<double>(y) + offset))
             continue;
         const std::int64_t start = std::clamp(pixelsBefore(left + cnShrink, offset), from, to);
         const std::int64_t end = std::clamp(pixelsBefore(right - cnShrink, offset), start, to);
         std::fill(covered.begin() + (start - from), covered.begin() + (end - from), true);
+        if (start <= openFrom)
+            openFrom = std::max(openFrom, end);
+        if (end >= openTo)
+            openTo = std::min(openTo, start);
+        if (openFrom >= openTo)
+            return;
     }
 }
 
@@ -162,9 +203,12 @@ void Ribbon::paintPiece(const Piece& piece) {
 }
 
 void Ribbon::paintHalf(const Piece& piece, Half half) {
-    const MapOutline outline = outlineOf(piece, half, margin());
+    const RibbonTrail::Corners corners = cornersOf(piece, half, margin());
+    const MapOutline outline(corners);
     const XCRect pixels = outline.pixels(cnImageOrigin);
     bool isDrawn = false;
+    if (m_trail)
+        m_trail->beginPiece(corners, pixels);
     m_painter.forEachRow(pixels, [&](std::int64_t y) {
         std::array<TextureSpan, 2> spans;
         std::int64_t start = 0;
@@ -181,7 +225,7 @@ void Ribbon::paintHalf(const Piece& piece, Half half) {
     if (isDrawn)
         unite(m_painted, pixels);
     if (m_trail)
-        m_trail->add(outlineOf(piece, half, -m_trail->inset()),
+        m_trail->add(cornersOf(piece, half, -m_trail->inset()),
                      half == Half::Right
                          ? 0.0
                          : std::hypot(piece.to.center.x - piece.from.center.x, piece.to.center.y - piece.from.center.y),
@@ -189,18 +233,16 @@ void Ribbon::paintHalf(const Piece& piece, Half half) {
 }
 
 /// @param growth of the ribbon on both sides, pixels
-MapOutline Ribbon::outlineOf(const Piece& piece, Half half, double growth) const {
+RibbonTrail::Corners Ribbon::cornersOf(const Piece& piece, Half half, double growth) const {
     const double reachFrom = std::max(piece.from.half + growth, 0.0);
     const double reachTo = std::max(piece.to.half + growth, 0.0);
     const double leftFrom = half == Half::Right ? piece.meetFrom : -reachFrom;
     const double leftTo = half == Half::Right ? piece.meetTo : -reachTo;
     const double rightFrom = half == Half::Left ? piece.meetFrom : reachFrom;
     const double rightTo = half == Half::Left ? piece.meetTo : reachTo;
-    const std::array<TTexMapVertex, 4> corners{corner(piece.from, std::min(leftFrom, rightFrom), piece.alongFrom),
-                                               corner(piece.to, std::min(leftTo, rightTo), piece.alongTo),
-                                               corner(piece.to, rightTo, piece.alongTo),
-                                               corner(piece.from, rightFrom, piece.alongFrom)};
-    return MapOutline(corners);
+    return {corner(piece.from, std::min(leftFrom, rightFrom), piece.alongFrom),
+            corner(piece.to, std::min(leftTo, rightTo), piece.alongTo), corner(piece.to, rightTo, piece.alongTo),
+            corner(piece.from, rightFrom, piece.alongFrom)};
 }
 
 /// @param offset from the middle of the ribbon, to the right, pixels

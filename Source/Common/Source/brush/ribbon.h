@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <vector>
 
 namespace ovw::brush {
 
@@ -16,8 +17,13 @@ namespace ovw::brush {
 /// that comes back after a longer way is painted over itself.
 class RibbonTrail {
 public:
-    /// Adds a piece of the ribbon, its corners being pixels of the image.
-    void add(const MapOutline& piece, double length, double width);
+    using Corners = std::array<TTexMapVertex, 4>; ///< of a piece, pixels of the image
+
+    /// Adds a piece of the ribbon.
+    void add(const Corners& piece, double length, double width);
+    /// Finds what may cover a part of a new piece; the rows asked for from now on are its.
+    /// @param pixels all that may belong to it
+    void beginPiece(const Corners& piece, const XCRect& pixels);
     /// How far from its sides the ribbon counts as covered, pixels: 0, or 1 where painting twice does no harm, so that
     /// what covers in part is completed.
     void setInset(double pixels) { m_inset = pixels; }
@@ -43,6 +49,7 @@ private:
     static constexpr std::size_t cnMostPieces = 4096; ///< of a ribbon that turns on the spot
 
     struct Piece {
+        Corners corners;
         MapOutline outline;
         XCRect pixels;
         double end; ///< its distance from the start of the ribbon
@@ -51,7 +58,8 @@ private:
 
     void markCovered(CoveredPixels& covered, std::int64_t y, std::int64_t from, std::int64_t to, double offset) const;
 
-    std::deque<Piece> m_pieces; ///< in the order of the way
+    std::deque<Piece> m_pieces;       ///< in the order of the way
+    std::vector<const Piece*> m_near; ///< that meet the new piece, the latest first
     double m_inset = 0.0;
     double m_length = 0.0;
     double m_width = 0.0;
@@ -90,7 +98,7 @@ private:
     void findMeeting(Piece& piece) const;
     void paintPiece(const Piece& piece);
     void paintHalf(const Piece& piece, Half half);
-    MapOutline outlineOf(const Piece& piece, Half half, double growth) const;
+    RibbonTrail::Corners cornersOf(const Piece& piece, Half half, double growth) const;
     double margin() const;
     TTexMapVertex corner(const CrossEdge& edge, double offset, double along) const;
 
