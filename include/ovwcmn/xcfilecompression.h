@@ -40,7 +40,7 @@ public:
 
     /// Packs the items that exist; the packed file itself is left out. It grows beside `packedFile` and takes its name
     /// when it is whole: after an error `packedFile` is as it was. 0 when stopped: then it is cut off. Names that could
-    /// not be unpacked throw 123.
+    /// not be unpacked throw 123, folders nested too deep for that 206.
     int Compress(const XCFilePath& packedFile, const XCTArray<XCFilePath*>& items);
     /// Unpacks into a folder that exists. Files replace those of the same name; a folder whose name is taken gets the
     /// next free number behind it. 0 when stopped: what was unpacked stays. Throws 0 for a file of another kind. A file
@@ -70,6 +70,7 @@ private:
     std::vector<ovw::persistence::FolderEntry> itemsOf(const XCTArray<XCFilePath*>& paths) const;
     std::vector<ovw::persistence::FolderEntry> entriesOf(const XCFilePath& folder) const;
     bool isOwnFile(const ovw::persistence::FolderEntry& entry) const;
+    int countFiles(const XCFilePath& folder, int nesting) const;
     bool stepOrStop();
 
     std::uint64_t m_unpackLimit = 0;

@@ -175,6 +175,30 @@ TEST_F(XCFileCompressionTest, TakenNamesGetNumbersOrAreReplaced) {
     EXPECT_EQ(m_folder.read("out/single"), "new");
 }
 
+/// A folder that holds itself, and so on.
+class BottomlessFolder : public CrashingDisk {
+public:
+    explicit BottomlessFolder(const XCFilePath& folder) : m_folder(static_cast<const char*>(folder)) {}
+    int information(const std::string& path, ovw::platform::FileInformation& out) override {
+        return CrashingDisk::information(path.starts_with(m_folder) ? m_folder : path, out);
+    }
+    int list(const std::string&, std::vector<std::string>& names) override {
+        names = {"d"};
+        return 0;
+    }
+
+private:
+    std::string m_folder;
+};
+
+TEST_F(XCFileCompressionTest, FoldersTooDeepToBeUnpackedAreNotPacked) {
+    fs::create_directory(m_folder.posix("d"));
+    m_folder.write("packed", "old");
+    const BottomlessFolder disk(m_folder.path("d"));
+    EXPECT_EQ(errorOf([&] { pack({"d"}); }), 206);
+    EXPECT_EQ(m_folder.read("packed"), "old");
+}
+
 TEST_F(XCFileCompressionTest, ThePackedFileIsNotPacked) {
     fs::create_directory(m_folder.posix("f"));
     m_folder.write("f/a", "x");

@@ -23,7 +23,6 @@ constexpr std::uint32_t cnNumbersBytes = 12; // of a file record: size, time, at
 constexpr std::uint32_t cnCountBytes = 2;    // of a text
 constexpr std::uint32_t cnFrameLengthBytes = 4;
 constexpr std::size_t cnMaxNameBytes = 255;
-constexpr int cnMaxNesting = 260; // a path holds no more folders
 
 XCString readName(XCArchive& archive) {
     const std::uint32_t start = archive.GetPosition();
@@ -59,7 +58,7 @@ void Check::entry(int nesting) {
 }
 
 void Check::folder(std::uint32_t count, int nesting) {
-    if (nesting > cnMaxNesting)
+    if (nesting > cnMaxPackedNesting)
         xcThrowError(cnCodeFileFormat);
     archive.RequireRemaining(std::uint64_t{count} * cnMinEntryBytes);
     for (std::uint32_t i = 0; i < count; ++i)

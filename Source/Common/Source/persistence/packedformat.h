@@ -13,6 +13,8 @@ class XCArchive;
 
 namespace ovw::persistence {
 
+inline constexpr int cnMaxPackedNesting = 260; ///< folders within each other: a path holds no more
+
 enum class PackedKind : std::uint16_t { folder = 1, file = 2 };
 
 struct PackedHead {

@@ -153,10 +153,14 @@ std::vector<FolderEntry> XCFileCompression::entriesOf(const XCFilePath& folder) 
     return entries;
 }
 
-int XCFileCompression::GetFileCount(const XCFilePath& folder) {
+int XCFileCompression::GetFileCount(const XCFilePath& folder) { return countFiles(folder, 1); }
+
+int XCFileCompression::countFiles(const XCFilePath& folder, int nesting) const {
+    if (nesting > cnMaxPackedNesting)
+        xcThrowError(platform::cnErrorFileNameTooLong);
     int count = 0;
     for (const FolderEntry& entry : entriesOf(folder))
-        count += entry.isFolder() ? GetFileCount(entry.path) : 1;
+        count += entry.isFolder() ? countFiles(entry.path, nesting + 1) : 1;
     return count;
 }
 
