@@ -145,6 +145,19 @@ TEST_F(VOffscreenCache, ReplacesItsImageAndForgetsItsMarks) {
     EXPECT_EQ(XCVOffscreen::CreateOffscreenCache(5), nullptr);
 }
 
+TEST_F(VOffscreenCache, NoRectangleMeansEveryMarkWhateverBecameOfTheImage) {
+    constexpr const XCRect* everywhere = nullptr;
+    m_cache->SetDrawn(everywhere, 1);
+    image()->DeallocateBlock(DEALLOCATE_BOTTOM);
+    m_cache->SetDrawn(everywhere, 0);
+    EXPECT_EQ(flagged(2), 0);
+    XCVOffscreen* const before = m_cache->SetThisOffscreen(nullptr);
+    m_cache->SetFlagSimple(0, 1);
+    m_cache->SetCached(0, 0);
+    EXPECT_EQ(m_cache->IsCached(0), 0);
+    m_cache->SetThisOffscreen(before);
+}
+
 TEST(VOffscreenBackup, AStateOfNoneFreesTheBlock) {
     TestStore store;
     const Backup backup(XCVOffscreen::CreateOffscreenBackup(8), XCVOffscreen::DeleteOffscreenBackup);

@@ -1,8 +1,8 @@
 #include "ovwcmn/xcplotgauss.h"
 
+#include "foundation/nomemory.h"
 #include "mixing/gaussline.h"
 #include "ovwcmn/xcexception.h"
-#include "vimage/nomemory.h"
 
 #include <algorithm>
 #include <array>
@@ -74,7 +74,7 @@ XCPlotGauss::XCPlotGauss(const XCPlotGauss& src) { *this = src; }
 XCPlotGauss& XCPlotGauss::operator=(const XCPlotGauss& src) {
     if (this == &src)
         return *this;
-    ovw::vimage::orNoMemory([&] { m_table = src.m_table; });
+    ovw::foundation::orNoMemory([&] { m_table = src.m_table; });
     m_mode = src.m_mode;
     m_tableSize = src.m_tableSize;
     m_tableRadius = src.m_tableRadius;

@@ -2,6 +2,7 @@
 
 #include "ovwcmn/xcarchive.h"
 
+#include "foundation/nomemory.h"
 #include "ovwcmn/xcexception.h"
 
 #include <algorithm>
@@ -201,6 +202,10 @@ void XCArchive::fillCache(std::uint32_t most) {
 // ---- Sections -------------------------------------------------------------------------------------------------------
 
 void XCArchive::BeginSection() {
+    ovw::foundation::orNoMemory([this] {
+        m_sectionSizes.reserve(m_sectionSizes.size() + 1);
+        m_sectionStarts.reserve(m_sectionStarts.size() + 1);
+    });
     if (IsLoading())
         m_sectionSizes.push_back(readSectionLength());
     else

@@ -1,5 +1,6 @@
 #include "ovwcmn/xczlib.h"
 
+#include "foundation/nomemory.h"
 #include "ovwcmn/xcarchive.h"
 #include "ovwcmn/xcexception.h"
 #include "persistence/blockcodec.h"
@@ -119,7 +120,7 @@ void XCZLib::SetCompressionLevel(int level) { m_level = level; }
 
 BlockCodec& XCZLib::codec() {
     if (!m_codec || m_codec->level() != m_level)
-        m_codec = std::make_unique<BlockCodec>(m_level);
+        m_codec = ovw::foundation::orNoMemory([this] { return std::make_unique<BlockCodec>(m_level); });
     return *m_codec;
 }
 

@@ -1,9 +1,9 @@
 #include "vimage/boxaverage.h"
 
+#include "foundation/nomemory.h"
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/blockparts.h"
 #include "vimage/coveredspan.h"
-#include "vimage/nomemory.h"
 #include "vimage/pixelrows.h"
 #include "vimage/rowkernels.h"
 
@@ -131,7 +131,7 @@ public:
     BoxAverager(XCVOffscreen& destination, const Map& columns, const Map& rows, XCVOffscreen& source, const Rule& rule)
         : m_destination(destination), m_source(source), m_columns(columns), m_rows(rows), m_rule(rule),
           m_isDirect(source.GetDepth() == Rgba32::cnBits), m_kernels(rowKernels()),
-          m_work(orNoMemory([] { return std::make_unique<Work>(); })) {}
+          m_work(foundation::orNoMemory([] { return std::make_unique<Work>(); })) {}
 
     void run() {
         const XCRect area(m_columns.begin(), m_rows.begin(), m_columns.end(), m_rows.end());

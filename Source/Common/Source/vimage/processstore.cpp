@@ -1,4 +1,5 @@
 #include "Platform/memory.h"
+#include "foundation/nomemory.h"
 #include "ovwcmn/xcvirtualmemory.h"
 #include "vimage/storelocks.h"
 
@@ -23,7 +24,7 @@ struct ClosesAtExit {
 } // namespace
 
 XCVirtualMemory* xcGetVirtualMemory() {
-    static XCVirtualMemory& s_store = *new XCVirtualMemory;
+    static XCVirtualMemory& s_store = *ovw::foundation::orNoMemory([] { return new XCVirtualMemory; });
     static const ClosesAtExit s_closer;
     return &s_store;
 }

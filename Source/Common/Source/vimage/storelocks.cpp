@@ -1,10 +1,12 @@
 #include "vimage/storelocks.h"
 
+#include "foundation/nomemory.h"
+
 namespace ovw::vimage {
 
 XCCriticalSection& librarySection() {
     static XCCriticalSection& s_section = []() -> XCCriticalSection& {
-        auto* const section = new XCCriticalSection;
+        auto* const section = foundation::orNoMemory([] { return new XCCriticalSection; });
         section->Initialize();
         return *section;
     }();

@@ -1,5 +1,6 @@
 // Tiled images as streams, and packed in memory.
 
+#include "foundation/nomemory.h"
 #include "ovwcmn/xcarchivemem.h"
 #include "ovwcmn/xcexception.h"
 #include "ovwcmn/xcvirtualmemory.h"
@@ -14,6 +15,7 @@
 #include <vector>
 
 using namespace ovw::vimage;
+using ovw::foundation::orNoMemory;
 
 namespace {
 
@@ -188,7 +190,8 @@ void XCVOffscreen::LoadImageBlock(const XCTArray<tagRECT, 0>& rects, XCVOffscree
     if (!CanFastWrite() || !target || target->m_depth != m_depth || target->m_width != m_width ||
         target->m_height != m_height)
         return;
-    std::vector<bool> isWanted(static_cast<std::size_t>(m_blocks.GetSize()));
+    const auto blockCount = static_cast<std::size_t>(m_blocks.GetSize());
+    std::vector<bool> isWanted = orNoMemory([blockCount] { return std::vector<bool>(blockCount); });
     for (const tagRECT& rect : rects)
         if (const int index = GetBlockIndex(rect.left, rect.top); index >= 0)
             isWanted[static_cast<std::size_t>(index)] = true;

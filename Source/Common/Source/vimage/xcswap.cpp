@@ -1,6 +1,7 @@
 #include "ovwcmn/xcswap.h"
 
 #include "Platform/systemerror.h"
+#include "foundation/nomemory.h"
 #include "ovwcmn/vxwutl.h"
 #include "ovwcmn/xcexception.h"
 #include "ovwcmn/xcfile.h"
@@ -9,6 +10,8 @@
 #include <exception>
 #include <limits>
 #include <new>
+
+using ovw::foundation::orNoMemory;
 
 namespace {
 
@@ -54,8 +57,8 @@ int succeeds(Operation operation) {
 } // namespace
 
 XCSwap::XCSwap()
-    : m_pFile(std::make_unique<XCFile>()), m_nSectorSize(cnDefaultSectorSize),
-      m_pBlocks(std::make_unique<ovw::vimage::NodeList<XCSwapListItem>>()) {}
+    : m_pFile(orNoMemory([] { return std::make_unique<XCFile>(); })), m_nSectorSize(cnDefaultSectorSize),
+      m_pBlocks(orNoMemory([] { return std::make_unique<ovw::vimage::NodeList<XCSwapListItem>>(); })) {}
 
 XCSwap::~XCSwap() {
     Destroy();
@@ -66,11 +69,11 @@ XCSwap::~XCSwap() {
 int XCSwap::Create(std::uint32_t* size, XCFilePath& path, int) {
     Destroy();
     vxSetLastError(0);
-    const std::uint32_t sector = XCFilePath::GetDiskSectorSize(path);
+    const std::uint32_t sector = orNoMemory([&] { return XCFilePath::GetDiskSectorSize(path); });
     if (sector == 0)
         throwLastError(ovw::platform::cnErrorPathNotFound);
     const std::uint32_t rounded = wholeSectors(*size, sector);
-    requireFreeSpace(path, rounded);
+    orNoMemory([&] { requireFreeSpace(path, rounded); });
     constexpr std::uint32_t attributes = FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_NO_BUFFERING;
     const int made = succeeds([&] {
         m_pFile->Create(path, 0, cnSwapFileType, GENERIC_READ | GENERIC_WRITE, 0, CREATE_ALWAYS, attributes);
@@ -104,9 +107,11 @@ XCSwapBlock* XCSwap::Allocate(std::uint32_t size) {
     const std::uint64_t rounded = roundUp(size ? size : 1, m_nSectorSize);
     if (rounded > std::numeric_limits<std::uint32_t>::max())
         xcThrowError(ovw::foundation::cnCodeNoMemory);
-    auto block = std::make_unique<XCSwapBlock>(0, 0, rounded);
-    block->SetSwapListItem(m_pBlocks->append(block.get()));
-    return block.release();
+    return orNoMemory([&] {
+        auto block = std::make_unique<XCSwapBlock>(0, 0, rounded);
+        block->SetSwapListItem(m_pBlocks->append(block.get()));
+        return block.release();
+    });
 }
 
 void XCSwap::Deallocate(XCSwapBlock* block) {
@@ -150,7 +155,9 @@ int XCSwap::Read(void* data, XCSwapBlock* block) {
 
 std::uint32_t XCSwap::GetUsedBlockCount() const { return m_pBlocks->count(); }
 
-int XCSwap::givePlace(XCSwapBlock& block) {
+/// 0 also when memory is short. The extent is noted before the file counts as longer: after a failure the next try
+/// starts from the old end.
+int XCSwap::givePlace(XCSwapBlock& block) try {
     const std::uint64_t size = block.GetSize();
     std::uint64_t position = 0;
     if (!m_garbage.Request(&position, size)) {
@@ -158,14 +165,16 @@ int XCSwap::givePlace(XCSwapBlock& block) {
         if (grow > std::numeric_limits<std::uint32_t>::max() || !Enlarge(static_cast<std::uint32_t>(grow)))
             return 0;
         const std::uint64_t oldSize = GetSwapSize();
-        m_nSwapSize.store(oldSize + grow, std::memory_order_relaxed);
         m_garbage.Enlarge(static_cast<std::uint32_t>(grow), oldSize);
+        m_nSwapSize.store(oldSize + grow, std::memory_order_relaxed);
         if (!m_garbage.Request(&position, size))
             return 0;
     }
     block.SetPos(position, position + size);
     m_nUsedTotal.store(GetUsedTotalSize() + size, std::memory_order_relaxed);
     return 1;
+} catch (const std::bad_alloc&) {
+    return 0;
 }
 
 int XCSwap::Enlarge(std::uint32_t size) {

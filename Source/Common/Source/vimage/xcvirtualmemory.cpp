@@ -3,17 +3,17 @@
 #include "Platform/file.h"
 #include "Platform/memory.h"
 #include "Platform/systemerror.h"
+#include "foundation/nomemory.h"
 #include "ovwcmn/xcexception.h"
 #include "ovwcmn/xcfilepath.h"
 #include "ovwcmn/xcfindfile.h"
-#include "vimage/nomemory.h"
 #include "vimage/storelocks.h"
 
 #include <algorithm>
 #include <string_view>
 
+using ovw::foundation::orNoMemory;
 using ovw::vimage::librarySection;
-using ovw::vimage::orNoMemory;
 using ovw::vimage::StoreLocks;
 
 namespace {
@@ -78,9 +78,10 @@ private:
 };
 
 XCVirtualMemory::XCVirtualMemory()
-    : m_pSwap(std::make_unique<XCSwap>()), m_pSection(std::make_unique<XCCriticalSection>()) {
+    : m_pSwap(orNoMemory([] { return std::make_unique<XCSwap>(); })),
+      m_pSection(orNoMemory([] { return std::make_unique<XCCriticalSection>(); })) {
     m_pSection->Initialize();
-    m_arrSpare.reserve(cnMaxSpares);
+    orNoMemory([this] { m_arrSpare.reserve(cnMaxSpares); });
     m_cache.SetOwnerVM(this);
 }
 
@@ -89,7 +90,7 @@ XCVirtualMemory::~XCVirtualMemory() { Destroy(); }
 void XCVirtualMemory::Create(std::uint32_t size, XCFilePath* folder, int cleanup) {
     XCCriticalSectionAutoLeave lock(&librarySection());
     Destroy();
-    createSwapFile(size, folder, cleanup);
+    orNoMemory([&] { createSwapFile(size, folder, cleanup); });
     m_nMinimumUnitSize.store(static_cast<std::uint32_t>(ovw::platform::pageSize()), std::memory_order_relaxed);
     m_nPhysicalSize.store(size, std::memory_order_relaxed);
     m_cache.Create(size);
@@ -103,10 +104,10 @@ void XCVirtualMemory::createSwapFile(std::uint32_t& size, XCFilePath* folder, in
     }
     if (!path.MakeTempPath(cnSwapPrefix, folder ? 1 : 0))
         xcThrowError(cnErrorNoSwapName);
-    if (cleanup == 1)
-        cleanUp(path, folder != nullptr);
     int made = 0;
     try {
+        if (cleanup == 1)
+            cleanUp(path, folder != nullptr);
         made = m_pSwap->Create(&size, path, 0);
     } catch (...) {
         path.Delete(0);

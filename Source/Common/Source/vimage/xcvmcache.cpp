@@ -1,13 +1,18 @@
 #include "ovwcmn/xcvirtualmemory.h"
+
+#include "foundation/nomemory.h"
 #include "vimage/nodelist.h"
 
 #include <algorithm>
 #include <limits>
 
+using ovw::foundation::orNoMemory;
+
 // Invariants: a block is in the list exactly while it is on memory, and then knows its node; the margin is the cache
 // size less the sizes of the blocks in the list.
 
-XCVMCache::XCVMCache() : m_pResident(std::make_unique<ovw::vimage::NodeList<XCVMCacheListItem>>()) {}
+XCVMCache::XCVMCache()
+    : m_pResident(orNoMemory([] { return std::make_unique<ovw::vimage::NodeList<XCVMCacheListItem>>(); })) {}
 
 XCVMCache::~XCVMCache() = default;
 

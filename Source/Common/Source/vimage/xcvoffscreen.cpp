@@ -1,5 +1,6 @@
 #include "ovwcmn/xcvoffscreen.h"
 
+#include "foundation/nomemory.h"
 #include "ovwcmn/xcvoffscreenlock.h"
 #include "vimage/blockparts.h"
 #include "vimage/withformat.h"
@@ -8,6 +9,7 @@
 #include <memory>
 
 using namespace ovw::vimage;
+using ovw::foundation::orNoMemory;
 
 XCVOffscreen::XCVOffscreen() = default;
 
@@ -68,7 +70,9 @@ struct VariantOf<Rgba32> {
 } // namespace
 
 XCVOffscreen* XCVOffscreen::CreateOffscreen(int depth) {
-    return withFormat(depth, []<class Format>() -> XCVOffscreen* { return new typename VariantOf<Format>::Type; });
+    return withFormat(depth, []<class Format>() -> XCVOffscreen* {
+        return orNoMemory([]() -> XCVOffscreen* { return new typename VariantOf<Format>::Type; });
+    });
 }
 
 void XCVOffscreen::DeleteOffscreen(XCVOffscreen* image) { delete image; }

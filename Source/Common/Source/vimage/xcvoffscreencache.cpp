@@ -1,6 +1,9 @@
 #include "ovwcmn/xcvoffscreencache.h"
 
+#include "foundation/nomemory.h"
 #include "ovwcmn/xcvoffscreen.h"
+
+using ovw::foundation::orNoMemory;
 
 namespace {
 
@@ -19,10 +22,16 @@ void forEachBlock(const XCVOffscreen& image, const XCTArray<tagRECT, 0>& rects, 
         action(image.GetBlockIndex(rect.left, rect.top));
 }
 
+/// Of the blocks that rect meets, or without one of all `count` marks: there may be more of them than blocks now.
 template <class Action>
-void forEachBlock(const XCVOffscreen& image, const XCRect* rect, Action action) {
+void forEachBlock(const XCVOffscreen& image, const XCRect* rect, int count, Action action) {
+    if (!rect) {
+        for (int index = 0; index < count; ++index)
+            action(index);
+        return;
+    }
     XCTArray<tagRECT, 0> blocks;
-    image.GetBlockArea(rect ? *rect : image.GetRect(), blocks, 1);
+    image.GetBlockArea(*rect, blocks, 1);
     forEachBlock(image, blocks, action);
 }
 
@@ -39,7 +48,7 @@ XCVOffscreenCache::XCVOffscreenCache() = default;
 XCVOffscreenCache::~XCVOffscreenCache() = default;
 
 XCVOffscreenCache* XCVOffscreen::CreateOffscreenCache(int depth) {
-    auto cache = std::make_unique<XCVOffscreenCache>();
+    auto cache = orNoMemory([] { return std::make_unique<XCVOffscreenCache>(); });
     for (std::unique_ptr<XCVOffscreen>* const image : {&cache->m_image, &cache->m_lower}) {
         image->reset(CreateOffscreen(depth));
         if (!*image)
@@ -96,13 +105,13 @@ void XCVOffscreenCache::SetFlag(int index, std::uint32_t bits, int on) {
         return;
     }
     m_flags[index] &= ~bits;
-    if (bits & cnCached)
+    if ((bits & cnCached) && m_image)
         m_image->DestroyBlock(index, 0);
 }
 
 void XCVOffscreenCache::SetFlag(const XCRect* rect, std::uint32_t bits, int on) {
     if (m_image)
-        forEachBlock(*m_image, rect, [&](int index) { SetFlag(index, bits, on); });
+        forEachBlock(*m_image, rect, m_flags.GetSize(), [&](int index) { SetFlag(index, bits, on); });
 }
 
 void XCVOffscreenCache::SetFlag(const XCTArray<tagRECT, 0>& rects, std::uint32_t bits, int on) {
@@ -160,7 +169,7 @@ XCVOffscreenBackup::XCVOffscreenBackup() = default;
 XCVOffscreenBackup::~XCVOffscreenBackup() = default;
 
 XCVOffscreenBackup* XCVOffscreen::CreateOffscreenBackup(int depth) {
-    auto backup = std::make_unique<XCVOffscreenBackup>();
+    auto backup = orNoMemory([] { return std::make_unique<XCVOffscreenBackup>(); });
     backup->m_image.reset(CreateOffscreen(depth));
     return backup->m_image ? backup.release() : nullptr;
 }
@@ -198,5 +207,5 @@ void XCVOffscreenBackup::SetState(const XCTArray<tagRECT, 0>& rects, BACKUP_STAT
 
 void XCVOffscreenBackup::SetState(const XCRect* rect, BACKUP_STATE state) {
     if (m_image)
-        forEachBlock(*m_image, rect, [&](int index) { setState(index, state); });
+        forEachBlock(*m_image, rect, m_states.GetSize(), [&](int index) { setState(index, state); });
 }

@@ -1,11 +1,11 @@
-#ifndef OVW_VIMAGE_NOMEMORY_H
-#define OVW_VIMAGE_NOMEMORY_H
+#ifndef OVW_FOUNDATION_NOMEMORY_H
+#define OVW_FOUNDATION_NOMEMORY_H
 
 #include "ovwcmn/xcexception.h"
 
 #include <new>
 
-namespace ovw::vimage {
+namespace ovw::foundation {
 
 /// Runs an operation whose bookkeeping may lack memory, and throws error 8 then, as for any lack of memory.
 template <class Operation>
@@ -13,10 +13,10 @@ auto orNoMemory(Operation operation) {
     try {
         return operation();
     } catch (const std::bad_alloc&) {
-        xcThrowError(foundation::cnCodeNoMemory);
+        xcThrowError(cnCodeNoMemory);
     }
 }
 
-} // namespace ovw::vimage
+} // namespace ovw::foundation
 
-#endif // OVW_VIMAGE_NOMEMORY_H
+#endif // OVW_FOUNDATION_NOMEMORY_H
