@@ -238,6 +238,10 @@ TEST_F(VOffscreenStream, PacksInMemoryAndForgetsStaleCopies) {
     expectSame(same.get(), image.get());
 
     XCVOffscreen::Write(image.get(), 1);
+    image->ClrRect(tagRECT{0, 0, 300, 300}), same->ClrRect(tagRECT{0, 0, 300, 300});
+    expectSame(same.get(), image.get());
+
+    XCVOffscreen::Write(image.get(), 1);
     image->LoadImageA(0, 0);
     EXPECT_EQ(image->IsLoadImage(), 1);
     EXPECT_EQ(image->IsBlockExist(), 0);

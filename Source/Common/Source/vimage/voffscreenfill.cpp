@@ -12,6 +12,8 @@ bool covers(const XCRect& outer, const XCRect& inner) {
 
 void XCVOffscreen::ClrRect(const tagRECT& r) {
     constexpr int cnErase = 1;
+    if (!m_loadImage && GetRect().IsIntersectRect(r))
+        LoadImageA(1, 1); // while pixels are packed, no block exists
     XCTArray<tagRECT, 0> covered;
     XCBlockGetter blocks(this, XCRect(r), 1);
     XCRect part;

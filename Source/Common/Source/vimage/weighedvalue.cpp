@@ -14,8 +14,10 @@ namespace ovw::vimage {
 
 namespace {
 
-/// As vxDouble2Int, half away from zero, for what is not negative and small.
+/// As vxDouble2Int, half away from zero, for what is small; 0 for what is negative or no number.
 int rounded(double value) {
+    if (!(value > 0))
+        return 0;
     const int whole = static_cast<int>(value);
     return whole + (value - whole >= 0.5);
 }
