@@ -130,10 +130,12 @@ TEST_F(Tips, BendAlongTheStroke) {
              [](int x, int) { return x < 8 ? packColour(255, 0, 0) : packColour(0, 0, 255, x == 15 ? 254 : 255); });
     m_strokes = ink("<trace>0 0 1, 80 0 1</trace>");
     const std::string fields = R"("size": 20, "bendFlag": 1, "patterns": ["t.png"])";
-    const Picture right = paint(fields); // to the right: the tip's left side is up
-    EXPECT_EQ(right.at(100, 45), packColour(255, 0, 0));
-    EXPECT_EQ(right.at(100, 55), packColour(0, 0, 255));
-    EXPECT_EQ(right.at(100, 62), cnWhite);
+    for (const std::vector<std::string>& joining : {std::vector<std::string>{}, {"--straight"}}) {
+        const Picture right = paint(fields, joining); // to the right: the tip's left side is up
+        EXPECT_EQ(right.at(100, 45), packColour(255, 0, 0));
+        EXPECT_EQ(right.at(100, 55), packColour(0, 0, 255));
+        EXPECT_EQ(right.at(100, 62), cnWhite);
+    }
     m_strokes = ink("<trace>80 0 1, 0 0 1</trace>");
     EXPECT_EQ(paint(fields).at(100, 55), packColour(255, 0, 0)) << "and back again";
 }

@@ -58,6 +58,9 @@ Painter::~Painter() {
 void Painter::start(const XCStrokePoint& point) {
     beginStroke();
     m_stroke.FirstStore(point);
+    // A brush that waits for a direction spends the first two vertices on it. Curves begin with their start twice, too.
+    if (&m_stroke == &m_polyline)
+        m_stroke.Store(point);
     m_end = point;
 }
 
