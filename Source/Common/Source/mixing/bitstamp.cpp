@@ -107,42 +107,55 @@ std::int32_t SpanPainter::accumulateTone(std::int32_t a, std::int32_t newTone, s
 }
 
 void SpanPainter::stampColorBits() const {
-    // A pixel of the colour cache has its tone in the first byte.
     if (isWater() || !hasCache() || !(hasColorCache(8) || hasColorCache(24)))
         return;
-    const int tonePixel = m_mixer.m_cacheColor->GetDepth() / 8;
-    const std::int32_t full =
-        Scale15::scaled(static_cast<std::int32_t>(m_mixer.m_cacheAlpha), Scale15::fromByte(m_mixer.m_a));
-    const auto mixAlpha = static_cast<std::int32_t>(m_mixer.m_mixAlpha);
-    const BitSource source(*m_source, m_mixer.m_composition != XCFastPixelMixer::Erase);
-
     CoverageRow row;
     row.n = m_n;
     std::uint8_t values[cnRowPixels];
+    stampTones(row, values);
+    if (hasStyle(XCFastPixelMixer::STYLE_DITHER))
+        ditherTones(row, values);
+    writeBits(row, values);
+}
+
+/// Takes the span into the caches; the row becomes its opacities, the values those of the source.
+void SpanPainter::stampTones(CoverageRow& row, std::uint8_t* values) const {
+    const auto cacheAlpha = static_cast<std::int32_t>(m_mixer.m_cacheAlpha);
+    const auto mixAlpha = static_cast<std::int32_t>(m_mixer.m_mixAlpha);
+    const std::int32_t full = Scale15::scaled(cacheAlpha, Scale15::fromByte(m_mixer.m_a));
+    const BitSource source(*m_source, m_mixer.m_composition != XCFastPixelMixer::Erase);
     std::uint8_t gate[cnRowPixels];
     fetchGate(gate);
     auto* cache = reinterpret_cast<std::uint16_t*>(rowOf(m_mixer.m_cache));
-    std::uint8_t* tones = rowOf(m_mixer.m_cacheColor);
-    const std::uint8_t* thresholds = ditherRow();
+    const ToneRow tones = toneRow();
     SampleLine line = m_line;
     for (int i = 0; i < m_n; ++i) {
         const std::uint8_t* pixel = line.next(*m_source);
-        Hit hit = gate[i] != 0 ? source.hit(pixel) : Hit::None;
+        const Hit hit = gate[i] != 0 ? source.hit(pixel) : Hit::None;
         std::int32_t a = hit != Hit::None ? source.scaledCoverage(full, pixel) : 0;
-        row.a[i] = 0;
-        if (a == 0)
-            continue;
-        std::uint8_t& tone = tones[i * tonePixel];
-        a = Scale15::scaled(accumulateTone(a, hit == Hit::Sub ? cnSubTone : 0, cache[i], tone), mixAlpha);
-        row.a[i] = a;
-        if (a != 0 && hasStyle(XCFastPixelMixer::STYLE_DITHER)) {
-            const int threshold = thresholds[(m_x + i) & cnThresholdMask];
-            row.a[i] = passesDither(Scale15::toByte(a), threshold);
-            hit = tone == 0 || (tone < cnSubTone && threshold > tone) ? Hit::Main : Hit::Sub;
-        }
+        if (a != 0)
+            a = accumulateTone(a, hit == Hit::Sub ? cnSubTone : 0, cache[i], tones[i]);
+        row.a[i] = Scale15::scaled(a, mixAlpha);
         values[i] = static_cast<std::uint8_t>(bitValue(hit == Hit::Main));
     }
-    writeBits(row, values);
+}
+
+/// Keeps the pixels that pass the dither; their values then show the tone of the stroke.
+void SpanPainter::ditherTones(CoverageRow& row, std::uint8_t* values) const {
+    const ToneRow tones = toneRow();
+    const std::uint8_t* thresholds = ditherRow();
+    for (int i = 0; i < m_n; ++i) {
+        if (row.a[i] == 0)
+            continue;
+        const int threshold = thresholds[(m_x + i) & cnThresholdMask];
+        const int tone = tones[i];
+        row.a[i] = passesDither(Scale15::toByte(row.a[i]), threshold);
+        values[i] = static_cast<std::uint8_t>(bitValue(tone == 0 || (tone < cnSubTone && threshold > tone)));
+    }
+}
+
+SpanPainter::ToneRow SpanPainter::toneRow() const {
+    return {rowOf(m_mixer.m_cacheColor), m_mixer.m_cacheColor->GetDepth() / 8};
 }
 
 /// Writes the values where the row is not 0.

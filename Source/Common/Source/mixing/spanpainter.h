@@ -134,6 +134,15 @@ private:
     void stampBits() const;
     void stampColorBits() const;
     void fetchGate(std::uint8_t* gate) const;
+    /// The tones of the span's pixels, each in the first byte of a pixel of the colour cache.
+    struct ToneRow {
+        std::uint8_t* first;
+        int step;
+        std::uint8_t& operator[](int i) const { return first[i * step]; }
+    };
+    ToneRow toneRow() const;
+    void stampTones(CoverageRow& row, std::uint8_t* values) const;
+    void ditherTones(CoverageRow& row, std::uint8_t* values) const;
     std::int32_t accumulateTone(std::int32_t a, std::int32_t newTone, std::uint16_t& cache, std::uint8_t& tone) const;
     void writeBits(const CoverageRow& row, const std::uint8_t* values) const;
 
