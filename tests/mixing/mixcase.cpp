@@ -61,7 +61,7 @@ private:
         case Family::waterCopy: return m_random.pick(cnWater);
         case Family::blur: return m_random.chance(8) ? m_random.pick(cnAll) : 32;
         case Family::colorCopy: return m_random.pick(cnColor);
-        case Family::toneCopy: return 2;
+        case Family::toneCopy: return m_random.number(1, 2);
         default: return m_random.pick(cnAll);
         }
     }
@@ -190,7 +190,7 @@ private:
             return;
         for (std::uint32_t& pixel : m_case.cache->pixels)
             if (m_random.chance(2))
-                pixel = std::uint32_t(m_random.number(0, isFamily(Family::toneCopy) ? 32767 : 32768));
+                pixel = std::uint32_t(m_random.number(0, 32768));
     }
 
     void makeColorCache() {

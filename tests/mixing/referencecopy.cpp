@@ -288,7 +288,7 @@ void ReferenceMixer::toneCacheCopyPixel(int x, int y, const PlainSource& source)
         bool isMain = tone == 0 || (tone < 255 && !passesDither(tone, x, y));
         written = isMain ? mainValue : subValue;
     }
-    destination->at(x, y) = std::uint32_t(written);
+    destination->at(x, y) = std::uint32_t(destination->depth == 1 ? written != 0 : written);
 }
 
 /// The tone lies in the first byte of the colour cache's pixel, which is its blue.
@@ -309,7 +309,7 @@ bool ReferenceMixer::accumulateTone(std::int64_t& a, int tone, int x, int y) {
         move(cnOne);
     else if (k >= cnOne) {
         move(a);
-        return true;
+        a = cnOne;
     } else {
         std::int64_t total = ((cnOne - a) * k + (a << 15) + 16384) >> 15;
         move(std::min(cnOne, (a << 15) / total));
