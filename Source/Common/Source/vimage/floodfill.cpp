@@ -32,21 +32,24 @@ class PendingRuns {
 public:
     bool isEmpty() const { return m_count == 0; }
     void push(const PendingRun& run) {
-        if (m_count == m_runs.GetSize())
-            grow();
+        if (m_count == m_room)
+            return growAndPush(run);
         m_first[m_count++] = run;
     }
     PendingRun pop() { return m_first[--m_count]; }
 
 private:
-    void grow() {
+    [[gnu::noinline]] void growAndPush(const PendingRun& run) { // rare
         constexpr int cnGrowStep = 4096;
-        m_runs.SetSize(m_count + cnGrowStep);
+        m_runs.SetSize(m_room + cnGrowStep);
+        m_room += cnGrowStep;
         m_first = m_runs.GetData();
+        m_first[m_count++] = run;
     }
 
     XCTArray<PendingRun, 0> m_runs; // more than wait: its size only grows
     PendingRun* m_first = nullptr;
+    int m_room = 0; // runs that m_runs takes
     int m_count = 0;
 };
 
@@ -134,8 +137,9 @@ private:
     /// Every column that the scans reach is entered, which creates its block, also where nothing is written then.
     void enter(int x) {
         if (!m_row.hasColumn(x) && x >= 0 && x < m_width)
-            m_row.load(x, m_y);
+            enterStretch(x);
     }
+    [[gnu::noinline]] void enterStretch(int x) { m_row.load(x, m_y); } // rare
 
     void write(int begin, int end) {
         if (begin == end)
@@ -148,7 +152,7 @@ private:
     int fillLeft(int x) {
         while (x >= m_left) {
             enter(x);
-            const int begin = std::max({m_row.left(), m_left, x + 1 - m_row.longest()});
+            const int begin = std::max(m_row.lookLeft(x), m_left);
             const int first = m_row.insideBegin(x, begin);
             write(first, x + 1);
             x = first - 1;
@@ -161,7 +165,7 @@ private:
     int fillRight(int x) {
         while (x < m_end) {
             enter(x);
-            const int end = std::min({m_row.right(), m_end, x + m_row.longest()});
+            const int end = std::min(m_row.lookRight(x), m_end);
             const int last = m_row.insideEnd(x, end);
             write(x, last);
             x = last;

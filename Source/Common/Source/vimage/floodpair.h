@@ -5,6 +5,7 @@
 #include "vimage/floodrule.h"
 #include "vimage/heldblocks.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -53,10 +54,10 @@ public:
     /// Two at most.
     void addJudge(XCVOffscreen& image, int bits, const XCPoint& offset, const FloodMatch& match);
 
-    int left() const { return m_left; }
     int right() const { return m_right; }
     bool hasColumn(int x) const { return x >= m_left && x < m_right; }
-    int longest() const { return m_longest; }
+    int lookLeft(int x) const { return std::max(m_left, x + 1 - m_longest); }
+    int lookRight(int x) const { return std::min(m_right, x + m_longest); }
     void load(int x, int y);
     int insideEnd(int x, int end);
     int insideBegin(int x, int begin);

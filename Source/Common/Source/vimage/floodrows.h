@@ -3,9 +3,10 @@
 
 /// @file
 /// What a flood fill sees of its images: one row, in stretches of columns that lie in one block of each image. load(x,
-/// y) goes to the stretch [left(), right()) of a pixel of the destination, whose block it creates. insideEnd and
+/// y) goes to the stretch of a pixel of the destination, whose block it creates; right() is its end. insideEnd and
 /// insideBegin give the end of a run of pixels that are of the region and not yet filled, nextMatch the next pixel of
-/// the region, filled or not; all look at the stretch only, and at longest() pixels from one call of write to the next.
+/// the region, filled or not; all look at the stretch only. From pixel x, a call of the first two may look as far as
+/// lookRight(x) and lookLeft(x) before what it found must be written.
 
 #include "ovwcmn/xcvoffscreen.h"
 #include "vimage/accessors.h"
@@ -13,6 +14,7 @@
 #include "vimage/heldblocks.h"
 #include "vimage/pixelruns.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace ovw::vimage {
@@ -30,9 +32,9 @@ public:
           m_filled(filled), m_region(valueOf(match.reference)),
           m_written(writtenValue<Format::cnBits, Format>(written, m_rules)), m_regionRuns(m_region) {}
 
-    int left() const { return m_left; }
     int right() const { return m_right; }
-    static constexpr int longest() { return cnBlockSize; }
+    int lookLeft(int) const { return m_left; }
+    int lookRight(int) const { return m_right; }
     void load(int x, int y) {
         if (!hasColumn(x) || y >> XCVOffscreen::cnBlockShift != m_blockRow)
             loadBlock(x, y);
@@ -70,7 +72,7 @@ public:
     }
 
 private:
-    void loadBlock(int x, int y) {
+    [[gnu::noinline]] void loadBlock(int x, int y) { // rare
         m_base = m_blocks.at(x, y);
         m_blockRow = y >> XCVOffscreen::cnBlockShift;
         m_left = x & ~cnBlockMask;
