@@ -234,6 +234,7 @@ TEST(XCCriticalSectionAutoLeave, HoldsOneSectionAtATime) {
     guard.Enter(&first);
     guard.Enter(&second);
     EXPECT_TRUE(Visitor(first).getsIn());
+    guard.Enter(nullptr);
     {
         const Visitor visitor(second);
         EXPECT_TRUE(visitor.staysOut());

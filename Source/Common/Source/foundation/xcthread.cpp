@@ -38,10 +38,11 @@ void XCCriticalSection::LeaveSection() {
 XCCriticalSectionAutoLeave::~XCCriticalSectionAutoLeave() { Leave(); }
 
 void XCCriticalSectionAutoLeave::Enter(XCCriticalSection* section) {
+    if (!section)
+        return;
     Leave();
     m_section = section;
-    if (m_section)
-        m_section->EnterSection();
+    m_section->EnterSection();
 }
 
 void XCCriticalSectionAutoLeave::Leave() {
