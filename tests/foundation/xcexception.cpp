@@ -6,10 +6,33 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
+
+namespace {
+
+bool s_newFails = false;
+
+/// Every allocation by new fails.
+class NoMemoryScope {
+public:
+    NoMemoryScope() { s_newFails = true; }
+    ~NoMemoryScope() { s_newFails = false; }
+    NoMemoryScope(const NoMemoryScope&) = delete;
+};
+
+} // namespace
+
+void* operator new(std::size_t size) {
+    void* const memory = s_newFails ? nullptr : std::malloc(size);
+    return memory ? memory : throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -383,6 +406,25 @@ TEST(XCAbort, AsksTheUtilityLibraryOtherwise) {
     EXPECT_EQ(XCAbort(0, 0).CheckAbort(), 0);
     EXPECT_EQ(errorOf([] { XCAbort(1, 1).CheckAbort(); }), cnCancelled);
     vxSetAbortProc(nullptr, nullptr);
+}
+
+TEST(XCException, LackOfMemoryIsError8) {
+    XCStringResource resource;
+    const std::string line = "7 \"" + std::string(100, 'x') + '"';
+    ASSERT_EQ(resource.AddText(line.data(), std::uint32_t(line.size())), 1);
+    XCString text = "as it was";
+    XCWideString wide;
+    const auto errorWithoutMemory = [](auto operation) {
+        const NoMemoryScope scope;
+        return errorOf(operation);
+    };
+    EXPECT_EQ(errorWithoutMemory([&] { XCAlert::GetTitleText(text); }), 8);
+    EXPECT_EQ(errorWithoutMemory([&] { resource.LoadStringA(text, 7); }), 8);
+    EXPECT_EQ(errorWithoutMemory([&] { wide.Format(u"%100d", 1); }), 8);
+    EXPECT_STREQ(text.GetStr(), "as it was");
+    int isAdded = 1;
+    EXPECT_EQ(errorWithoutMemory([&] { isAdded = resource.AddText(line.data(), std::uint32_t(line.size())); }), 0);
+    EXPECT_EQ(isAdded, 0);
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -188,10 +189,14 @@ void XCAlert::GetTitleText(XCString& out) {
         out = s_strTitle;
         return;
     }
-    std::string name = ovw::platform::executablePath();
-    name.erase(0, name.rfind('/') + 1);
-    name.erase(std::min(name.rfind('.'), name.size()));
-    out = ovw::platform::toLibraryName(name).c_str();
+    try {
+        std::string name = ovw::platform::executablePath();
+        name.erase(0, name.rfind('/') + 1);
+        name.erase(std::min(name.rfind('.'), name.size()));
+        out = ovw::platform::toLibraryName(name).c_str();
+    } catch (const std::bad_alloc&) {
+        xcThrowError(cnCodeNoMemory);
+    }
 }
 
 void XCAlert::SetTitleText(const char* title) { s_strTitle = title; }
