@@ -7,6 +7,7 @@
 #include "ovwcmn/ovwdefs.h"
 #include "ovwcmn/wintypes.h"
 
+#include <concepts>
 #include <cstdint>
 
 class XCWideString;
@@ -84,6 +85,31 @@ public:
     bool operator>(const XCString& other) const { return Compare(other) > 0; }
     bool operator>=(const char* other) const { return Compare(other) >= 0; }
     bool operator>=(const XCString& other) const { return Compare(other) >= 0; }
+    // Texts that may be changed: without these the built-in comparison of pointers would compete.
+    template <std::same_as<char> Char>
+    bool operator==(Char* other) const {
+        return Compare(other) == 0;
+    }
+    template <std::same_as<char> Char>
+    bool operator!=(Char* other) const {
+        return Compare(other) != 0;
+    }
+    template <std::same_as<char> Char>
+    bool operator<(Char* other) const {
+        return Compare(other) < 0;
+    }
+    template <std::same_as<char> Char>
+    bool operator<=(Char* other) const {
+        return Compare(other) <= 0;
+    }
+    template <std::same_as<char> Char>
+    bool operator>(Char* other) const {
+        return Compare(other) > 0;
+    }
+    template <std::same_as<char> Char>
+    bool operator>=(Char* other) const {
+        return Compare(other) >= 0;
+    }
     /// @}
 
     /// First position from `start` at which `text` stands, -1 when there is none. Never inside a character.

@@ -49,6 +49,7 @@ public:
     /// @{ By seconds.
     bool operator==(const std::int32_t& time) const { return m_time == time; }
     bool operator!=(const std::int32_t& time) const { return m_time != time; }
+    bool operator==(const XCTime& other) const { return m_time == other.m_time; }
     /// @}
 
     /// Writes the local time in a style: 0 "%X", 1 "%y/%m/%d", 2 "%Y/%m/%d", 3 "%y/%m/%d %X", 4 "%Y/%m/%d %X" (formats

@@ -141,6 +141,7 @@ TEST(XCString, OrdersCharactersNotBytes) {
         EXPECT_EQ(sign(XCString(c.b).Compare(XCString(c.a))), -c.exact) << c.page << ' ' << c.a;
         EXPECT_EQ(XCString(c.a) < c.b, c.exact < 0);
         EXPECT_EQ(XCString(c.a) >= XCString(c.b), c.exact >= 0);
+        EXPECT_EQ(XCString(c.a) == XCString(c.b).GetStr(), c.exact == 0); // a text, not a place in memory
     }
 }
 

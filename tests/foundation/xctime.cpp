@@ -161,6 +161,7 @@ TEST(XCTime, SecondsAreTakenAndNoTimeClears) {
     XCTime other;
     other = time;
     EXPECT_TRUE(other == cnLeast);
+    EXPECT_TRUE(other == time);
     EXPECT_EQ(time = -1, -1);
     expectCleared(time);
     other = time;
