@@ -309,6 +309,15 @@ TEST(XCArchive, SectionsCopiedAndAsBlocks) {
         archive.ReadSectionData(block);
         EXPECT_EQ(block.IsValid(), 0);
     });
+    const TempFolder folder;
+    folder.write("f", std::string("\0\0\0\x40", 4) + std::string(64, 'x'));
+    XCArchiveFile archive(10, 16);
+    archive.FileOpen(folder.path("f"), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0);
+    std::filesystem::resize_file(folder.posix("f"), 40); // by somebody else
+    XCHandle block;
+    block.Alloc(7);
+    EXPECT_EQ(errorOf([&] { archive.ReadSectionData(block); }), 0x20010008);
+    EXPECT_EQ(block.GetMemSize(), 7u);
 }
 
 TEST(XCArchive, SeekingKeepsToTheStream) {

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 using ovw::foundation::cnCodeFileFormat;
 using ovw::foundation::cnCodeParameter;
@@ -311,6 +312,8 @@ void XCArchive::ReadSectionData(XCHandle& block) {
     RequireRemaining(size);
     if (size == 0)
         return block.Free();
-    block.Alloc(size, 0, 1);
-    Read(static_cast<unsigned char*>(block), size);
+    XCHandle read; // nothing takes the block's place until it is whole
+    read.Alloc(size, 0, 1);
+    Read(static_cast<unsigned char*>(read), size);
+    block = std::move(read);
 }
