@@ -186,7 +186,8 @@ TEST(XCFilePath, RelativePathsThereAndBack) {
           Case{"xyz", "xyw", "..\\xyw", 1}, Case{"C:\\a\\b\\c\\d", "C:\\a", "..\\..\\..\\", 1},
           Case{"\\\\srv\\s\\a", "\\\\SRV\\s\\b", "..\\b", 1}, Case{"\\\\srv\\s\\a", "\\\\srv\\t\\b", "..\\..\\t\\b", 1},
           Case{"\\\\srv\\s\\a", "\\\\srw\\s\\a", "\\\\srw\\s\\a", 0},
-          Case{"\\\\srv\\s\\a", "\\\\srvx\\s\\a", "\\\\srvx\\s\\a", 0}, Case{"C:\\a", "\\\\s\\a", "\\\\s\\a", 0}}) {
+          Case{"\\\\srv\\s\\a", "\\\\srvx\\s\\a", "\\\\srvx\\s\\a", 0}, Case{"C:\\a", "\\\\s\\a", "\\\\s\\a", 0},
+          Case{"C:\\d", "C:\\d\\a:b", "C:\\d\\a:b", 0}}) { // "a:b" would be taken for a drive
         XCString out;
         XCFilePath base(c.base), target(c.target), back("old");
         EXPECT_EQ(XCFilePath::MakeRelativePath(out, base, target), c.result) << c.base << " to " << c.target;

@@ -28,6 +28,11 @@ std::string characterAt(const std::string& path, std::size_t position) {
     return path.substr(position, ovw::platform::characterBytes(path.c_str() + position));
 }
 
+/// Whether a text is a path of its own, below whatever it is remade. A drive is any single-byte character.
+bool isAbsolute(const std::string& path) {
+    return isNetworkPath(path) || (path.size() >= 2 && path[1] == ':' && characterAt(path, 0).size() == 1);
+}
+
 bool isSeparator(const std::string& path, std::size_t position) {
     return path[position] == '\\' || (path[position] == '/' && path.starts_with('/'));
 }
@@ -130,15 +135,15 @@ int XCFilePath::MakeRelativePath(XCString& out, const XCFilePath& base, const XC
     const std::string to = requireFits(vxWithoutBackDelimiter(text(target.m_strPath)), cnPathBufferSize);
     const std::size_t start = comparisonStart(from, to);
     const std::string relative = start != std::string::npos ? relativeFrom(from, to, start) : to;
-    const bool isRelative = start != std::string::npos && relative.size() < cnRelativeBufferSize;
+    const bool isRelative =
+        start != std::string::npos && relative.size() < cnRelativeBufferSize && !isAbsolute(relative);
     out = isRelative ? relative.c_str() : to.c_str();
     return isRelative;
 }
 
 int XCFilePath::RemakePath(const XCString& relative, const XCFilePath& base) {
     std::string rest = text(relative);
-    const std::string first = characterAt(rest, 0);
-    if ((first.size() == 1 && rest.size() >= 2 && rest[1] == ':') || isNetworkPath(rest)) {
+    if (isAbsolute(rest)) {
         m_strPath = requireFits(rest, cnPathBufferSize).c_str();
         return 0;
     }
