@@ -219,20 +219,25 @@ TEST_F(XCImagePatternTest, ARibbonHasNoGapAndPaintsNothingTwice) {
     }
 }
 
+/// Short steps, of which every few turn sharply.
+std::vector<XCPointD> turningSharply(double sign) {
+    std::vector<XCPointD> points;
+    double direction = 0.0;
+    XCPointD place(90, 200);
+    for (const double turn : {0.0, 0.0, 0.0, 1.2, 0.0, 0.0, -1.4, 0.0, 0.0, 2.0, 0.0, 0.0, -1.2, 0.0, 0.0, 1.4, 0.0}) {
+        direction += sign * turn;
+        place.x += 4 * std::cos(direction);
+        place.y += 4 * std::sin(direction);
+        points.push_back(place);
+    }
+    return points;
+}
+
 TEST_F(XCImagePatternTest, ARibbonRemembersAllOfASharpTurn) {
     XCImagePattern tip;
     importTip(tip, 8, 16, 16, [](int, int) { return 255u; });
-    for (const double sign : {1.0, -1.0}) { // short steps, of which every few turn sharply
-        std::vector<XCPointD> points;
-        double direction = 0.0;
-        XCPointD place(90, 200);
-        for (const double turn :
-             {0.0, 0.0, 0.0, 1.2, 0.0, 0.0, -1.4, 0.0, 0.0, 2.0, 0.0, 0.0, -1.2, 0.0, 0.0, 1.4, 0.0}) {
-            direction += sign * turn;
-            place.x += 4 * std::cos(direction);
-            place.y += 4 * std::sin(direction);
-            points.push_back(place);
-        }
+    for (const double sign : {1.0, -1.0}) {
+        const std::vector<XCPointD> points = turningSharply(sign);
         // What is erased by half twice shows; painting without a cache replaces, twice as well as once.
         BendingBrush brush(m_store, tip, 50, false, XCFastPixelMixer::Erase, 0);
         {
@@ -249,6 +254,24 @@ TEST_F(XCImagePatternTest, ARibbonRemembersAllOfASharpTurn) {
             }
         EXPECT_GT(erased, 1000) << sign;
         EXPECT_EQ(twice, 0) << sign;
+    }
+}
+
+// Where a sharp turn leads back over the empty sides of what was just painted, these do not keep the ribbon away.
+TEST_F(XCImagePatternTest, ARibbonCoversItsEmptySides) {
+    XCImagePattern tip;
+    importTip(tip, 8, 16, 16, [](int x, int) { return x < 4 || x >= 12 ? 0u : 255u; });
+    for (const double sign : {1.0, -1.0}) {
+        BendingBrush brush(m_store, tip, 50, true);
+        const std::vector<XCPointD> points = turningSharply(sign);
+        brush.draw(points);
+        int gaps = 0;
+        for (std::size_t i = 2; i + 2 < points.size(); i++)
+            for (int dy = -3; dy <= 3; dy++)
+                for (int dx = -3; dx <= 3; dx++)
+                    gaps +=
+                        brush.target.value(static_cast<int>(points[i].x) + dx, static_cast<int>(points[i].y) + dy) == 0;
+        EXPECT_EQ(gaps, 0) << sign;
     }
 }
 

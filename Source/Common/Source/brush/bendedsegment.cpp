@@ -23,6 +23,29 @@ XCImagePattern* imageTipOf(XCPattern* tip) {
     return imageTip && imageTip->GetImage() ? imageTip : nullptr;
 }
 
+int coverageOf(const XCSimpleImage& image, int x, int y) {
+    const std::uint8_t* const pixel = image.GetPixel(x, y);
+    switch (image.GetOrgBitCount()) {
+    case 32: return pixel[3];
+    case 24: return 255;
+    case 8: return pixel[0];
+    default: return pixel[0] != 0 ? 255 : 0;
+    }
+}
+
+/// How much of an image, seen from its left side or from its top, is covered by less than half.
+double emptyPart(const XCSimpleImage& image, bool isFromTop, bool isReversed) {
+    const int depth = isFromTop ? image.GetHeight() : image.GetWidth();
+    const int breadth = isFromTop ? image.GetWidth() : image.GetHeight();
+    for (int i = 0; i < depth; i++)
+        for (int j = 0; j < breadth; j++) {
+            const int line = isReversed ? depth - 1 - i : i;
+            if (coverageOf(image, isFromTop ? j : line, isFromTop ? line : j) >= 128)
+                return static_cast<double>(i) / depth;
+        }
+    return 0.0; // faint all over
+}
+
 /// A ribbon is one long stamp: its pieces never add up, nor does it where it meets itself.
 void keepLargerCoverage(XCFastPixelMixer& mixer) {
     mixer.SetStyleFlag(XCFastPixelMixer::STYLE_CACHE_OVER | XCFastPixelMixer::STYLE_CACHE_ADD, 0);
@@ -44,6 +67,18 @@ void BendState::advance(BENDPATTERNEND& first, BENDPATTERNEND& second, double wi
     m_along = std::fmod(second.along, 1.0);
     m_width = second.width;
     m_isStarted = true;
+}
+
+void BendState::coverTrail(XCSimpleImage& image, int side, bool isHarmless) {
+    if (!isHarmless)
+        return m_trail.setInset({});
+    if (!m_emptySides) {
+        const XCAutoLockSimpleImage lock(&image);
+        const bool isFromTop = side % 2 != 0;
+        const bool isReversed = side == 1 || side == 2;
+        m_emptySides = {1.0, emptyPart(image, isFromTop, isReversed), emptyPart(image, isFromTop, !isReversed)};
+    }
+    m_trail.setInset(*m_emptySides);
 }
 
 } // namespace ovw::brush
@@ -101,7 +136,7 @@ void XCPatternDraw::drawBendedSegment(XCRect& painted, const XCStrokePoint& a, c
     setup.configure(mixer, *m_plotGauss, m_colorAverage.get(), 0);
     keepLargerCoverage(mixer);
     const bool isOpaque = stamp.opacity == 255 && stamp.opacityScale >= 1.0f && stamp.color >> 24 == 255;
-    m_bend->trail().setInset(mixer.IsUseCache() || isOpaque ? 1.0 : 0.0);
+    m_bend->coverTrail(*tip->GetImage(), side, mixer.IsUseCache() || isOpaque);
     XCRect changed;
     if (tip->DrawBendedPattern(&changed, m_method->GetOffscreen(), &mixer, first, second, side, setup.antialias(),
                                &m_bend->trail()))

@@ -4,6 +4,8 @@
 #include "brush/ribbon.h"
 #include "ovwcmn/xcpattern.h"
 
+#include <optional>
+
 namespace ovw::brush {
 
 /// What the segments of a bending brush hand on to each other.
@@ -17,6 +19,9 @@ public:
     void advance(BENDPATTERNEND& first, BENDPATTERNEND& second, double widthFirst, double widthSecond,
                  double imageRatio, double widthFactor);
     RibbonTrail& trail() { return m_trail; }
+    /// Tells the trail where the ribbon covers: without its outermost pixels and the sides where the image is next to
+    /// nothing if painting twice does no harm, else all of it.
+    void coverTrail(XCSimpleImage& image, int side, bool isHarmless);
 
 private:
     /// The least length of a repetition of the image, pixels.
@@ -26,6 +31,7 @@ private:
     bool m_isStarted = false;
     double m_width = 0.0;
     double m_along = 0.0;
+    std::optional<RibbonInset> m_emptySides; ///< of the image; found once a stroke
 };
 
 } // namespace ovw::brush

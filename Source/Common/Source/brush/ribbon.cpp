@@ -203,7 +203,7 @@ void Ribbon::paintPiece(const Piece& piece) {
 }
 
 void Ribbon::paintHalf(const Piece& piece, Half half) {
-    const RibbonTrail::Corners corners = cornersOf(piece, half, margin());
+    const RibbonTrail::Corners corners = cornersOf(piece, half, {-margin(), 0.0, 0.0});
     const MapOutline outline(corners);
     const XCRect pixels = outline.pixels(cnImageOrigin);
     bool isDrawn = false;
@@ -225,21 +225,22 @@ void Ribbon::paintHalf(const Piece& piece, Half half) {
     if (isDrawn)
         unite(m_painted, pixels);
     if (m_trail)
-        m_trail->add(cornersOf(piece, half, -m_trail->inset()),
+        m_trail->add(cornersOf(piece, half, m_trail->inset()),
                      half == Half::Right
                          ? 0.0
                          : std::hypot(piece.to.center.x - piece.from.center.x, piece.to.center.y - piece.from.center.y),
                      2.0 * piece.to.half);
 }
 
-/// @param growth of the ribbon on both sides, pixels
-RibbonTrail::Corners Ribbon::cornersOf(const Piece& piece, Half half, double growth) const {
-    const double reachFrom = std::max(piece.from.half + growth, 0.0);
-    const double reachTo = std::max(piece.to.half + growth, 0.0);
-    const double leftFrom = half == Half::Right ? piece.meetFrom : -reachFrom;
-    const double leftTo = half == Half::Right ? piece.meetTo : -reachTo;
-    const double rightFrom = half == Half::Left ? piece.meetFrom : reachFrom;
-    const double rightTo = half == Half::Left ? piece.meetTo : reachTo;
+RibbonTrail::Corners Ribbon::cornersOf(const Piece& piece, Half half, const RibbonInset& inset) const {
+    const auto leftOf = [&](const CrossEdge& edge) { return inset.pixels - edge.half * (1.0 - 2.0 * inset.left); };
+    const auto rightOf = [&](const CrossEdge& edge) {
+        return std::max(edge.half * (1.0 - 2.0 * inset.right) - inset.pixels, leftOf(edge));
+    };
+    const double leftFrom = half == Half::Right ? piece.meetFrom : leftOf(piece.from);
+    const double leftTo = half == Half::Right ? piece.meetTo : leftOf(piece.to);
+    const double rightFrom = half == Half::Left ? piece.meetFrom : rightOf(piece.from);
+    const double rightTo = half == Half::Left ? piece.meetTo : rightOf(piece.to);
     return {corner(piece.from, std::min(leftFrom, rightFrom), piece.alongFrom),
             corner(piece.to, std::min(leftTo, rightTo), piece.alongTo), corner(piece.to, rightTo, piece.alongTo),
             corner(piece.from, rightFrom, piece.alongFrom)};

@@ -13,6 +13,13 @@
 
 namespace ovw::brush {
 
+/// How far from a ribbon's sides a part of it ends.
+struct RibbonInset {
+    double pixels = 0.0; ///< on both sides; below 0 the part is wider
+    double left = 0.0;   ///< and of the ribbon's width
+    double right = 0.0;  ///< of the ribbon's width
+};
+
 /// What a ribbon covered on its last stretch, so that it does not paint there again where it bends sharply. A ribbon
 /// that comes back after a longer way is painted over itself.
 class RibbonTrail {
@@ -24,10 +31,10 @@ public:
     /// Finds what may cover a part of a new piece; the rows asked for from now on are its.
     /// @param pixels all that may belong to it
     void beginPiece(const Corners& piece, const XCRect& pixels);
-    /// How far from its sides the ribbon counts as covered, pixels: 0, or 1 where painting twice does no harm, so that
-    /// what covers in part is completed.
-    void setInset(double pixels) { m_inset = pixels; }
-    double inset() const { return m_inset; }
+    /// What of the ribbon counts as covered: all, or where painting twice does no harm less, so that what covers in
+    /// part is completed.
+    void setInset(const RibbonInset& inset) { m_inset = inset; }
+    const RibbonInset& inset() const { return m_inset; }
     /// Calls paint(from, to) for the runs of from <= x < to, at most a block's width, that are not covered in row y.
     template <class Paint>
     void forEachUncovered(std::int64_t y, std::int64_t from, std::int64_t to, double offset, Paint paint) const {
@@ -60,7 +67,7 @@ private:
 
     std::deque<Piece> m_pieces;       ///< in the order of the way
     std::vector<const Piece*> m_near; ///< that meet the new piece, the latest first
-    double m_inset = 0.0;
+    RibbonInset m_inset;
     double m_length = 0.0;
     double m_width = 0.0;
 };
@@ -98,7 +105,7 @@ private:
     void findMeeting(Piece& piece) const;
     void paintPiece(const Piece& piece);
     void paintHalf(const Piece& piece, Half half);
-    RibbonTrail::Corners cornersOf(const Piece& piece, Half half, double growth) const;
+    RibbonTrail::Corners cornersOf(const Piece& piece, Half half, const RibbonInset& inset) const;
     double margin() const;
     TTexMapVertex corner(const CrossEdge& edge, double offset, double along) const;
 
