@@ -2,68 +2,22 @@
 
 #include "ovwcmn/xcarchivemem.h"
 #include "ovwcmn/xcvoffscreencache.h"
-#include "support/scopes.h"
+#include "support/failingmemory.h"
 #include "support/tempfolder.h"
 #include "support/testimage.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
 #include <memory>
-#include <new>
 #include <vector>
 
 namespace {
 
-constexpr long cnNever = -1;
-thread_local long s_allocationsLeft = cnNever; // 0: the next one fails, once
-
-void* allocate(std::size_t size, std::size_t alignment) {
-    if (s_allocationsLeft != cnNever && s_allocationsLeft-- == 0)
-        throw std::bad_alloc();
-    void* const memory = std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment + alignment);
-    return memory ? memory : throw std::bad_alloc();
-}
-
-} // namespace
-
-// Of this program and of the library in it.
-void* operator new(std::size_t size) { return allocate(size, alignof(std::max_align_t)); }
-void* operator new(std::size_t size, std::align_val_t alignment) {
-    return allocate(size, static_cast<std::size_t>(alignment));
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
-
-namespace {
-
 using namespace ovw::test;
-constexpr int cnNoMemory = 8;
 
 class NoMemory : public testing::Test {
 protected:
-    /// Lets each allocation of the operation fail in turn. It may do without the memory, else it throws error 8; blocks
-    /// that it made are gone either way when `prepare`, which comes before each attempt, has dropped its images.
-    void failEach(const char* name, const std::function<void()>& prepare, const std::function<void()>& operation) {
-        for (long allocations = 0; allocations < 1000; ++allocations) {
-            prepare();
-            int error = 0;
-            EXPECT_NO_THROW(error = errorOf([&] {
-                                s_allocationsLeft = allocations;
-                                operation();
-                            }))
-                << name << ", allocation " << allocations;
-            const bool isDone = s_allocationsLeft != cnNever;
-            s_allocationsLeft = cnNever;
-            EXPECT_TRUE(error == 0 || error == cnNoMemory) << name << ", allocation " << allocations << ": " << error;
-            if (isDone)
-                return;
-        }
-        FAIL() << name << " never ends";
-    }
     /// An image with two painted blocks.
     void paintImage() {
         m_other.reset();
@@ -85,18 +39,20 @@ protected:
 
 TEST_F(NoMemory, IsErrorEightInEveryOperationOnImages) {
     const std::function<void()> paint = [&] { paintImage(); }, pack = [&] { packImage(); };
-    failEach("factory", paint, [&] { m_other.reset(XCVOffscreen::CreateOffscreen(32)); });
-    failEach("cache", paint, [] { XCVOffscreen::DeleteOffscreenCache(XCVOffscreen::CreateOffscreenCache(32)); });
-    failEach("backup", paint, [] { XCVOffscreen::DeleteOffscreenBackup(XCVOffscreen::CreateOffscreenBackup(32)); });
-    failEach("copy", paint, [&] { m_other.reset(m_image->CreateAndCopyAll()); });
-    failEach("copy within", paint, [&] { m_image->Copy(5, 5, 600, 300, m_image.get(), 0, 0, 1); });
-    failEach("pack", paint, [&] { XCVOffscreen::Write(m_image.get(), 1); });
-    failEach("expand", pack, [&] { const XCVOffscreenAutoLock lock(m_image.get(), 0); });
-    failEach("expand a part", pack, [&] {
+    failEachAllocation("factory", paint, [&] { m_other.reset(XCVOffscreen::CreateOffscreen(32)); });
+    failEachAllocation("cache", paint,
+                       [] { XCVOffscreen::DeleteOffscreenCache(XCVOffscreen::CreateOffscreenCache(32)); });
+    failEachAllocation("backup", paint,
+                       [] { XCVOffscreen::DeleteOffscreenBackup(XCVOffscreen::CreateOffscreenBackup(32)); });
+    failEachAllocation("copy", paint, [&] { m_other.reset(m_image->CreateAndCopyAll()); });
+    failEachAllocation("copy within", paint, [&] { m_image->Copy(5, 5, 600, 300, m_image.get(), 0, 0, 1); });
+    failEachAllocation("pack", paint, [&] { XCVOffscreen::Write(m_image.get(), 1); });
+    failEachAllocation("expand", pack, [&] { const XCVOffscreenAutoLock lock(m_image.get(), 0); });
+    failEachAllocation("expand a part", pack, [&] {
         XCVOffscreenLoadLock lock;
         lock.Lock(m_image.get(), m_image->GetRect());
     });
-    failEach("stream", paint, [&] {
+    failEachAllocation("stream", paint, [&] {
         XCArchiveMem archive(XCArchive::cnSaving | XCArchive::cnBigEndian, 0);
         XCVOffscreen::Write(archive, m_image.get(), 1);
         archive.SetMode(static_cast<int>(XCArchive::cnLoading | XCArchive::cnBigEndian));
@@ -110,11 +66,11 @@ TEST_F(NoMemory, IsErrorEightInEveryOperationOnImages) {
 TEST_F(NoMemory, IsErrorEightInTheStore) {
     std::unique_ptr<XCVirtualMemory> store;
     const auto makeStore = [&] { store = std::make_unique<XCVirtualMemory>(); };
-    failEach(
+    failEachAllocation(
         "swap", [] {}, [] { const XCSwap swap; });
-    failEach(
+    failEachAllocation(
         "residents", [] {}, [] { const XCVMCache cache; });
-    failEach(
+    failEachAllocation(
         "paging",
         [&] {
             makeStore();
@@ -141,9 +97,9 @@ TEST(XCSwap, AGrowthThatLacksMemoryIsMadeUpForLater) {
     ASSERT_EQ(swap.Write(bytes.data(), first), 1);
     int written = 0;
     for (long allocations = 0; !written && allocations < 100; ++allocations) {
-        s_allocationsLeft = allocations;
+        t_allocationsLeft = allocations;
         written = swap.Write(bytes.data(), second);
-        s_allocationsLeft = cnNever;
+        t_allocationsLeft = cnNever;
         EXPECT_EQ(second->IsSwapped(), written);
     }
     EXPECT_EQ(written, 1);

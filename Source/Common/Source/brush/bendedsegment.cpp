@@ -3,6 +3,7 @@
 #include "brush/bendstate.h"
 #include "brush/plotpattern.h"
 #include "brush/stampbounds.h"
+#include "foundation/nomemory.h"
 #include "ovwcmn/xcfastpixelmixer.h"
 #include "ovwcmn/xcpattern.h"
 #include "ovwcmn/xcpatterndraw.h"
@@ -12,6 +13,8 @@
 
 #include <algorithm>
 #include <cmath>
+
+using ovw::foundation::orNoMemory;
 
 namespace {
 
@@ -88,7 +91,7 @@ void XCPatternDraw::chooseBendPattern() {
     m_bend.reset();
     if (!m_param->IsBendPattern())
         return;
-    m_bend = std::make_unique<ovw::brush::BendState>();
+    m_bend = orNoMemory([] { return std::make_unique<ovw::brush::BendState>(); });
     XCPattern* tip = m_param->GetDesignatedPattern();
     if (!tip)
         tip = m_param->ConvertPattern(); // may draw a random number, which a stroke that begins again draws again

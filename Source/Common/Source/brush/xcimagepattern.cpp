@@ -1,6 +1,7 @@
 #include "brush/ribbon.h"
 #include "brush/stampbounds.h"
 #include "brush/texturepainter.h"
+#include "foundation/nomemory.h"
 #include "ovwcmn/vxmath.h"
 #include "ovwcmn/xcpattern.h"
 #include "ovwcmn/xcsimpleimage.h"
@@ -10,6 +11,8 @@
 
 #include <algorithm>
 #include <cmath>
+
+using ovw::foundation::orNoMemory;
 
 namespace {
 
@@ -88,7 +91,7 @@ XCImagePattern::~XCImagePattern() = default;
 void XCImagePattern::ImportPatternOffscreen(XCVOffscreen* source) {
     if (!source || source->GetWidth() <= 0 || source->GetHeight() <= 0)
         return Cleanup();
-    auto image = std::make_unique<XCSimpleImage>();
+    auto image = orNoMemory([] { return std::make_unique<XCSimpleImage>(); });
     image->CopyFromOffscreen(source);
     m_image = std::move(image);
 }

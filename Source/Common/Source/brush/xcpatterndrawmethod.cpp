@@ -2,10 +2,13 @@
 
 #include "brush/methodkind.h"
 #include "brush/methodlocks.h"
+#include "foundation/nomemory.h"
 #include "ovwcmn/xcfastpixelmixer.h"
 #include "ovwcmn/xcpatterndrawparam.h"
 #include "ovwcmn/xcvirtualmemory.h"
 #include "ovwcmn/xcvoffscreen.h"
+
+using ovw::foundation::orNoMemory;
 
 namespace {
 
@@ -110,7 +113,7 @@ void XCPatternDrawMethod::GetTextureInfo(int& width, int& height, XCPoint& offse
 
 int XCPatternDrawMethod::BeginMethod() {
     m_locks.reset();
-    auto locks = std::make_unique<ovw::brush::MethodLocks>();
+    auto locks = orNoMemory([] { return std::make_unique<ovw::brush::MethodLocks>(); });
     lockIfSet(locks->target, m_target, 1);
     lockIfSet(locks->cacheReference, m_cacheReference, 0);
     lockIfSet(locks->cache, m_cache.get(), 1);

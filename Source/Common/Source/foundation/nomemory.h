@@ -3,7 +3,10 @@
 
 #include "ovwcmn/xcexception.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <new>
+#include <vector>
 
 namespace ovw::foundation {
 
@@ -15,6 +18,12 @@ auto orNoMemory(Operation operation) {
     } catch (const std::bad_alloc&) {
         xcThrowError(cnCodeNoMemory);
     }
+}
+
+/// So many elements, zero; count is not negative. Throws error 8.
+template <class T>
+std::vector<T> vectorOf(std::int64_t count) {
+    return orNoMemory([count] { return std::vector<T>(static_cast<std::size_t>(count)); });
 }
 
 } // namespace ovw::foundation

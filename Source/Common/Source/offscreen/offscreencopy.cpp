@@ -1,3 +1,4 @@
+#include "foundation/nomemory.h"
 #include "offscreen/copyrect.h"
 #include "offscreen/pixelrows.h"
 #include "offscreen/sourceimage.h"
@@ -10,6 +11,7 @@
 #include <vector>
 
 using namespace ovw::offscreen;
+using ovw::foundation::vectorOf;
 
 namespace {
 
@@ -42,7 +44,7 @@ void copyAll(const PixelView& view, const PixelView& source, const CopyRect& rec
         return withFormat(view.depth, [&]<class Format>() { copyAlike<Format>(view, source, rect); });
     std::vector<std::uint8_t> overlapping; // packed rows cannot be shifted in place
     if (isWithin && view.depth == Ink1::cnBits)
-        overlapping.resize(static_cast<std::size_t>(source.rowBytes));
+        overlapping = vectorOf<std::uint8_t>(source.rowBytes);
     const bool upwards = rect.y > rect.sy;
     for (std::int64_t i = 0; i < rect.h; ++i) {
         const std::int64_t j = upwards ? rect.h - 1 - i : i;
@@ -60,7 +62,7 @@ void copyAll(const PixelView& view, const PixelView& source, const CopyRect& rec
 /// copyRun(x, sx, count, y, sy). 1 when there was one.
 template <class Select, class CopyRun>
 int copySelected(const CopyRect& rect, Select select, CopyRun copyRun) {
-    std::vector<std::uint8_t> selection(static_cast<std::size_t>(rect.w));
+    std::vector<std::uint8_t> selection = vectorOf<std::uint8_t>(rect.w);
     int copied = 0;
     for (std::int64_t j = 0; j < rect.h; ++j) {
         select(j, selection.data());
@@ -86,7 +88,7 @@ int copySelected(const PixelView& view, const PixelView& source, const CopyRect&
 /// Copies the pixels whose 24-bit value `isWanted`.
 template <class IsWanted>
 int copyByColour(const PixelView& view, const PixelView& source, const CopyRect& rect, IsWanted isWanted) {
-    std::vector<std::uint32_t> colours(static_cast<std::size_t>(std::max<std::int64_t>(rect.w, 0)));
+    std::vector<std::uint32_t> colours = vectorOf<std::uint32_t>(std::max<std::int64_t>(rect.w, 0));
     return copySelected(view, source, rect, [&](std::int64_t j, std::uint8_t* selection) {
         readRow24(colours.data(), source.depth, source.row(static_cast<int>(rect.sy + j)), static_cast<int>(rect.sx),
                   static_cast<int>(rect.w));
@@ -153,7 +155,7 @@ int XCOffscreen::CopyEx(int x, int y, int w, int h, XCOffscreen* src, int sx, in
         for (std::int64_t i = 0; i < rect.w; ++i)
             selection[i] = isInClip(static_cast<int>(rect.x + i), static_cast<int>(rect.y + j));
     };
-    std::vector<std::uint8_t> line(static_cast<std::size_t>(view.rowBytes));
+    std::vector<std::uint8_t> line = vectorOf<std::uint8_t>(view.rowBytes);
     return copySelected(rect, select, [&](int toX, int fromX, int count, int toY, int fromY) {
         std::uint8_t* const row = view.row(toY);
         const std::uint8_t* const sourceRow = source.view().row(fromY);

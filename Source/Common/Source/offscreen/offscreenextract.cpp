@@ -1,3 +1,4 @@
+#include "foundation/nomemory.h"
 #include "offscreen/pixelrows.h"
 #include "ovwcmn/xcoffscreen.h"
 #include "ovwcmn/xcvoffscreensettings.h"
@@ -7,6 +8,8 @@
 #include <vector>
 
 using namespace ovw::offscreen;
+using ovw::foundation::orNoMemory;
+using ovw::foundation::vectorOf;
 
 namespace {
 
@@ -14,7 +17,7 @@ namespace {
 /// leaves paper.
 template <class IsWanted>
 std::unique_ptr<XCOffscreen> makeMask(const PixelView& view, XCOffscreen* allowed, IsWanted isWanted) {
-    auto result = std::make_unique<XCOffscreen>();
+    auto result = orNoMemory([] { return std::make_unique<XCOffscreen>(); });
     result->Create(view.width, view.height, Ink1::cnBits, cnOpaqueWhite, 0);
     const ImageLock resultLock(result.get());
     const ImageLock allowedLock(allowed);
@@ -22,7 +25,7 @@ std::unique_ptr<XCOffscreen> makeMask(const PixelView& view, XCOffscreen* allowe
     const PixelView limit = allowedLock ? PixelView(*allowed) : PixelView();
     const int width = allowed ? std::min(view.width, limit.width) : view.width;
     const int height = allowed ? std::min(view.height, limit.height) : view.height;
-    std::vector<std::uint32_t> colours(static_cast<std::size_t>(view.width));
+    std::vector<std::uint32_t> colours = vectorOf<std::uint32_t>(view.width);
     for (int y = 0; y < height; ++y) {
         readRow24(colours.data(), view.depth, view.row(y), 0, width);
         for (int x = 0; x < width; ++x)
@@ -53,9 +56,9 @@ XCOffscreen* XCOffscreen::ExtractionColorMaskEx(const tagVXRGBCOLOR16* colors, i
     const ImageLock lock(this);
     if (!lock)
         return nullptr;
-    std::vector<std::uint32_t> wanted;
-    for (int i = 0; colors && i < count; ++i)
-        wanted.push_back(XCRgbColor(colors[i]) & cnRgbMask);
+    std::vector<std::uint32_t> wanted = vectorOf<std::uint32_t>(colors && count > 0 ? count : 0);
+    for (std::size_t i = 0; i < wanted.size(); ++i)
+        wanted[i] = XCRgbColor(colors[i]) & cnRgbMask;
     return makeMask(PixelView(*this), mask,
                     [&wanted, margin](std::uint32_t colour) {
                         return std::any_of(wanted.begin(), wanted.end(), [=](std::uint32_t w) {

@@ -1,3 +1,4 @@
+#include "foundation/nomemory.h"
 #include "offscreen/pixelview.h"
 #include "ovwcmn/xcoffscreen.h"
 #include "vimage/edgelist.h"
@@ -9,12 +10,17 @@
 
 using namespace ovw::offscreen;
 using namespace ovw::vimage;
+using ovw::foundation::orNoMemory;
 
 void XCOffscreen::FillLineRowForPolygon(int x0, int x1, int y) { FillLineRow(x0, x1, y); }
 
-int XCOffscreen::FillPolygon(tagPOINT* points, int count) { return fillPolygon(points, count, false); }
+int XCOffscreen::FillPolygon(tagPOINT* points, int count) {
+    return orNoMemory([&] { return fillPolygon(points, count, false); });
+}
 
-int XCOffscreen::FillPolygonConvex(tagPOINT* points, int count) { return fillPolygon(points, count, true); }
+int XCOffscreen::FillPolygonConvex(tagPOINT* points, int count) {
+    return orNoMemory([&] { return fillPolygon(points, count, true); });
+}
 
 int XCOffscreen::fillPolygon(const tagPOINT* points, int count, bool convex) {
     if (!m_info.bits || !points || count <= 0)

@@ -1,3 +1,4 @@
+#include "foundation/nomemory.h"
 #include "offscreen/copyrect.h"
 #include "offscreen/pixelmean.h"
 #include "offscreen/pixelrows.h"
@@ -13,6 +14,7 @@
 #include <vector>
 
 using namespace ovw::offscreen;
+using ovw::foundation::orNoMemory;
 using ovw::vimage::AreaSpans;
 using ovw::vimage::AxisPlan;
 using ovw::vimage::CoveredSpan;
@@ -195,9 +197,9 @@ void XCOffscreen::fitInto(int dx, int dy, int dw, int dh, XCOffscreen* src, int 
         return;
     const PixelView view(*this);
     const PixelView& from = source.view();
-    fit(Fitting(view, from, Axis{{dx, dw, sx, sw}, view.width, from.width},
-                Axis{{dy, dh, sy, sh}, view.height, from.height}),
-        view.depth == Argb32::cnBits && from.depth == Argb32::cnBits);
+    const Fitting fitting(view, from, Axis{{dx, dw, sx, sw}, view.width, from.width},
+                          Axis{{dy, dh, sy, sh}, view.height, from.height});
+    orNoMemory([&] { fit(fitting, view.depth == Argb32::cnBits && from.depth == Argb32::cnBits); });
 }
 
 void XCOffscreen::ChangeResolution(int dx, int dy, int dw, int dh, XCOffscreen* src, int sx, int sy, int sw, int sh,

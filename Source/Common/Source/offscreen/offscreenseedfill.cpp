@@ -1,3 +1,4 @@
+#include "foundation/nomemory.h"
 #include "offscreen/pixelview.h"
 #include "ovwcmn/xcgeometry.h"
 #include "ovwcmn/xcoffscreen.h"
@@ -6,6 +7,7 @@
 #include <vector>
 
 using namespace ovw::offscreen;
+using ovw::foundation::orNoMemory;
 
 namespace {
 
@@ -140,7 +142,8 @@ int XCOffscreen::SeedScanFill(const tagPOINT& seed, tagRECT* changed) {
         const auto fill = Format::fillValue(m_foreColor);
         if (reference == fill)
             return 0;
-        return report(SeedFill(OwnRegion<Format>(view, reference, fill)).run(seed), changed);
+        return orNoMemory(
+            [&] { return report(SeedFill(OwnRegion<Format>(view, reference, fill)).run(seed), changed); });
     });
 }
 
@@ -152,6 +155,7 @@ int XCOffscreen::SeedScanFill1BitMask(XCOffscreen& mask, const tagPOINT& seed, t
         return 0;
     return withFormat(view.depth, [&]<class Format>() {
         const auto reference = loadPixel<Format>(view.row(seed.y), seed.x);
-        return report(SeedFill(MaskedRegion<Format>(view, maskView, reference)).run(seed), changed);
+        return orNoMemory(
+            [&] { return report(SeedFill(MaskedRegion<Format>(view, maskView, reference)).run(seed), changed); });
     });
 }

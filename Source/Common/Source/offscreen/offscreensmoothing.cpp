@@ -1,3 +1,4 @@
+#include "foundation/nomemory.h"
 #include "offscreen/smoothblends.h"
 #include "offscreen/smoothlines.h"
 #include "ovwcmn/xcexception.h"
@@ -5,12 +6,14 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <vector>
 
 /// Morphological anti-aliasing: lines are cut into runs of similar colour; where the run of one line begins or ends
 /// inside that of the next, the half of the step at the end takes on, by a ramp, the colour that continues beside it.
 
 using namespace ovw::offscreen;
+using ovw::foundation::orNoMemory;
 
 namespace {
 
@@ -235,14 +238,14 @@ public:
         if (given == &image || given->GetBitCount() != Argb32::cnBits || given->GetWidth() < image.GetWidth() ||
             given->GetHeight() < image.GetHeight())
             xcThrowError(ovw::foundation::cnCodeParameter);
-        m_lock = std::make_unique<ImageLock>(given);
+        m_lock.emplace(given);
         m_view = PixelView(*given);
     }
     const PixelView& view() const { return m_view; }
 
 private:
     XCOffscreen m_own;
-    std::unique_ptr<ImageLock> m_lock; // ends before the image does
+    std::optional<ImageLock> m_lock; // ends before the image does
     PixelView m_view;
 };
 
@@ -252,7 +255,7 @@ class LineTable {
 public:
     LineTable(Record (*given)[][SmoothLines::cnSlots], std::size_t length) {
         if (!given)
-            m_own = std::make_unique<Record[][SmoothLines::cnSlots]>(length);
+            m_own = orNoMemory([length] { return std::make_unique<Record[][SmoothLines::cnSlots]>(length); });
         m_table = given ? *given : m_own.get();
     }
     Record (*get() const)[SmoothLines::cnSlots] { return m_table; }
@@ -295,10 +298,12 @@ void XCOffscreen::DoSmoothing(tagRECT* area, XCOffscreen* work1, XCOffscreen* wo
     const XCRect rect = workRect(area, view.rect());
     if (rect.IsRectEmpty())
         return;
-    SmoothLines rows(view, runTable.get(), indexTable.get(), false, rect.left, rect.right);
-    SmoothPass(view, blends, rows).run(rect.top, rect.bottom);
-    SmoothLines columns(view, runTable.get(), indexTable.get(), true, view.height - rect.bottom,
-                        view.height - rect.top);
-    SmoothPass(view, blends, columns).run(rect.left, rect.right);
+    orNoMemory([&] {
+        SmoothLines rows(view, runTable.get(), indexTable.get(), false, rect.left, rect.right);
+        SmoothPass(view, blends, rows).run(rect.top, rect.bottom);
+        SmoothLines columns(view, runTable.get(), indexTable.get(), true, view.height - rect.bottom,
+                            view.height - rect.top);
+        SmoothPass(view, blends, columns).run(rect.left, rect.right);
+    });
     blends.mergeInto(view, rect);
 }

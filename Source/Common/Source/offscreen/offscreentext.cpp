@@ -1,3 +1,4 @@
+#include "foundation/nomemory.h"
 #include "offscreen/copyrect.h"
 #include "offscreen/pixelview.h"
 #include "ovwcmn/xcexception.h"
@@ -12,6 +13,7 @@
 #include <vector>
 
 using namespace ovw::offscreen;
+using ovw::foundation::orNoMemory;
 
 namespace {
 
@@ -112,7 +114,7 @@ std::int64_t aligned(std::int64_t low, std::int64_t high, std::int64_t length, b
 int XCOffscreen::DrawString(const char* text, tagRECT rect, XCFont& font, int format) {
     if (!m_info.bits || !text)
         return 0;
-    const std::vector<TextLine> lines = linesOf(text, font);
+    const std::vector<TextLine> lines = orNoMemory([&] { return linesOf(text, font); });
     std::int64_t height = 0;
     for (const TextLine& line : lines)
         height += line.height;

@@ -1,3 +1,4 @@
+#include "foundation/nomemory.h"
 #include "offscreen/pixelrows.h"
 #include "offscreen/sourceimage.h"
 #include "ovwcmn/xcexception.h"
@@ -11,6 +12,7 @@
 
 using namespace ovw::offscreen;
 using ovw::foundation::cnCodeParameter;
+using ovw::foundation::orNoMemory;
 using ovw::vimage::Orientation;
 using ovw::vimage::PixelGrid;
 using ovw::vimage::turnRows;
@@ -99,7 +101,7 @@ void turnAny(const PixelView& view, XCOffscreen& original, const PixelView& sour
 XCOffscreen* XCOffscreen::CreateFlipImage(int direction) {
     if (!m_image.IsValid())
         return nullptr;
-    auto result = std::make_unique<XCOffscreen>();
+    auto result = orNoMemory([] { return std::make_unique<XCOffscreen>(); });
     result->Create(m_info.width, m_info.height, m_info.bitCount, cnOpaqueWhite, 0);
     const ImageLock lock(result.get());
     result->FlipImage(*this, 0, 0, m_info.width, m_info.height, direction);

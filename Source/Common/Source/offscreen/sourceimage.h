@@ -1,6 +1,7 @@
 #ifndef OVW_OFFSCREEN_SOURCEIMAGE_H
 #define OVW_OFFSCREEN_SOURCEIMAGE_H
 
+#include "foundation/nomemory.h"
 #include "offscreen/pixelview.h"
 
 #include <memory>
@@ -13,7 +14,7 @@ class SourceImage {
 public:
     SourceImage(const XCOffscreen& destination, XCOffscreen* source) {
         if (source == &destination)
-            m_copy = std::make_unique<XCOffscreen>(destination);
+            m_copy = foundation::orNoMemory([&] { return std::make_unique<XCOffscreen>(destination); });
         m_lock.emplace(m_copy ? m_copy.get() : source);
         if (*m_lock)
             m_view = PixelView(m_copy ? *m_copy : *source);
