@@ -45,6 +45,11 @@ struct Replace15 : ActsEverywhere {
 // An alpha that is kept counts as full. The quotient is exact: its terms and its distance from the next integer fit a
 // float's 24 bits. For oA = 255 it is a.
 struct Normal15 : ActsEverywhere {
+    struct OverOpaque : ActsEverywhere {
+        static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t) {
+            return eachChannel(o, c, 255, [a](std::int32_t p, std::int32_t q) { return Scale15::lerp(p, q, a); });
+        }
+    };
     static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
         const std::int32_t oA = alphaOf(o);
         const std::int32_t below = oA | alphaOf(keep);
@@ -68,29 +73,50 @@ struct Erase15 : ActsEverywhere {
 // Over nothing c; over an opaque pixel (1 - (1 - c) * a) * o; else, with S = f * 255 + (1 - f) * oA and k = oA / S,
 // c * (1 - k) + (f / 255 * k * c + (1 - f) * k) * o, alpha S.
 struct Multiply15 : ActsEverywhere {
-    static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
-        const std::int32_t oA = alphaOf(o);
-        const float f = Scale15::toFloat(a);
-        const float below = static_cast<float>(most(oA, 1));
-        const float sum = f * 255.0f + (1.0f - f) * below;
-        const float k = below / sum;
-        const std::uint32_t partly =
-            eachChannel(o, c, least(rounded(sum), 255), [f, k](std::int32_t p, std::int32_t q) {
-                const float paint = static_cast<float>(q);
-                const float share = f / 255.0f * k * paint + (1.0f - f) * k;
-                return least(rounded(paint * (1.0f - k) + share * static_cast<float>(p)), 255);
+    struct OverOpaque : ActsEverywhere {
+        static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t) {
+            return eachChannel(o, c, 255, [a](std::int32_t p, std::int32_t q) {
+                return Scale15::overByteOneRound((Scale15::cnByteOne - (255 - q) * a) * p);
             });
-        const std::uint32_t opaque = eachChannel(o, c, 255, [a](std::int32_t p, std::int32_t q) {
-            return Scale15::overByteOneRound((Scale15::cnByteOne - (255 - q) * a) * p);
-        });
-        const std::uint32_t over = (oA | alphaOf(keep)) == 255 ? opaque : partly;
-        return oA == 0 ? Replace15::pixel(o, c, a, keep) : over;
+        }
+    };
+    struct OverPartial : ActsEverywhere {
+        static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
+            const float f = Scale15::toFloat(a);
+            const float below = static_cast<float>(most(alphaOf(o), 1));
+            const float sum = f * 255.0f + (1.0f - f) * below;
+            const float k = below / sum;
+            const std::uint32_t partly =
+                eachChannel(o, c, least(rounded(sum), 255), [f, k](std::int32_t p, std::int32_t q) {
+                    const float paint = static_cast<float>(q);
+                    const float share = f / 255.0f * k * paint + (1.0f - f) * k;
+                    return least(rounded(paint * (1.0f - k) + share * static_cast<float>(p)), 255);
+                });
+            return alphaOf(o) == 0 ? Replace15::pixel(o, c, a, keep) : partly;
+        }
+    };
+    static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
+        const bool isOpaque = (alphaOf(o) != 0) & (alphaOf(o | keep) == 255);
+        return isOpaque ? OverOpaque::pixel(o, c, a, keep) : OverPartial::pixel(o, c, a, keep);
     }
 };
 
 // With an alpha that may change, o is first flattened: o' = (oA * o + 255 * (255 - oA) * f) / ((255 - oA) * f + oA),
 // alpha oA + 255 * f. c > 127: o' + (2c - 255) * (255 - o') / 255 * f; else (1 - (1 - 2c / 255) * f) * o'.
 struct HardLight15 : ActsEverywhere {
+    static std::int32_t channel(float flat, std::int32_t c, float f) {
+        const float twice = static_cast<float>(2 * c);
+        const float light = flat + (twice - 255.0f) * (255.0f - flat) / 255.0f * f;
+        const float dark = (1.0f - (1.0f - twice / 255.0f) * f) * flat;
+        return least(rounded(c > 127 ? light : dark), 255);
+    }
+    struct OverOpaque : ActsEverywhere {
+        static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t) {
+            const float f = Scale15::toFloat(a);
+            return eachChannel(o, c, 255,
+                               [f](std::int32_t p, std::int32_t q) { return channel(static_cast<float>(p), q, f); });
+        }
+    };
     static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
         const float f = Scale15::toFloat(a);
         const float oA = static_cast<float>(alphaOf(o) | alphaOf(keep));
@@ -98,11 +124,7 @@ struct HardLight15 : ActsEverywhere {
         const float weight = white + oA > 0.0f ? white + oA : 1.0f;
         const std::int32_t alpha = least(rounded(oA + 255.0f * f), 255);
         return eachChannel(o, c, alpha, [f, oA, white, weight](std::int32_t p, std::int32_t q) {
-            const float flat = (oA * static_cast<float>(p) + 255.0f * white) / weight;
-            const float twice = static_cast<float>(2 * q);
-            const float light = flat + (twice - 255.0f) * (255.0f - flat) / 255.0f * f;
-            const float dark = (1.0f - (1.0f - twice / 255.0f) * f) * flat;
-            return least(rounded(q > 127 ? light : dark), 255);
+            return channel((oA * static_cast<float>(p) + 255.0f * white) / weight, q, f);
         });
     }
 };

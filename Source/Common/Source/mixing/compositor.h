@@ -65,8 +65,24 @@ std::uint32_t composed32(const Mode& mode, std::uint32_t d, std::uint32_t o, std
     return acts ? result : d;
 }
 
+/// Whether all pixels are opaque.
+bool isOpaque(const Pixel32* pixels, int n) {
+    std::uint32_t all = cnAlphaMask;
+    for (int i = 0; i < n; ++i)
+        all &= pixels[i];
+    return all >= cnAlphaMask;
+}
+
+/// Whether none is opaque.
+bool isPartial(const Pixel32* pixels, int n) {
+    std::uint32_t most = 0;
+    for (int i = 0; i < n; ++i)
+        most = most > pixels[i] ? most : pixels[i];
+    return most < cnAlphaMask;
+}
+
 template <class Mode, Below below, class Opacity, class Color>
-void compositeRow32(const CompositeSpan& span) {
+void compositePixels32(const CompositeSpan& span) {
     auto* __restrict dst = reinterpret_cast<Pixel32*>(span.dst);
     const auto* __restrict ref = reinterpret_cast<const Pixel32*>(span.ref);
     const Opacity opacity(span);
@@ -79,6 +95,21 @@ void compositeRow32(const CompositeSpan& span) {
         const std::uint32_t d = dst[i];
         dst[i] = composed32(mode, d, below == Below::Destination ? d : ref[i], color[i], opacity[i], keep);
     }
+}
+
+/// Where a composition is simpler over pixels that are all opaque, or none of them, spans of such take its other form.
+template <class Mode, Below below, class Opacity, class Color>
+void compositeRow32(const CompositeSpan& span) {
+    const auto* o = reinterpret_cast<const Pixel32*>(below == Below::Reference ? span.ref : span.dst);
+    if constexpr (requires { typename Mode::OverOpaque; }) {
+        if (isOpaque(o, span.n))
+            return compositePixels32<typename Mode::OverOpaque, below, Opacity, Color>(span);
+    }
+    if constexpr (requires { typename Mode::OverPartial; }) {
+        if (span.keep == 0 && isPartial(o, span.n))
+            return compositePixels32<typename Mode::OverPartial, below, Opacity, Color>(span);
+    }
+    compositePixels32<Mode, below, Opacity, Color>(span);
 }
 
 template <class Mode, Below below, class Opacity>
@@ -193,13 +224,6 @@ private:
     std::uint16_t m_below;
 };
 
-bool isOpaqueRun(const Pixel32* pixels) {
-    std::uint32_t all = cnAlphaMask;
-    for (int i = 0; i < cnRunPixels; ++i)
-        all &= pixels[i];
-    return all == cnAlphaMask;
-}
-
 bool isEmptyRun(const Pixel32* pixels) {
     std::uint32_t any = 0;
     for (int i = 0; i < cnRunPixels; ++i)
@@ -222,7 +246,7 @@ void normalRow32(const CompositeSpan& span) {
     CompositeSpan rest = span;
     for (; rest.n >= cnRunPixels; rest.n -= cnRunPixels, rest.dst += 4 * cnRunPixels) {
         auto* pixels = reinterpret_cast<Pixel32*>(rest.dst);
-        if (isOpaqueRun(pixels)) {
+        if (isOpaque(pixels, cnRunPixels)) {
             for (int i = 0; i < 4 * cnRunPixels; i += cnRunBytes)
                 blend.apply(rest.dst + i);
         } else if (isEmptyRun(pixels)) {

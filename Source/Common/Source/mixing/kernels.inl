@@ -62,7 +62,7 @@ constexpr KernelTable cnKernels = {
      accumulateStroke<TakesLarger, RowCoverage>, accumulateStroke<Adds, RowCoverage>},
     {accumulateStroke<KeepsCache, OneCoverage>, accumulateStroke<AddsOver, OneCoverage>,
      accumulateStroke<TakesLarger, OneCoverage>, accumulateStroke<Adds, OneCoverage>},
-    scaleByOpacity, scaleByOpacityWide,
+    paintedPart, scaleByOpacity, scaleByOpacityWide,
     sumColors, shareOfDab, mixDensityCache, accumulateColorOver, accumulateColorMax, moveColors32, moveColors24,
     // fastest
     {   //                 1, 2  8                                24                              32

@@ -49,6 +49,12 @@ struct StrokeStep {
     std::int32_t opacity; ///< Of the stroke.
 };
 
+/// Pixels first to end - 1 of a row.
+struct PaintedPart {
+    int first;
+    int end;
+};
+
 using Compositor = void (*)(const CompositeSpan&);
 /// Null draws nothing.
 using CompositorTable = Compositor[cnCompositions][cnDepthColumns];
@@ -137,6 +143,8 @@ struct KernelTable {
     void (*accumulateStroke[cnAccumulations])(CoverageRow& row, std::uint16_t* cache, const StrokeStep& step);
     /// The same from one coverage for all pixels.
     void (*accumulateOne[cnAccumulations])(CoverageRow& row, std::uint16_t* cache, const StrokeStep& step);
+    /// What is left between long runs of pixels without coverage at both ends.
+    PaintedPart (*paintedPart)(const CoverageRow& row);
     void (*scaleByOpacity)(CoverageRow& row, std::int32_t opacity);
     /// For coverages above 1.0.
     void (*scaleByOpacityWide)(CoverageRow& row, std::int32_t opacity);

@@ -16,9 +16,12 @@ constexpr std::uint32_t cnKeepAlphaByte = 0xFF000000;
 
 /// False when the span was only sampled. colors: of the source, for CacheRule::Color.
 bool SpanPainter::applyCache(CoverageRow& row, const KernelPlan& plan, const RowInputs& inputs,
-                             const std::uint32_t* colors) const {
+                             const std::uint32_t* colors) {
     if (plan.cache == CacheRule::Coverage) {
         m_kernels->accumulateStroke[accumulation()](row, m_pixels.cache, strokeStep(plan));
+        // The dabs of a stroke lie over each other: where the cache was full before, nothing is painted again.
+        if (!isBits())
+            m_painted = m_kernels->paintedPart(row);
     } else {
         if (plan.cache == CacheRule::Color) {
             accumulateColor(row, colors);

@@ -38,7 +38,6 @@ void SpanPainter::composite(const CoverageRow& row, const KernelPlan& plan, cons
         return cloneBits(row, colors);
 
     CompositeSpan span = m_common;
-    span.n = row.n;
     span.dst = m_pixels.dst;
     span.a = row.a;
     span.colors = colors;
@@ -49,10 +48,21 @@ void SpanPainter::composite(const CoverageRow& row, const KernelPlan& plan, cons
         overNothing = !m_pixels.ref;
         span.ref = overNothing ? blankReference(m_depth) : m_pixels.ref;
     }
+    skip(span, m_painted.first);
+    span.n = m_painted.end - m_painted.first;
     if (plan.cache != CacheRule::None && hasStyle(XCFastPixelMixer::STYLE_DITHER))
         span.dither = ditherRow();
     if (Compositor compositor = compositorOf(plan.compositors, overNothing))
         compositor(span);
+}
+
+/// The first n pixels are not painted.
+void SpanPainter::skip(CompositeSpan& span, int n) const {
+    const std::ptrdiff_t bytes = std::ptrdiff_t{n} * (m_depth / 8);
+    span.dst += bytes;
+    span.ref += span.ref ? bytes : 0;
+    span.a += n;
+    span.colors += span.colors ? n : 0;
 }
 
 /// A colour a pixel, or null where the mixer's colour is painted.

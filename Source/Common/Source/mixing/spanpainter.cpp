@@ -203,6 +203,7 @@ void SpanPainter::work(const KernelPlan& plan, const RowInputs& inputs, const Ro
     m_pixels = pixels;
     m_kernels = &kernels(pixels.n);
     row.n = pixels.n;
+    m_painted = {0, pixels.n};
     if (plan.cache == CacheRule::Coverage && m_inputs == 0 && !coverage) {
         m_kernels->accumulateOne[accumulation()](row, pixels.cache, strokeStep(plan));
         return composite(row, plan, inputs, nullptr);

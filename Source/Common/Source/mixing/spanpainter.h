@@ -106,8 +106,7 @@ private:
     void applyTexture(CoverageRow& row, const std::uint8_t* texels, std::int32_t alpha) const;
 
     // spancache.cpp: the stroke caches
-    bool applyCache(CoverageRow& row, const KernelPlan& plan, const RowInputs& inputs,
-                    const std::uint32_t* colors) const;
+    bool applyCache(CoverageRow& row, const KernelPlan& plan, const RowInputs& inputs, const std::uint32_t* colors);
     StrokeStep strokeStep(const KernelPlan& plan) const;
     void sampleBelow(const CoverageRow& row) const;
     void accumulate(CoverageRow& row) const;
@@ -118,6 +117,7 @@ private:
     // spancomposite.cpp: the end of the road
     void composite(const CoverageRow& row, const KernelPlan& plan, const RowInputs& inputs,
                    const std::uint32_t* ofSource) const;
+    void skip(CompositeSpan& span, int n) const;
     void fetchColors(std::uint32_t* colors, const KernelPlan& plan) const;
     const std::uint32_t* colorsOf(std::uint32_t* room, const KernelPlan& plan, const RowInputs& inputs,
                                   const std::uint32_t* ofSource) const;
@@ -169,10 +169,12 @@ private:
     int m_x = 0;
     int m_y = 0;
     int m_n = 0;
-    // Of a kernel that was prepared: InputBits, what its composite spans have in common, and the pixels to work on.
+    // Of a kernel that was prepared: InputBits, what its composite spans have in common, the pixels to work on, and
+    // those of them that a stage has left to paint.
     unsigned m_inputs = 0;
     CompositeSpan m_common;
     RowPixels m_pixels{};
+    PaintedPart m_painted{};
     // Of copies: the image, how spans look into it, and where the samples of the span begin.
     const XCSimpleImage* m_source = nullptr;
     SourceView m_view;

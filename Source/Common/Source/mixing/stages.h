@@ -258,6 +258,22 @@ void accumulateStroke(CoverageRow& row, std::uint16_t* __restrict cache, const S
     }
 }
 
+PaintedPart paintedPart(const CoverageRow& row) {
+    constexpr int cnStep = 64;
+    const auto isPainted = [&row](int from) {
+        std::int32_t any = 0;
+        for (int i = 0; i < cnStep; ++i)
+            any |= row.a[from + i];
+        return any != 0;
+    };
+    PaintedPart part{0, row.n};
+    while (part.end - part.first >= cnStep && !isPainted(part.first))
+        part.first += cnStep;
+    while (part.end - part.first >= cnStep && !isPainted(part.end - cnStep))
+        part.end -= cnStep;
+    return part;
+}
+
 // ---- Colour caches
 
 void sumColors(ColorSums& sums, const CoverageRow& row, const std::uint8_t* __restrict pixels) {
