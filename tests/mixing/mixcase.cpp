@@ -101,8 +101,14 @@ private:
     PlainImage makeImage(int depth, int width, int height) {
         PlainImage image(depth, width, height);
         std::uint32_t mask = depth == 32 ? 0xFFFFFFFF : (std::uint32_t(1) << depth) - 1;
+        const bool isOpaque = depth == 32 && m_random.chance(5);
+        const bool isPartial = depth == 32 && m_random.chance(5);
         for (std::uint32_t& pixel : image.pixels) {
             pixel = color() & mask;
+            if (isOpaque)
+                pixel |= 0xFF000000;
+            else if (isPartial && pixel >= 0xFF000000)
+                pixel &= 0xFEFFFFFF;
             if (depth == 8)
                 pixel = std::uint32_t(m_random.byte());
             if (depth == 2 && pixel == 1)
@@ -191,6 +197,10 @@ private:
         for (std::uint32_t& pixel : m_case.cache->pixels)
             if (m_random.chance(2))
                 pixel = std::uint32_t(m_random.number(0, 32768));
+        if (m_random.chance(2)) // full at the ends of its blocks
+            for (int y = 0; y < MixCase::cnHeight; ++y)
+                for (int x = 0; x < MixCase::cnWidth; ++x)
+                    m_case.cache->at(x, y) = x % 256 < 90 || x % 256 > 170 ? 32768 : m_case.cache->at(x, y);
     }
 
     void makeColorCache() {
