@@ -103,18 +103,12 @@ struct Multiply15 : ActsEverywhere {
 
 // With an alpha that may change, o is first flattened: o' = (oA * o + 255 * (255 - oA) * f) / ((255 - oA) * f + oA),
 // alpha oA + 255 * f. c > 127: o' + (2c - 255) * (255 - o') / 255 * f; else (1 - (1 - 2c / 255) * f) * o'.
+// cnLight: the channels with c > 127, blue in the lowest bit, where a row has one colour; below 0 it is each pixel's.
+template <int cnLight = -1>
 struct HardLight15 : ActsEverywhere {
-    static std::int32_t channel(float flat, std::int32_t c, float f) {
-        const float twice = static_cast<float>(2 * c);
-        const float light = flat + (twice - 255.0f) * (255.0f - flat) / 255.0f * f;
-        const float dark = (1.0f - (1.0f - twice / 255.0f) * f) * flat;
-        return least(rounded(c > 127 ? light : dark), 255);
-    }
     struct OverOpaque : ActsEverywhere {
         static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t) {
-            const float f = Scale15::toFloat(a);
-            return eachChannel(o, c, 255,
-                               [f](std::int32_t p, std::int32_t q) { return channel(static_cast<float>(p), q, f); });
+            return lit(o, c, 255, Scale15::toFloat(a), [](std::int32_t p) { return static_cast<float>(p); });
         }
     };
     static std::uint32_t pixel(std::uint32_t o, std::uint32_t c, std::int32_t a, std::uint32_t keep) {
@@ -123,9 +117,24 @@ struct HardLight15 : ActsEverywhere {
         const float white = (255.0f - oA) * f;
         const float weight = white + oA > 0.0f ? white + oA : 1.0f;
         const std::int32_t alpha = least(rounded(oA + 255.0f * f), 255);
-        return eachChannel(o, c, alpha, [f, oA, white, weight](std::int32_t p, std::int32_t q) {
-            return channel((oA * static_cast<float>(p) + 255.0f * white) / weight, q, f);
+        return lit(o, c, alpha, f, [oA, white, weight](std::int32_t p) {
+            return (oA * static_cast<float>(p) + 255.0f * white) / weight;
         });
+    }
+
+private:
+    template <class Flattened>
+    static std::uint32_t lit(std::uint32_t o, std::uint32_t c, std::int32_t alpha, float f, Flattened flattened) {
+        return packed(channel<0>(flattened(blueOf(o)), blueOf(c), f), channel<1>(flattened(greenOf(o)), greenOf(c), f),
+                      channel<2>(flattened(redOf(o)), redOf(c), f), alpha);
+    }
+    template <int cnBit>
+    static std::int32_t channel(float flat, std::int32_t c, float f) {
+        const float twice = static_cast<float>(2 * c);
+        const float light = flat + (twice - 255.0f) * (255.0f - flat) / 255.0f * f;
+        const float dark = (1.0f - (1.0f - twice / 255.0f) * f) * flat;
+        const bool isLight = cnLight < 0 ? c > 127 : (cnLight >> cnBit & 1) != 0;
+        return least(rounded(isLight ? light : dark), 255);
     }
 };
 

@@ -9,6 +9,8 @@
 #include "mixing/compositions8.h"
 #include "mixing/kerneltable.h"
 
+#include <utility>
+
 namespace ovw::mixing {
 namespace {
 
@@ -110,6 +112,19 @@ void compositeRow32(const CompositeSpan& span) {
             return compositePixels32<typename Mode::OverPartial, below, Opacity, Color>(span);
     }
     compositePixels32<Mode, below, Opacity, Color>(span);
+}
+
+template <int... light>
+Compositor hardLightOf(unsigned lightChannels, std::integer_sequence<int, light...>) {
+    constexpr Compositor cnRows[] = {compositeRow32<HardLight15<light>, Below::Reference, RowOpacity, OneColor>...};
+    return cnRows[lightChannels];
+}
+
+/// Hard light with one colour: each channel by its rule alone.
+void hardLightRow32(const CompositeSpan& span) {
+    const auto bit = [](std::int32_t c) { return c > 127 ? 1u : 0u; };
+    const unsigned light = bit(blueOf(span.color)) | bit(greenOf(span.color)) << 1 | bit(redOf(span.color)) << 2;
+    hardLightOf(light, std::make_integer_sequence<int, 8>())(span);
 }
 
 template <class Mode, Below below, class Opacity>

@@ -107,7 +107,7 @@ constexpr KernelTable cnKernels = {
         /* Overlay       */ {bits, cache8<DensityOverlay15>,      cache24<ChannelNormal15>,       channel32<Overlay15>},
         /* Difference    */ {bits, cache8<DensityDifference15>,   cache24<ChannelNormal15>,       channel32<Difference15>},
         /* SoftLight     */ {bits, cache8<DensitySoftLight15>,    cache24<ChannelNormal15>,       channel32<SoftLight15>},
-        /* HardLight     */ {bits, cache8<DensityNormal15>,       cache24<ChannelNormal15>,       cache32<HardLight15>},
+        /* HardLight     */ {bits, cache8<DensityNormal15>,       cache24<ChannelNormal15>,       hardLightRow32},
         /* AddFade       */ {bits, cache8<DensitySubtract15>,     cache24<ChannelNormal15>,       channel32<AddFade15>},
     },
     // cache, where the reference has no memory
@@ -129,7 +129,7 @@ constexpr KernelTable cnKernels = {
         /* Overlay       */ {bits, none,                          cache24<ChannelNormal15>,       none},
         /* Difference    */ {bits, cache8<DensityDifference15>,   cache24<ChannelNormal15>,       none},
         /* SoftLight     */ {bits, none,                          cache24<ChannelNormal15>,       none},
-        /* HardLight     */ {bits, cache8<DensityNormal15>,       cache24<ChannelNormal15>,       cache32<HardLight15>},
+        /* HardLight     */ {bits, cache8<DensityNormal15>,       cache24<ChannelNormal15>,       hardLightRow32},
         /* AddFade       */ {bits, none,                          cache24<ChannelNormal15>,       none},
     },
     // stamp
@@ -173,7 +173,7 @@ constexpr KernelTable cnKernels = {
         /* Overlay       */ {none, none,                              colored24<ChannelNormal15>,     coloredChannel32<Overlay15>},
         /* Difference    */ {none, none,                              colored24<ChannelNormal15>,     coloredChannel32<Difference15>},
         /* SoftLight     */ {none, none,                              colored24<ChannelNormal15>,     coloredChannel32<SoftLight15>},
-        /* HardLight     */ {none, none,                              colored24<ChannelNormal15>,     colored32<HardLight15>},
+        /* HardLight     */ {none, none,                              colored24<ChannelNormal15>,     colored32<HardLight15<>>},
         /* AddFade       */ {none, none,                              colored24<ChannelNormal15>,     coloredChannel32<AddFade15>},
     },
     // colour cache, where the reference has no memory
@@ -195,7 +195,7 @@ constexpr KernelTable cnKernels = {
         /* Overlay       */ {none, none,                              colored24<ChannelNormal15>,     none},
         /* Difference    */ {none, none,                              colored24<ChannelNormal15>,     none},
         /* SoftLight     */ {none, none,                              colored24<ChannelNormal15>,     none},
-        /* HardLight     */ {none, none,                              colored24<ChannelNormal15>,     colored32<HardLight15>},
+        /* HardLight     */ {none, none,                              colored24<ChannelNormal15>,     colored32<HardLight15<>>},
         /* AddFade       */ {none, none,                              colored24<ChannelNormal15>,     none},
     },
     // water
