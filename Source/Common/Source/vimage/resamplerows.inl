@@ -12,6 +12,15 @@ namespace {
 
 constexpr std::uint32_t cnEvenBytes = 0x00FF00FF;
 
+constexpr int cnLinePixels = 16;
+
+/// Fetches a line of pixels that will be wanted some rows later: farther than the processor looks, which stops at the
+/// end of a page, and into the second cache, which waits for more lines at a time than the first.
+void prefetchRowsAhead(const BgraPixel* pixels, std::ptrdiff_t stride) {
+    constexpr int cnRows = 12, cnSecondCache = 2;
+    __builtin_prefetch(pixels + cnRows * stride, 0, cnSecondCache);
+}
+
 std::uint32_t wordAt(const BgraPixel* pixels, std::ptrdiff_t i) {
     std::uint32_t word;
     std::memcpy(&word, pixels + i, sizeof word);
@@ -84,6 +93,9 @@ template <int Factor, int AlphaByte>
 bool averageSquares(const BgraPixel* rows, std::ptrdiff_t stride, int count, BgraPixel* colours,
                     std::uint8_t* isVisible) {
     constexpr std::uint32_t cnArea = Factor * Factor;
+    for (int y = 0; y < Factor; ++y)
+        for (int i = 0; i < count * Factor; i += cnLinePixels)
+            prefetchRowsAhead(rows + y * stride + i, stride);
     ColourColumns columns;
     columns.add<Factor, AlphaByte>(rows, stride, count * Factor);
     for (int width = Factor / 2; width > 0; width /= 2)
@@ -161,14 +173,13 @@ template <>
 bool averageColours<2>(const BgraPixel* rows, std::ptrdiff_t stride, int count, BgraPixel* colours,
                        std::uint8_t* isVisible) {
     constexpr std::uint32_t cnArea = 4;
-    constexpr int cnRowsAhead = 6; // farther than the processor looks, which stops at the end of a page
     std::uint32_t hidden[cnBlockSize];
     Words empty{};
     int i = 0;
     for (; i + static_cast<int>(cnWords) <= count; i += cnWords) {
         LaneColumns columns, between;
         for (const BgraPixel* row : {rows + 2 * i, rows + 2 * i + stride}) {
-            __builtin_prefetch(row + cnRowsAhead * stride);
+            prefetchRowsAhead(row, stride);
             columns.add(pixelsInLanes(row));
             between.add(pixelsInLanes(row + 4));
         }
@@ -284,15 +295,14 @@ void addPixel(const BgraPixel& pixel, double weight, int column, ColumnSums& sum
 }
 
 void addRows(const WeighedRow* rows, int rowCount, int count, bool isFirst, ColumnSums& sums) {
-    constexpr int cnAhead = 6 * cnBlockSize, cnLine = 16; // pixels
     int i = 0;
     for (; i + static_cast<int>(cnWords) <= count; i += cnWords) {
         ColumnGroup group;
         if (!isFirst)
             group.load(sums, i);
         for (int row = 0; row < rowCount; ++row) {
-            if (i % cnLine == 0)
-                __builtin_prefetch(rows[row].pixels + i + cnAhead);
+            if (i % cnLinePixels == 0)
+                prefetchRowsAhead(rows[row].pixels + i, cnBlockSize);
             group.add(rows[row].pixels + i, rows[row].weight);
         }
         group.store(sums, i);
