@@ -38,7 +38,8 @@ struct FileTimes {
 
 struct FileInformation {
     std::uint32_t attributes = 0;
-    std::uint64_t length = 0; ///< bytes
+    std::uint32_t permissions = 0; ///< of owner, group and others: 0 to 0777
+    std::uint64_t length = 0;      ///< bytes
     FileTimes times;
     bool isLink = false;                ///< the name is a symbolic link; the rest tells of its target, if it has one
     bool isSpecial = false;             ///< neither file nor folder: a pipe, a device, a link to nowhere
@@ -69,7 +70,8 @@ struct OpenRequest {
     bool shareRead = false;  ///< others of this process may read meanwhile; else they get error 32
     bool shareWrite = false; ///< likewise write
     Disposition disposition = Disposition::openExisting;
-    std::uint32_t attributes = 0; ///< of a file that is created
+    std::uint32_t attributes = 0;     ///< of a file that is created
+    std::uint32_t permissions = 0666; ///< likewise; the umask takes from them
     bool deleteOnClose = false;
     /// The file is this process's alone: an existing file of the name is replaced, never opened, and never reached
     /// through a link; mode 0600; marked as held until it is closed (removeUnlessHeld). Wants a creating disposition.
@@ -96,6 +98,8 @@ public:
 /// The file system as the library sees it. The one interface of this folder: tests put a fake in its place.
 class FileSystem {
 public:
+    static constexpr std::uint32_t cnAllPermissions = 0777;
+
     virtual ~FileSystem() = default;
     virtual int open(const std::string& path, const OpenRequest& request, std::unique_ptr<OpenFile>& out) = 0;
     virtual int information(const std::string& path, FileInformation& out) = 0;
@@ -105,8 +109,8 @@ public:
     virtual int removeFile(const std::string& path) = 0;
     /// Removes a folder with all that it holds, following no link.
     virtual int removeFolder(const std::string& path) = 0;
-    /// Error 183 when the name exists, 3 when the parent does not.
-    virtual int createFolder(const std::string& path) = 0;
+    /// With the permissions, from which the umask takes. Error 183 when the name exists, 3 when the parent does not.
+    virtual int createFolder(const std::string& path, std::uint32_t permissions = cnAllPermissions) = 0;
     /// Renames a file or folder. Error 183 when the name exists, 17 between volumes.
     virtual int rename(const std::string& from, const std::string& to) = 0;
     /// Puts a finished file in the place of another, or of none, in one step: the name leads to the old contents or to

@@ -136,8 +136,11 @@ int copyFile(const char* from, const char* to, bool failIfExists) {
         return code;
     if (const int code = source->information(information))
         return code;
-    const std::uint32_t creation = failIfExists ? CREATE_NEW : CREATE_ALWAYS;
-    if (const int code = files.open(to, requestOf(GENERIC_WRITE, 0, creation, 0), target))
+    platform::OpenRequest request = requestOf(GENERIC_WRITE, 0, failIfExists ? CREATE_NEW : CREATE_ALWAYS, 0);
+    constexpr std::uint32_t ownerMayWrite = 0200; // until all is there: being read-only is an attribute
+    if (!information.isSpecial)
+        request.permissions = information.permissions | ownerMayWrite;
+    if (const int code = files.open(to, request, target))
         return code;
     const int code = copyContents(*source, *target);
     // A volume without times and attributes, or a target of another user, still takes the contents.

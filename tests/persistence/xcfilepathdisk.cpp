@@ -242,6 +242,26 @@ TEST_F(XCFilePathDisk, CopiesOfFoldersFollowNoLink) {
     EXPECT_LT(treeOf(m_folder, "src").size(), 20u);
 }
 
+TEST_F(XCFilePathDisk, CopiesGrantNoMoreThanTheirSources) {
+    const auto permissions = [&](const char* name) { return fs::status(m_folder.posix(name)).permissions(); };
+    const mode_t umaskBefore = ::umask(022);
+    fs::create_directory(m_folder.posix("dest"));
+    for (const int mode : {0600, 0640, 0755, 0444}) {
+        fs::create_directories(m_folder.posix("src"));
+        m_folder.write("src/file", "x");
+        fs::permissions(m_folder.posix("src/file"), fs::perms(mode));
+        fs::permissions(m_folder.posix("src"), fs::perms(mode | 0300));
+        XCFilePath::CopyFileA(path("copy"), path("src\\file"), 1);
+        XCFilePath::CopyFolder(path("dest\\src"), path("src"), 0, 0);
+        EXPECT_EQ(permissions("copy"), fs::perms(mode));
+        EXPECT_EQ(permissions("dest/src/file"), fs::perms(mode));
+        EXPECT_EQ(permissions("dest/src"), fs::perms(mode | 0700));
+        for (const char* name : {"src", "copy", "dest/src"})
+            fs::remove_all(m_folder.posix(name));
+    }
+    ::umask(umaskBefore);
+}
+
 /// Every place lies on a volume of its own.
 class FarVolumes : public CrashingDisk {
 public:

@@ -49,7 +49,9 @@ public:
     }
     int removeFile(const std::string& path) override { return fails() ? cnFault : m_system->removeFile(path); }
     int removeFolder(const std::string& path) override { return fails() ? cnFault : m_system->removeFolder(path); }
-    int createFolder(const std::string& path) override { return fails() ? cnFault : m_system->createFolder(path); }
+    int createFolder(const std::string& path, std::uint32_t permissions) override {
+        return fails() ? cnFault : m_system->createFolder(path, permissions);
+    }
     int rename(const std::string& from, const std::string& to) override {
         return moved(from, to, [&] { return m_system->rename(from, to); });
     }

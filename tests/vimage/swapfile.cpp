@@ -214,7 +214,9 @@ public:
     }
     int removeFile(const std::string& path) override { return m_system->removeFile(path); }
     int removeFolder(const std::string& path) override { return m_system->removeFolder(path); }
-    int createFolder(const std::string& path) override { return m_system->createFolder(path); }
+    int createFolder(const std::string& path, std::uint32_t permissions) override {
+        return m_system->createFolder(path, permissions);
+    }
     int rename(const std::string& from, const std::string& to) override { return m_system->rename(from, to); }
     int replaceFile(const std::string& from, const std::string& to) override { return m_system->replaceFile(from, to); }
     int copyLink(const std::string& from, const std::string& to) override { return m_system->copyLink(from, to); }

@@ -34,7 +34,6 @@ namespace ovw::platform {
 namespace {
 
 constexpr mode_t cnOrdinaryMode = 0666; // less the umask
-constexpr mode_t cnFolderMode = 0777;
 constexpr mode_t cnPrivateMode = 0600;
 constexpr mode_t cnAnyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
 constexpr std::uint32_t cnSectorBytes = 512;
@@ -110,6 +109,7 @@ bool look(int descriptor, const char* posix, int flags, FileInformation& out) {
         return false;
     out.isLink = S_ISLNK(status.stx_mode);
     out.attributes = modeAttributes(status.stx_mode);
+    out.permissions = status.stx_mode & FileSystem::cnAllPermissions;
     out.isSpecial = !S_ISREG(status.stx_mode) && !S_ISDIR(status.stx_mode);
     out.length = S_ISDIR(status.stx_mode) ? 0 : status.stx_size;
     out.device = makedev(status.stx_dev_major, status.stx_dev_minor);
@@ -237,7 +237,7 @@ int openByDisposition(const std::string& posix, const OpenRequest& request, Desc
         request.disposition != Disposition::openExisting && request.disposition != Disposition::truncateExisting;
     const auto tryOpen = [&](int flags) {
         flags |= access | O_CLOEXEC | O_NONBLOCK; // a pipe would wait for its other end
-        out = Descriptor(retryInterrupted([&] { return ::open(posix.c_str(), flags, cnOrdinaryMode); }));
+        out = Descriptor(retryInterrupted([&] { return ::open(posix.c_str(), flags, request.permissions); }));
         return out.isOpen();
     };
     created = false;
@@ -303,7 +303,7 @@ public:
     int setAttributes(const std::string& path, std::uint32_t attributes) override;
     int removeFile(const std::string& path) override;
     int removeFolder(const std::string& path) override;
-    int createFolder(const std::string& path) override;
+    int createFolder(const std::string& path, std::uint32_t permissions) override;
     int rename(const std::string& from, const std::string& to) override;
     int replaceFile(const std::string& from, const std::string& to) override;
     int copyLink(const std::string& from, const std::string& to) override;
@@ -394,9 +394,9 @@ int PosixFileSystem::removeFolder(const std::string& path) {
     return error ? systemErrorFromErrno(error.value()) : 0;
 }
 
-int PosixFileSystem::createFolder(const std::string& path) {
+int PosixFileSystem::createFolder(const std::string& path, std::uint32_t permissions) {
     const std::string posix = toPosixPath(path);
-    if (::mkdir(posix.c_str(), cnFolderMode) == 0)
+    if (::mkdir(posix.c_str(), permissions) == 0)
         return 0;
     if (errno == EEXIST)
         return cnErrorAlreadyExists;

@@ -85,8 +85,11 @@ void TreeCopy::copyEntries(const XCFilePath& target, const XCFilePath& src) {
     platform::FileSystem& files = platform::fileSystem();
     const std::vector<FolderEntry> entries = folderEntries(src);
     const bool isNew = !target.IsExistence();
+    platform::FileInformation information;
+    const bool isKnown = lookAt(src, information);
+    constexpr std::uint32_t ownersAll = 0700; // who must put the entries in
     if (isNew)
-        if (const int code = files.createFolder(static_cast<const char*>(target)))
+        if (const int code = files.createFolder(static_cast<const char*>(target), information.permissions | ownersAll))
             fail(code);
     m_isBegun = m_isBegun || lookAt(target, m_top);
     for (const FolderEntry& entry : entries) {
@@ -95,8 +98,7 @@ void TreeCopy::copyEntries(const XCFilePath& target, const XCFilePath& src) {
         copy(made, entry);
     }
     // Last: a folder that is read-only on this system takes no entries.
-    platform::FileInformation information;
-    if (isNew && lookAt(src, information))
+    if (isNew && isKnown)
         files.setAttributes(static_cast<const char*>(target), information.attributes);
 }
 
