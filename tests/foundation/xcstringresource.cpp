@@ -94,8 +94,8 @@ TEST(XCStringResource, SurvivesAnyBytes) {
     EXPECT_EQ(look(resource, 3), cnMissing);
     const std::string quotes(1 << 20, '"');
     EXPECT_EQ(parsed("1 " + quotes, 1), quotes.substr(2));
-    EXPECT_EQ(parsed(std::string(1 << 20, '1') + " \"a\"", 1), cnMissing);
-    EXPECT_EQ(parsed(std::string(1 << 20, '\\') + "\n1 \"a\"", 1), "a");
+    EXPECT_EQ(parsed(std::string(1 << 20, '1').append(" \"a\""), 1), cnMissing);
+    EXPECT_EQ(parsed(std::string(1 << 20, '\\').append("\n1 \"a\""), 1), "a");
     EXPECT_EQ(add(resource, ""), 0);
     EXPECT_EQ(resource.AddText(nullptr, 0), 0);
     for (const std::uint32_t page : {932u, 65001u}) {

@@ -12,10 +12,10 @@ namespace fs = std::filesystem;
 std::string smallZip() {
     using namespace std::string_literals;
     const std::string name = "a/b", contents = "zipped";
-    const std::string sizes = "\x06\0\0\0\x06\0\0\0\x03\0\0\0"s;                  // packed, whole, name, extra
-    const std::string common = "\x14\0\0\0\0\0\0\0\0\0\x57\x68\xC2\xE2"s + sizes; // CRC-32 of the contents
-    const std::string local = "PK\x03\x04"s + common + name + contents;
-    const std::string entry = "PK\x01\x02\x14\0"s + common + std::string(14, '\0') + name;
+    const std::string sizes = "\x06\0\0\0\x06\0\0\0\x03\0\0\0"s;                        // packed, whole, name, extra
+    const std::string common = "\x14\0\0\0\0\0\0\0\0\0\x57\x68\xC2\xE2"s.append(sizes); // CRC-32 of the contents
+    const std::string local = "PK\x03\x04"s.append(common).append(name).append(contents);
+    const std::string entry = "PK\x01\x02\x14\0"s.append(common).append(14, '\0').append(name);
     return local + entry + "PK\x05\x06\0\0\0\0\x01\0\x01\0"s + static_cast<char>(entry.size()) + "\0\0\0"s +
            static_cast<char>(local.size()) + "\0\0\0\0\0"s;
 }

@@ -310,7 +310,7 @@ TEST(XCArchive, SectionsCopiedAndAsBlocks) {
         EXPECT_EQ(block.IsValid(), 0);
     });
     const TempFolder folder;
-    folder.write("f", std::string("\0\0\0\x40", 4) + std::string(64, 'x'));
+    folder.write("f", std::string("\0\0\0\x40", 4).append(64, 'x'));
     XCArchiveFile archive(10, 16);
     archive.FileOpen(folder.path("f"), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0);
     std::filesystem::resize_file(folder.posix("f"), 40); // by somebody else

@@ -104,10 +104,25 @@ std::string broken(const std::string& text) {
 } // namespace
 
 std::string drawHelp() {
-    return std::string(cnSize) + cnDepth + cnBackground + paragraph("Compositions", compositionNames()) +
-           paragraph("Caches", cacheNames()) + cnComposition + paragraph("Tip orders", tipOrderNames()) + cnTipText +
-           broken(builtInTipNames()) + paragraph("\nTexture modes", textureModeNames()) + cnTexture + cnPictures +
-           cnPen + cnBrushFiles + cnOutput;
+    const std::string parts[] = {cnSize,
+                                 cnDepth,
+                                 cnBackground,
+                                 paragraph("Compositions", compositionNames()),
+                                 paragraph("Caches", cacheNames()),
+                                 cnComposition,
+                                 paragraph("Tip orders", tipOrderNames()),
+                                 cnTipText,
+                                 broken(builtInTipNames()),
+                                 paragraph("\nTexture modes", textureModeNames()),
+                                 cnTexture,
+                                 cnPictures,
+                                 cnPen,
+                                 cnBrushFiles,
+                                 cnOutput};
+    std::string help;
+    for (const std::string& part : parts)
+        help += part;
+    return help;
 }
 
 } // namespace ovwpaint
