@@ -6,6 +6,8 @@
 
 #include "ovwcmn/vxwutl.h"
 
+#include <concepts>
+
 class XCPointer;
 
 /// One movable block: owns it (purge flag set) or borrows it (purge flag clear, then it is only unlocked on cleanup).
@@ -172,8 +174,12 @@ public:
         m_handle = nullptr;
         m_address = nullptr;
     }
-    T& operator[](int index) const { return m_address[index]; } ///< unchecked
-    operator T*() const { return m_address; }                   ///< null while nothing is locked
+    /// Unchecked. Takes every integer, so that the conversion to a pointer does not compete.
+    template <std::integral Index>
+    T& operator[](Index index) const {
+        return m_address[index];
+    }
+    operator T*() const { return m_address; } ///< null while nothing is locked
 
 private:
     XCHandle* m_handle = nullptr;

@@ -53,9 +53,15 @@ public:
     /// Gives the block room for `length` bytes of text, cutting a longer text; GetLength stays the text's length.
     void SetLength(int length);
     void Empty(); ///< becomes ""
-    /// @{ Unchecked.
-    char& operator[](int index) { return m_block[1 + index]; }
-    char operator[](int index) const { return m_block[1 + index]; }
+    /// @{ Unchecked. Takes every integer, so that the conversion to a pointer does not compete.
+    template <std::integral Index>
+    char& operator[](Index index) {
+        return m_block[1 + index];
+    }
+    template <std::integral Index>
+    char operator[](Index index) const {
+        return m_block[1 + index];
+    }
     /// @}
     /// @{ At(length) is the terminator; throws 0x20010008 for other indices outside the text.
     char& At(int index);
@@ -231,7 +237,10 @@ public:
     char16_t At(int index) const;
     /// @}
     /// Unchecked.
-    char16_t operator[](int index) const { return GetStr()[index]; }
+    template <std::integral Index>
+    char16_t operator[](Index index) const {
+        return GetStr()[index];
+    }
 
     /// @{ By code units: negative, 0 or positive.
     int Compare(const char16_t* other) const;

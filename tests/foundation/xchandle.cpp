@@ -224,7 +224,7 @@ TEST(XCTAutoLockHandle, LocksWhileItLives) {
     {
         XCTAutoLockHandle<unsigned char> guard(handle);
         EXPECT_EQ(handle.GetLockCount(), 1);
-        EXPECT_EQ(guard[2], 'c');
+        EXPECT_EQ(guard[std::ptrdiff_t{2}], 'c');
         guard.Lock(&other);
         EXPECT_EQ(handle.GetLockCount(), 0);
         EXPECT_EQ(other.GetLockCount(), 1);

@@ -75,6 +75,8 @@ TEST(XCString, AtReachesTheTerminatorAndNoFurther) {
     EXPECT_EQ(text.At(3), '\0');
     EXPECT_EQ(errorOf([&] { text.At(4); }), cnParameter);
     EXPECT_EQ(errorOf([&] { text.At(-1); }), cnParameter);
+    text[std::ptrdiff_t{1}] = 'B'; // an index of every integer type means the text's, not the pointer's
+    EXPECT_EQ(text[std::size_t{1}] + text[2L], 'B' + 'c');
 }
 
 TEST(XCString, GetStrFillsABufferWithoutATerminator) {
